@@ -1,0 +1,273 @@
+#include "imagedisplay/loading/ImageFile.h"
+
+#include "frame/Conversions.h"
+#include "frame/Globals.h"
+#include "imagedisplay/loading/ColorQuantizer.h"
+#include "imagedisplay/loading/GifWriter.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QImageWriter>
+#include <QSaveFile>
+
+namespace nxr {
+namespace {
+
+quint32 le32(const QByteArray& d, qsizetype at)
+{
+    const auto* p = reinterpret_cast<const uchar*>(d.constData()) + at;
+    return quint32(p[0]) | quint32(p[1]) << 8 | quint32(p[2]) << 16 | quint32(p[3]) << 24;
+}
+
+quint16 le16(const QByteArray& d, qsizetype at)
+{
+    const auto* p = reinterpret_cast<const uchar*>(d.constData()) + at;
+    return quint16(p[0] | p[1] << 8);
+}
+
+// A JPEG file ends with the end-of-image marker FF D9. Inside the entropy-coded data every FF is
+// followed by 00 or a restart marker, so the marker near the end is proof that the data is whole.
+bool jpegComplete(const QByteArray& d)
+{
+    const qsizetype from = qMax<qsizetype>(2, d.size() - 256);
+    for (qsizetype i = d.size() - 2; i >= from; --i) {
+        if (uchar(d[i]) == 0xFF && uchar(d[i + 1]) == 0xD9)
+            return true;
+    }
+    return false;
+}
+
+// An uncompressed bitmap must hold all its rows after the pixel-data offset.
+bool bmpComplete(const QByteArray& d)
+{
+    if (d.size() < 34)
+        return false;
+    const quint32 offset = le32(d, 10);
+    const qint64 width = qint32(le32(d, 18));
+    const qint64 height = qint32(le32(d, 22));
+    const quint16 bits = le16(d, 28);
+    const quint32 compression = le32(d, 30);
+    if (compression != 0 && compression != 3)
+        return true; // run-length data: its decoder checks its own end
+    const qint64 stride = ((qAbs(width) * bits + 31) / 32) * 4;
+    return d.size() >= qint64(offset) + stride * qAbs(height);
+}
+
+// A PNG file ends with the IEND chunk and its checksum.
+bool pngComplete(const QByteArray& d)
+{
+    const qsizetype at = d.lastIndexOf("IEND");
+    return at >= 12 && d.size() - at >= 8;
+}
+
+// What the block structure of a GIF file says: whether it reaches its trailer byte, and whether
+// every colour table in it is grey (Qt decodes GIF to 32-bit colour, which would lose that).
+struct GifScan
+{
+    bool complete = false;
+    bool grey = true;
+};
+
+GifScan scanGif(const QByteArray& d)
+{
+    GifScan scan;
+    const qsizetype n = d.size();
+    auto byte = [&](qsizetype i) { return uchar(d[i]); };
+    if (n < 13)
+        return scan;
+    qsizetype at = 13;
+    auto colourTable = [&](uchar flags) {
+        const qsizetype entries = qsizetype(1) << ((flags & 7) + 1);
+        for (qsizetype i = 0; i < entries && at + 3 * i + 2 < n; ++i) {
+            const qsizetype e = at + 3 * i;
+            if (byte(e) != byte(e + 1) || byte(e + 1) != byte(e + 2))
+                scan.grey = false;
+        }
+        at += 3 * entries;
+    };
+    if (byte(10) & 0x80)
+        colourTable(byte(10));
+    auto skipSubBlocks = [&]() {
+        while (at < n) {
+            const uchar len = byte(at++);
+            if (len == 0)
+                return true;
+            at += len;
+        }
+        return false;
+    };
+    while (at < n) {
+        const uchar kind = byte(at++);
+        if (kind == 0x3B) {
+            scan.complete = true;
+            return scan;
+        }
+        if (kind == 0x21) {
+            if (++at > n || !skipSubBlocks())
+                return scan;
+        } else if (kind == 0x2C) {
+            if (at + 9 > n)
+                return scan;
+            const uchar flags = byte(at + 8);
+            at += 9;
+            if (flags & 0x80)
+                colourTable(flags);
+            if (++at > n || !skipSubBlocks()) // LZW minimum code size, then the data
+                return scan;
+        } else {
+            return scan;
+        }
+    }
+    return scan;
+}
+
+bool greyTable(const QList<QRgb>& table)
+{
+    for (QRgb c : table) {
+        if (qRed(c) != qGreen(c) || qGreen(c) != qBlue(c) || qAlpha(c) != 255)
+            return false;
+    }
+    return !table.isEmpty();
+}
+
+// Grey stays grey; everything else becomes 32-bit colour, with alpha only when the file had it.
+QImage normalised(const QImage& image)
+{
+    switch (image.format()) {
+    case QImage::Format_Grayscale8:
+    case QImage::Format_Grayscale16:
+    case QImage::Format_RGB32:
+    case QImage::Format_ARGB32:
+        return image;
+    case QImage::Format_Mono:
+    case QImage::Format_MonoLSB:
+    case QImage::Format_Indexed8:
+        if (greyTable(image.colorTable()))
+            return image.convertToFormat(QImage::Format_Grayscale8);
+        break;
+    default:
+        break;
+    }
+    return image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+}
+
+QByteArray qtEncode(const QImage& image, const char* format, int quality)
+{
+    QByteArray out;
+    QBuffer buffer(&out);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, format);
+    writer.setQuality(quality);
+    if (!writer.write(image))
+        throw Failure(QStringLiteral("could not encode the image: ") + writer.errorString());
+    return out;
+}
+
+} // namespace
+
+ImageFileFormat ImageFile::formatForPath(const QString& controllerPath)
+{
+    const QString ext = Globals::imageExtension(controllerPath);
+    if (ext == QLatin1String(".PNG"))
+        return ImageFileFormat::Png;
+    if (ext == QLatin1String(".GIF"))
+        return ImageFileFormat::Gif;
+    if (ext == QLatin1String(".BMP"))
+        return ImageFileFormat::Bmp;
+    return ImageFileFormat::Jpeg;
+}
+
+QString ImageFile::extensionOf(ImageFileFormat format)
+{
+    switch (format) {
+    case ImageFileFormat::Png:
+        return QStringLiteral(".PNG");
+    case ImageFileFormat::Gif:
+        return QStringLiteral(".GIF");
+    case ImageFileFormat::Bmp:
+        return QStringLiteral(".BMP");
+    case ImageFileFormat::Jpeg:
+        break;
+    }
+    return QStringLiteral(".JPG");
+}
+
+QImage ImageFile::read(const QString& localPath)
+{
+    QFile file(localPath);
+    if (!file.exists())
+        throw Failure(QStringLiteral("file ") + localPath + QStringLiteral(" does not exist"));
+    if (!file.open(QIODevice::ReadOnly))
+        throw Failure(QStringLiteral("cannot open ") + localPath + QStringLiteral(": ") + file.errorString());
+    const QByteArray data = file.readAll();
+    file.close();
+    if (data.isEmpty())
+        throw Failure(QStringLiteral("file ") + localPath + QStringLiteral(" is empty"));
+
+    QBuffer buffer;
+    buffer.setData(data);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    reader.setAutoTransform(false);
+    const QByteArray kind = reader.format();
+    const QImage image = reader.read();
+    if (image.isNull()) {
+        throw Failure(kind.isEmpty()
+                          ? QStringLiteral("not an image file")
+                          : QStringLiteral("cannot decode ") + QString::fromLatin1(kind).toUpper() +
+                                QStringLiteral(" data: ") + reader.errorString());
+    }
+    GifScan gif;
+    if (kind == "gif")
+        gif = scanGif(data);
+    const bool whole = kind == "jpeg"  ? jpegComplete(data)
+                       : kind == "bmp" ? bmpComplete(data)
+                       : kind == "gif" ? gif.complete
+                       : kind == "png" ? pngComplete(data)
+                                       : true;
+    if (!whole)
+        throw Failure(QString::fromLatin1(kind).toUpper() + QStringLiteral(" data is truncated"));
+    if (kind == "gif" && gif.grey && !image.hasAlphaChannel())
+        return image.convertToFormat(QImage::Format_Grayscale8);
+    return normalised(image);
+}
+
+QByteArray ImageFile::encode(const QImage& image, ImageFileFormat format)
+{
+    if (image.isNull())
+        throw Failure(QStringLiteral("no image to write"));
+    // The 8-bit formats get 8-bit grey from 16-bit grey; colour stays colour.
+    const QImage eightBit = image.format() == QImage::Format_Grayscale16
+                                ? image.convertToFormat(QImage::Format_Grayscale8)
+                                : image;
+    switch (format) {
+    case ImageFileFormat::Png:
+        return qtEncode(image, "png", kPngQuality);
+    case ImageFileFormat::Bmp:
+        return qtEncode(eightBit, "bmp", -1);
+    case ImageFileFormat::Gif:
+        return GifWriter::encode(ColorQuantizer::toIndexed(eightBit));
+    case ImageFileFormat::Jpeg:
+        break;
+    }
+    const QImage opaque =
+        eightBit.hasAlphaChannel() ? eightBit.convertToFormat(QImage::Format_RGB32) : eightBit;
+    return qtEncode(opaque, "jpeg", kJpegQuality);
+}
+
+void ImageFile::write(const QImage& image, const QString& localPath, ImageFileFormat format)
+{
+    const QByteArray data = encode(image, format);
+    QSaveFile file(localPath);
+    if (!file.open(QIODevice::WriteOnly))
+        throw Failure(QStringLiteral("cannot write ") + localPath + QStringLiteral(": ") +
+                      file.errorString());
+    file.write(data);
+    if (!file.commit())
+        throw Failure(QStringLiteral("cannot write ") + localPath + QStringLiteral(": ") +
+                      file.errorString());
+}
+
+} // namespace nxr
