@@ -1,0 +1,124 @@
+#include "imagedisplay/loading/LiveMode.h"
+
+#include "frame/Conversions.h"
+#include "frame/ScriptableCore.h"
+#include "imagedisplay/loading/ImageSurface.h"
+
+namespace nxr {
+namespace {
+
+const QString kTrue = QStringLiteral("True");
+const QString kFalse = QStringLiteral("False");
+const QString kLiveEnabled = QStringLiteral("LiveEnabled");
+const QString kButtonEnabled = QStringLiteral("ButtonEnabled");
+constexpr int kOpenButton = 16;
+constexpr int kSaveButton = 17;
+
+} // namespace
+
+LiveMode::LiveMode(ImageSurface& surface, ScriptableCore& core, QObject* parent)
+    : QObject(parent), m_surface(surface), m_core(core)
+{
+    m_timer.setObjectName(QStringLiteral("tmr_LiveMode"));
+    m_timer.setInterval(kInterval);
+    connect(&m_timer, &QTimer::timeout, this, &LiveMode::tick);
+}
+
+void LiveMode::turnOn()
+{
+    const QString routine = QStringLiteral("msub_TurnOnLiveMode");
+    m_core.trace(routine, QStringLiteral("Entered, caption=") + m_surface.caption());
+    if (!m_on) {
+        m_surface.setViewButtonProperty(kLiveEnabled, kFalse);
+        m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(kOpenButton, kFalse));
+        m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(kSaveButton, kFalse));
+        m_surface.setBusyPointer(true);
+        m_on = true;
+        m_abortRequested = false;
+        m_timer.setInterval(kInterval);
+        emit liveModeToggled(true);
+    }
+    m_core.trace(routine, QStringLiteral("Done, caption=") + m_surface.caption());
+}
+
+void LiveMode::doAbort()
+{
+    const QString routine = QStringLiteral("msub_DoAbortLiveMode");
+    m_core.trace(routine, QStringLiteral("Entered, caption=") + m_surface.caption());
+    if (m_on) {
+        m_on = false;
+        m_timer.stop();
+        m_timer.setInterval(kInterval);
+        m_surface.setBusyPointer(false);
+        m_surface.setViewButtonProperty(kLiveEnabled, kTrue);
+        m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(kOpenButton, kTrue));
+        m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(kSaveButton, kTrue));
+        m_abortRequested = false;
+        emit liveModeToggled(false);
+    }
+    m_core.trace(routine, QStringLiteral("Done, caption=") + m_surface.caption());
+}
+
+void LiveMode::requestAbort()
+{
+    if (!m_on)
+        return;
+    m_timer.stop();
+    m_abortRequested = true;
+    m_timer.setInterval(kAbortInterval);
+    m_timer.start();
+}
+
+void LiveMode::loadFinished()
+{
+    if (m_on && !m_timer.isActive())
+        m_timer.start();
+}
+
+void LiveMode::tick()
+{
+    if (!m_on) {
+        m_timer.stop();
+        return;
+    }
+    if (m_busy)
+        return; // a load is still running; ask again on the next tick
+    if (m_abortRequested) {
+        doAbort();
+        m_timer.setInterval(kInterval);
+        return;
+    }
+    m_timer.stop();
+    m_core.trace(QStringLiteral("tmr_LiveMode_Timer"), QStringLiteral("raising event OnButtonClicked(Snap)"));
+    emit snapRequested();
+}
+
+bool LiveMode::deferMouseDown(int button, int shift, double x, double y)
+{
+    if (!m_busy)
+        return false;
+    m_queue.append(QStringList{kMouseDownHandler, QString::number(button), QString::number(shift),
+                               fromDouble(x), fromDouble(y)});
+    return true;
+}
+
+void LiveMode::processQueue()
+{
+    m_core.trace(QStringLiteral("msub_ProcessLiveModeQueue"),
+                 QStringLiteral("Entered, entries=") + QString::number(m_queue.size()));
+    // Taken out first: a replayed click may itself end up here again.
+    const QList<QStringList> entries = std::exchange(m_queue, {});
+    for (const QStringList& entry : entries) {
+        if (entry.size() == 5 && entry[0] == kMouseDownHandler)
+            m_surface.replayMouseDown(toLong(entry[1]), toLong(entry[2]), toDouble(entry[3]),
+                                      toDouble(entry[4]));
+    }
+}
+
+void LiveMode::clearQueue()
+{
+    while (!m_queue.isEmpty())
+        m_queue.removeFirst();
+}
+
+} // namespace nxr

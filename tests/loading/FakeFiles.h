@@ -1,0 +1,115 @@
+#pragma once
+// Test helpers: a private storage folder per test process, and a controller stand-in whose files
+// live in a local folder and whose transfers wait in the event loop like the real ones.
+
+#include "imagedisplay/loading/ControllerFiles.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+#include <QTimer>
+
+#include <cstdlib>
+#include <functional>
+
+namespace nxr::testing {
+
+// Points the temporary folder (and so the library's storage folder) at a fresh folder of this
+// process, before the storage folder is first used.
+inline QString usePrivateTempFolder()
+{
+    static const QString folder = [] {
+        QByteArray templ = QDir::tempPath().toLocal8Bit() + "/nxr-loading-XXXXXX";
+        const char* made = mkdtemp(templ.data());
+        qputenv("TMPDIR", made);
+        return QString::fromLocal8Bit(made);
+    }();
+    return folder;
+}
+
+// Waits in the event loop, as a transfer does.
+inline void spin(int ms)
+{
+    QEventLoop loop;
+    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+// Processes events until `done` holds or `ms` pass; returns done().
+inline bool waitFor(const std::function<bool()>& done, int ms = 5000)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (!done() && clock.elapsed() < ms)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    return done();
+}
+
+class FakeFiles : public ControllerFiles
+{
+public:
+    explicit FakeFiles(QString root) : m_root(std::move(root)) {}
+
+    int transferMs = 0;               // how long each download waits in the event loop
+    std::function<void()> duringCopy; // runs inside that wait
+    int downloads = 0;
+    int uploads = 0;
+    QString lastPassword;
+
+    // Where a controller path lives: "MC:\A\B.PNG" is <root>/MC/A/B.PNG.
+    QString fileFor(const QString& controllerPath) const
+    {
+        QString relative = controllerPath;
+        relative.replace(QLatin1Char('\\'), QLatin1Char('/')).remove(QLatin1Char(':'));
+        return m_root + QLatin1Char('/') + relative;
+    }
+    void put(const QString& controllerPath, const QByteArray& data) const
+    {
+        const QString file = fileFor(controllerPath);
+        QDir().mkpath(QFileInfo(file).path());
+        QFile f(file);
+        f.open(QIODevice::WriteOnly);
+        f.write(data);
+    }
+
+    bool copyFromController(const QString&, const QString& controllerPath, const QString&,
+                            const QString& password, const QString& localPath, QString* error) override
+    {
+        ++downloads;
+        lastPassword = password;
+        if (duringCopy)
+            QTimer::singleShot(transferMs / 2, duringCopy);
+        if (transferMs > 0)
+            spin(transferMs);
+        const QString source = fileFor(controllerPath);
+        if (!QFileInfo::exists(source)) {
+            *error =
+                QStringLiteral("no such file on the controller (password ") + password + QLatin1Char(')');
+            return false;
+        }
+        QFile::remove(localPath);
+        return QFile::copy(source, localPath);
+    }
+
+    bool copyToController(const QString& localPath, const QString&, const QString& controllerPath,
+                          const QString&, const QString&, QString* error) override
+    {
+        ++uploads;
+        const QString target = fileFor(controllerPath);
+        QDir().mkpath(QFileInfo(target).path());
+        QFile::remove(target);
+        if (!QFile::copy(localPath, target)) {
+            *error = QStringLiteral("upload refused");
+            return false;
+        }
+        return true;
+    }
+
+private:
+    QString m_root;
+};
+
+} // namespace nxr::testing

@@ -1,0 +1,231 @@
+#include "FakeFiles.h"
+#include "FakeSurface.h"
+
+#include "frame/Globals.h"
+#include "frame/ScriptableCore.h"
+#include "imagedisplay/loading/ImageFile.h"
+#include "imagedisplay/loading/ImageLoader.h"
+#include "imagedisplay/loading/LiveMode.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace nxr;
+using namespace nxr::testing;
+
+namespace {
+
+QImage pattern(int w, int h, int seed, bool grey = false)
+{
+    QImage img(w, h, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            if (grey)
+                img.scanLine(y)[x] = uchar(x * 3 + y * 5 + seed);
+            else
+                img.setPixel(x, y, qRgb((x + seed) & 255, (y * 2 + seed) & 255, (x ^ y) & 255));
+        }
+    return img;
+}
+
+class ImageLoaderTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { usePrivateTempFolder(); }
+
+    void put(const QString& path, const QImage& img, ImageFileFormat format = ImageFileFormat::Png)
+    {
+        files.put(path, ImageFile::encode(img, format));
+    }
+    void load(const QString& path) { loader.loadImage("robot", path, "operator", "s3cret!"); }
+
+    QObject owner;
+    int errors = 0;
+    ScriptableCore core{&owner, [this] { ++errors; }};
+    QTemporaryDir controller;
+    FakeFiles files{controller.path()};
+    FakeSurface surface;
+    LiveMode live{surface, core};
+    ImageLoader loader{surface, live, core, [this] { return &files; }};
+};
+
+TEST_F(ImageLoaderTest, LoadShowsTheImageFitsItOnceAndRecordsTheFileNames)
+{
+    const QImage img = pattern(320, 240, 1);
+    put("MC:\\VISION\\snap.png", img);
+    QSignalSpy zoom(&loader, &ImageLoader::zoomChanged);
+    load("MC:\\VISION\\snap.png");
+    EXPECT_EQ(errors, 0) << core.lastError().toStdString();
+    EXPECT_EQ(surface.image, img);
+    EXPECT_EQ(surface.landing, img);
+    EXPECT_EQ(loader.images().image("current"), img);
+    EXPECT_EQ(loader.originalFilename(), "snap.png");
+    EXPECT_EQ(loader.currentImageFilename(), Globals::storageFolder() + "/MC/VISION/image.PNG");
+    EXPECT_EQ(loader.hostName(), "robot");
+    ASSERT_EQ(zoom.count(), 1);
+    EXPECT_FLOAT_EQ(zoom[0][0].toFloat(), 200.0f); // 320 x 240 into 640 x 480
+}
+
+TEST_F(ImageLoaderTest, EqualSizeKeepsZoomAndScrollOtherSizeRefitsAndSignalsOnce)
+{
+    put("MC:\\V\\a.png", pattern(320, 240, 1));
+    put("MC:\\V\\b.png", pattern(320, 240, 2));
+    put("MC:\\V\\c.png", pattern(1280, 960, 3));
+    QSignalSpy zoom(&loader, &ImageLoader::zoomChanged);
+    load("MC:\\V\\a.png");
+    surface.zoomValue = 400.0f; // the operator zoomed and panned
+    surface.scroll = QPointF(37, 12);
+    load("MC:\\V\\b.png");
+    EXPECT_EQ(surface.image, pattern(320, 240, 2));
+    EXPECT_FLOAT_EQ(surface.zoomValue, 400.0f);
+    EXPECT_EQ(surface.scroll, QPointF(37, 12));
+    EXPECT_EQ(zoom.count(), 1);
+
+    load("MC:\\V\\c.png");
+    EXPECT_FLOAT_EQ(surface.zoomValue, 50.0f);
+    EXPECT_EQ(surface.scroll, QPointF());
+    ASSERT_EQ(zoom.count(), 2);
+    EXPECT_FLOAT_EQ(zoom[1][0].toFloat(), 50.0f);
+    EXPECT_EQ(errors, 0);
+}
+
+TEST_F(ImageLoaderTest, EmptyPathClearsTheDisplayWithoutError)
+{
+    put("MC:\\V\\a.png", pattern(64, 48, 1));
+    load("MC:\\V\\a.png");
+    load("");
+    EXPECT_TRUE(surface.image.isNull());
+    EXPECT_TRUE(surface.landing.isNull());
+    EXPECT_FALSE(loader.images().contains("current"));
+    EXPECT_EQ(loader.currentImageFilename(), "");
+    EXPECT_EQ(surface.reinitializations, 1);
+    EXPECT_EQ(errors, 0);
+    EXPECT_EQ(files.downloads, 1);
+}
+
+TEST_F(ImageLoaderTest, PathWithoutImageExtensionIsStoredAsImagePng)
+{
+    const QImage img = pattern(50, 40, 9, true);
+    put("MC:\\CAM\\LASTSNAP", img, ImageFileFormat::Jpeg); // what arrives decides the decoder
+    load("MC:\\CAM\\LASTSNAP");
+    EXPECT_EQ(errors, 0) << core.lastError().toStdString();
+    EXPECT_EQ(loader.currentImageFilename(), Globals::storageFolder() + "/MC/CAM/image.PNG");
+    EXPECT_TRUE(QFileInfo::exists(loader.currentImageFilename()));
+    EXPECT_EQ(surface.image.format(), QImage::Format_Grayscale8);
+}
+
+TEST_F(ImageLoaderTest, NonImageOutsideLiveModeGivesTheMessageAndAnEmptyDisplay)
+{
+    put("MC:\\V\\a.png", pattern(64, 48, 1));
+    load("MC:\\V\\a.png");
+    files.put("MC:\\V\\page.png", "<HTML><BODY>Not found</BODY></HTML>");
+    load("MC:\\V\\page.png");
+    EXPECT_EQ(errors, 1);
+    EXPECT_EQ(core.lastError(), "Error in mflng_LoadNewImage: file MC:\\V\\page.png does not contain image");
+    EXPECT_TRUE(surface.image.isNull());
+    EXPECT_FALSE(loader.images().contains("current"));
+    EXPECT_EQ(surface.reinitializations, 1);
+}
+
+TEST_F(ImageLoaderTest, CorruptImageInLiveModeKeepsTheLastImageAndAsksForTheNext)
+{
+    const QImage img = pattern(64, 48, 1);
+    put("MC:\\V\\a.png", img);
+    QByteArray half = ImageFile::encode(pattern(64, 48, 2), ImageFileFormat::Jpeg);
+    files.put("MC:\\V\\half.jpg", half.left(half.size() / 2));
+    live.turnOn();
+    load("MC:\\V\\a.png");
+    QSignalSpy snap(&live, &LiveMode::snapRequested);
+    load("MC:\\V\\half.jpg");
+    EXPECT_EQ(errors, 1);
+    EXPECT_EQ(core.lastError(), "Error in mflng_LoadNewImage: file MC:\\V\\half.jpg does not contain image");
+    EXPECT_EQ(surface.image, img);
+    EXPECT_EQ(loader.images().image("current"), img);
+    EXPECT_EQ(surface.reinitializations, 0);
+    EXPECT_TRUE(snap.wait(1000));
+}
+
+TEST_F(ImageLoaderTest, FailedCopyReportsTheTransferReasonWithoutThePassword)
+{
+    load("MC:\\V\\missing.png");
+    EXPECT_EQ(errors, 1);
+    EXPECT_TRUE(core.lastError().startsWith("Error in mfbln_CopyFileFromController: no such file"))
+        << core.lastError().toStdString();
+    EXPECT_FALSE(core.lastError().contains("s3cret!"));
+    EXPECT_EQ(files.lastPassword, "s3cret!");
+    EXPECT_TRUE(surface.image.isNull());
+}
+
+TEST_F(ImageLoaderTest, SaveRoundTripPerFormatAndNoImageToSave)
+{
+    loader.saveImage("robot", "MC:\\V\\out.png", "operator", "s3cret!");
+    EXPECT_EQ(errors, 1);
+    EXPECT_EQ(core.lastError(), "Error in msub_SaveImage: No image to save");
+    EXPECT_EQ(files.uploads, 0);
+
+    for (bool grey : {true, false}) {
+        const QImage img = pattern(90, 70, 4, grey);
+        put("MC:\\V\\src.png", img);
+        load("MC:\\V\\src.png");
+        for (const char* name : {"MC:\\V\\OUT.PNG", "MC:\\V\\OUT.BMP", "MC:\\V\\OUT.GIF", "MC:\\V\\OUT"}) {
+            SCOPED_TRACE(name);
+            loader.saveImage("robot", name, "operator", "s3cret!");
+            const QImage back = ImageFile::read(files.fileFor(name));
+            EXPECT_EQ(back.format(), img.format());
+            if (QString(name).endsWith("OUT")) {
+                // No extension: written as JPEG.
+                QFile f(files.fileFor(name));
+                f.open(QIODevice::ReadOnly);
+                EXPECT_TRUE(f.read(2) == QByteArray("\xFF\xD8", 2));
+            } else if (grey || !QString(name).endsWith(".GIF")) {
+                EXPECT_EQ(back, img);
+            }
+        }
+    }
+    EXPECT_EQ(errors, 1);
+    // Saving does not disturb the file the shown image came from.
+    EXPECT_EQ(ImageFile::read(loader.currentImageFilename()), pattern(90, 70, 4, false));
+}
+
+TEST_F(ImageLoaderTest, WaitOnDisplayDecidesWhetherTheRepaintPrecedesTheReturn)
+{
+    put("MC:\\V\\a.png", pattern(64, 48, 1));
+    loader.setWaitOnDisplay(false);
+    surface.repaints = 0;
+    load("MC:\\V\\a.png");
+    EXPECT_EQ(surface.repaints, 0);
+    EXPECT_FALSE(surface.repaintOn);
+    EXPECT_TRUE(waitFor([&] { return surface.repaints == 1; }));
+    EXPECT_TRUE(surface.repaintOn);
+
+    loader.setWaitOnDisplay(true);
+    surface.repaints = 0;
+    load("MC:\\V\\a.png");
+    EXPECT_EQ(surface.repaints, 1);
+    EXPECT_TRUE(surface.repaintOn);
+}
+
+TEST_F(ImageLoaderTest, LoadImageCalledDuringATransferRunsAfterItInOrder)
+{
+    put("MC:\\V\\a.png", pattern(64, 48, 1));
+    put("MC:\\V\\b.png", pattern(64, 48, 2));
+    put("MC:\\V\\c.png", pattern(64, 48, 3));
+    files.transferMs = 60;
+    int nested = 0;
+    files.duringCopy = [&] {
+        if (nested++ == 0) {
+            load("MC:\\V\\b.png");
+            load("MC:\\V\\c.png");
+            // Queued, not run inside the running transfer.
+            EXPECT_EQ(files.downloads, 1);
+        }
+    };
+    load("MC:\\V\\a.png");
+    EXPECT_EQ(files.downloads, 3);
+    EXPECT_EQ(surface.image, pattern(64, 48, 3));
+    EXPECT_EQ(errors, 0);
+}
+
+} // namespace

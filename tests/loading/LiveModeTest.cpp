@@ -1,0 +1,186 @@
+#include "FakeFiles.h"
+#include "FakeSurface.h"
+
+#include "frame/ScriptableCore.h"
+#include "imagedisplay/loading/ImageFile.h"
+#include "imagedisplay/loading/ImageLoader.h"
+#include "imagedisplay/loading/LiveMode.h"
+
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace nxr;
+using namespace nxr::testing;
+
+namespace {
+
+class LiveModeTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        usePrivateTempFolder();
+        for (int i = 0; i < 3; ++i) {
+            QImage img(160, 120, QImage::Format_Grayscale8);
+            img.fill(i * 60);
+            files.put(QString("MC:\\LIVE\\F%1.JPG").arg(i), ImageFile::encode(img, ImageFileFormat::Png));
+        }
+    }
+    void loadFrame(int i) { loader.loadImage("robot", QString("MC:\\LIVE\\F%1.JPG").arg(i % 3), "u", "p"); }
+
+    QObject owner;
+    int errors = 0;
+    ScriptableCore core{&owner, [this] { ++errors; }};
+    QTemporaryDir controller;
+    FakeFiles files{controller.path()};
+    FakeSurface surface;
+    LiveMode live{surface, core};
+    ImageLoader loader{surface, live, core, [this] { return &files; }};
+    QSignalSpy toggled{&live, &LiveMode::liveModeToggled};
+    QSignalSpy snaps{&live, &LiveMode::snapRequested};
+};
+
+TEST_F(LiveModeTest, SnapLoadSnapCycleWithOneToggleEventPerTransition)
+{
+    int frames = 0;
+    QElapsedTimer sinceLoad;
+    qint64 shortestGap = 1000;
+    QObject::connect(&live, &LiveMode::snapRequested, [&] {
+        shortestGap = std::min(shortestGap, sinceLoad.elapsed());
+        if (++frames < 5) {
+            loadFrame(frames);
+            sinceLoad.start();
+        }
+    });
+    live.turnOn();
+    EXPECT_EQ(surface.toolBar,
+              QStringList({"LiveEnabled=False", "ButtonEnabled=16, False", "ButtonEnabled=17, False"}));
+    EXPECT_TRUE(surface.busyPointer);
+    live.turnOn(); // already on: no second event
+    loadFrame(0);
+    sinceLoad.start();
+    ASSERT_TRUE(waitFor([&] { return frames == 5; }));
+    EXPECT_GE(shortestGap, LiveMode::kInterval - 5);
+    // The fifth request went unanswered: live mode waits, asking nothing more.
+    spin(150);
+    EXPECT_EQ(snaps.count(), 5);
+    EXPECT_FALSE(live.timer().isActive());
+
+    live.doAbort();
+    live.doAbort(); // already off: nothing
+    ASSERT_EQ(toggled.count(), 2);
+    EXPECT_TRUE(toggled[0][0].toBool());
+    EXPECT_FALSE(toggled[1][0].toBool());
+    EXPECT_EQ(surface.toolBar.mid(3),
+              QStringList({"LiveEnabled=True", "ButtonEnabled=16, True", "ButtonEnabled=17, True"}));
+    EXPECT_FALSE(surface.busyPointer);
+    EXPECT_EQ(errors, 0);
+}
+
+TEST_F(LiveModeTest, SnapButtonAbortLetsTheRunningLoadFinishThenEndsLiveMode)
+{
+    files.transferMs = 200;
+    QElapsedTimer sinceRequest;
+    qint64 abortedAfter = -1;
+    QObject::connect(&live, &LiveMode::liveModeToggled, [&](bool on) {
+        if (!on)
+            abortedAfter = sinceRequest.elapsed();
+    });
+    QObject::connect(&live, &LiveMode::snapRequested, [&] { loadFrame(snaps.count()); });
+    files.duringCopy = [&] {
+        if (!sinceRequest.isValid()) {
+            live.requestAbort(); // the operator presses snap while an image is on its way
+            sinceRequest.start();
+            EXPECT_EQ(live.timer().interval(), LiveMode::kAbortInterval);
+        }
+    };
+    live.turnOn();
+    loadFrame(0);
+    EXPECT_EQ(qGray(surface.image.pixel(0, 0)), 0); // the running load finished and shows
+    EXPECT_TRUE(live.isOn());
+    ASSERT_TRUE(waitFor([&] { return !live.isOn(); }));
+    EXPECT_GE(abortedAfter, LiveMode::kAbortInterval * 9 / 10); // coarse timers may fire 5% early
+    EXPECT_EQ(snaps.count(), 0);
+    EXPECT_EQ(toggled.count(), 2);
+    EXPECT_FALSE(live.abortRequested());
+    EXPECT_EQ(live.timer().interval(), LiveMode::kInterval);
+    spin(100);
+    EXPECT_EQ(toggled.count(), 2);
+    EXPECT_EQ(files.downloads, 1);
+}
+
+TEST_F(LiveModeTest, AbortLiveModeWhileAnAbortIsPendingRaisesOneEventAndLeavesANormalTimer)
+{
+    live.turnOn();
+    loadFrame(0);
+    live.requestAbort();
+    live.doAbort(); // AbortLiveMode from the page
+    spin(LiveMode::kAbortInterval + 100);
+    EXPECT_EQ(toggled.count(), 2);
+    EXPECT_EQ(snaps.count(), 0);
+    // A new session runs at the normal pace.
+    live.turnOn();
+    loadFrame(1);
+    QElapsedTimer clock;
+    clock.start();
+    ASSERT_TRUE(snaps.wait(1000));
+    EXPECT_LT(clock.elapsed(), LiveMode::kAbortInterval / 2);
+    EXPECT_EQ(toggled.count(), 3);
+}
+
+TEST_F(LiveModeTest, ZoomClicksDuringALiveLoadAreQueuedAndReplayedInOrderAfterIt)
+{
+    EXPECT_FALSE(live.deferMouseDown(1, 0, 5, 5)); // not busy: handled at once by the caller
+    files.transferMs = 120;
+    QImage shownDuringReplay;
+    surface.onReplay = [&](const MouseDown&) { shownDuringReplay = surface.image; };
+    files.duringCopy = [&] {
+        EXPECT_TRUE(live.isBusy());
+        EXPECT_TRUE(live.deferMouseDown(1, 0, 10.5, 20.25));
+        EXPECT_TRUE(live.deferMouseDown(2, 1, 30, 40));
+        EXPECT_TRUE(live.deferMouseDown(1, 4, 0.125, 479));
+        EXPECT_TRUE(surface.replayed.empty());
+    };
+    live.turnOn();
+    loadFrame(2);
+    EXPECT_FALSE(live.isBusy());
+    EXPECT_EQ(surface.replayed,
+              (std::vector<MouseDown>{{1, 0, 10.5, 20.25}, {2, 1, 30, 40}, {1, 4, 0.125, 479}}));
+    EXPECT_EQ(shownDuringReplay, surface.image); // replayed onto the new image, not the old one
+    EXPECT_EQ(live.queuedCount(), 0);
+}
+
+TEST_F(LiveModeTest, TickWaitsWhileBusyAndStopsWhenLiveModeIsOff)
+{
+    live.turnOn();
+    live.setBusy(true);
+    live.loadFinished(); // timer on
+    spin(150);
+    EXPECT_EQ(snaps.count(), 0);
+    EXPECT_TRUE(live.timer().isActive());
+    live.setBusy(false);
+    ASSERT_TRUE(snaps.wait(500));
+    EXPECT_FALSE(live.timer().isActive());
+
+    // Outside live mode a finished load starts nothing.
+    live.doAbort();
+    live.loadFinished();
+    EXPECT_FALSE(live.timer().isActive());
+}
+
+TEST_F(LiveModeTest, ClearQueueDropsDeferredClicks)
+{
+    live.setBusy(true);
+    live.deferMouseDown(1, 0, 1, 1);
+    live.deferMouseDown(1, 0, 2, 2);
+    EXPECT_EQ(live.queuedCount(), 2);
+    live.clearQueue();
+    live.setBusy(false);
+    live.processQueue();
+    EXPECT_TRUE(surface.replayed.empty());
+}
+
+} // namespace
