@@ -56,13 +56,21 @@ QString errorTraceLine(const QString& className, const QString& routine, const Q
            scrubCredentials(message) + QStringLiteral("\r\n");
 }
 
-void errorTrace(const QString& className, const QString& routine, const QString& message) noexcept
+void debugOutput(const QString& text) noexcept
 {
     try {
         installHandlerOnce();
-        qCWarning(lcNxrError).noquote() << errorTraceLine(className, routine, message);
+        qCWarning(lcNxrError).noquote() << text;
     } catch (...) {
-        // The error trace never fails its caller.
+        // The debug output never fails its caller.
+    }
+}
+
+void errorTrace(const QString& className, const QString& routine, const QString& message) noexcept
+{
+    try {
+        debugOutput(errorTraceLine(className, routine, message));
+    } catch (...) {
     }
 }
 

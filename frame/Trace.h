@@ -21,6 +21,10 @@ NXR_EXPORT Q_DECLARE_LOGGING_CATEGORY(lcNxrTrace)
 
 namespace nxr {
 
+// Writes text exactly as given (it carries its own CR LF) to the debug output through the
+// "nexaro.error" category. Never throws, never fails.
+NXR_EXPORT void debugOutput(const QString& text) noexcept;
+
 // Writes one error-trace line. Never throws, never fails.
 NXR_EXPORT void errorTrace(const QString& className, const QString& routine, const QString& message) noexcept;
 
