@@ -34,6 +34,10 @@ void installHandlerOnce()
     std::call_once(once, [] { g_previousHandler = qInstallMessageHandler(messageHandler); });
 }
 
+// Installed when the library loads, so that a handler the application installs later sits on
+// top of it and receives the error trace too.
+const bool g_handlerInstalled = (installHandlerOnce(), true);
+
 } // namespace
 
 QString scrubCredentials(QString text, const QStringList& secrets)

@@ -51,6 +51,7 @@ void UrlCache::setRoot(const QString& folder)
     QDir().mkpath(m_root);
     QFile::setPermissions(m_root, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     m_disk.reset();
+    m_attached.clear();
     if (m_jar)
         m_retiredJars.push_back(std::move(m_jar));
     m_jar = std::make_unique<PersistentCookieJar>(cookieFile());
@@ -68,6 +69,7 @@ void UrlCache::attachTo(QNetworkAccessManager* manager)
     auto* cache = new QNetworkDiskCache(manager);
     cache->setCacheDirectory(diskCacheFolder());
     manager->setCache(cache);
+    m_attached.emplace_back(cache);
     // The jar is shared by every manager; it stays owned here.
     manager->setCookieJar(m_jar.get());
     m_jar->setParent(nullptr);
@@ -150,7 +152,13 @@ bool UrlCache::deleteEntry(const QString& sourceUrl)
 {
     if (sourceUrl.startsWith(QLatin1String("Cookie:")))
         return false;
-    return diskCache()->remove(QUrl(sourceUrl));
+    const QUrl url(sourceUrl);
+    bool removed = false;
+    for (const QPointer<QNetworkDiskCache>& cache : m_attached) {
+        if (cache && cache->cacheDirectory() == diskCache()->cacheDirectory())
+            removed = cache->remove(url) || removed;
+    }
+    return diskCache()->remove(url) || removed;
 }
 
 } // namespace nxr

@@ -9,6 +9,8 @@
 
 #include "frame/Export.h"
 
+#include <QNetworkDiskCache>
+#include <QPointer>
 #include <QString>
 #include <QStringList>
 
@@ -18,7 +20,6 @@
 #include <vector>
 
 class QNetworkAccessManager;
-class QNetworkDiskCache;
 
 namespace nxr {
 
@@ -80,6 +81,9 @@ private:
     // Jars of earlier roots stay alive for managers still holding them.
     std::vector<std::unique_ptr<PersistentCookieJar>> m_retiredJars;
     std::unique_ptr<QNetworkDiskCache> m_disk;
+    // The caches handed to managers: each keeps its last entry in memory, so a deletion must
+    // reach all of them.
+    std::vector<QPointer<QNetworkDiskCache>> m_attached;
     struct Enumeration
     {
         std::vector<Entry> entries;
