@@ -3,7 +3,6 @@
 #include "frame/ClassRegistry.h"
 #include "frame/Trace.h"
 
-
 #include <cstdlib>
 
 NXR_REGISTER_CLASS(NXRClientSetupObject)

@@ -80,8 +80,8 @@ void errorTrace(const QString& className, const QString& routine, const QString&
 
 void ordinaryTrace(const QString& className, const QString& routine, const QString& message)
 {
-    qCDebug(lcNxrTrace).noquote() << QLatin1Char('[') + className + QLatin1Char('.') + routine + QStringLiteral("] ") +
-                                         scrubCredentials(message);
+    qCDebug(lcNxrTrace).noquote() << QLatin1Char('[') + className + QLatin1Char('.') + routine +
+                                         QStringLiteral("] ") + scrubCredentials(message);
 }
 
 } // namespace nxr

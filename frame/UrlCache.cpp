@@ -21,7 +21,8 @@ QString cookieUrl(const QNetworkCookie& cookie)
     QString domain = cookie.domain();
     if (domain.startsWith(QLatin1Char('.')))
         domain.remove(0, 1);
-    return QStringLiteral("Cookie:") + user + QLatin1Char('@') + domain + (cookie.path().isEmpty() ? QStringLiteral("/") : cookie.path());
+    return QStringLiteral("Cookie:") + user + QLatin1Char('@') + domain +
+           (cookie.path().isEmpty() ? QStringLiteral("/") : cookie.path());
 }
 
 std::size_t recordSize(const UrlCache::Entry& entry)
@@ -58,11 +59,23 @@ void UrlCache::setRoot(const QString& folder)
     m_open.clear();
 }
 
-QString UrlCache::root() const { return m_root; }
-QString UrlCache::diskCacheFolder() const { return m_root + QStringLiteral("/http"); }
-QString UrlCache::cookieFile() const { return m_root + QStringLiteral("/cookies.txt"); }
+QString UrlCache::root() const
+{
+    return m_root;
+}
+QString UrlCache::diskCacheFolder() const
+{
+    return m_root + QStringLiteral("/http");
+}
+QString UrlCache::cookieFile() const
+{
+    return m_root + QStringLiteral("/cookies.txt");
+}
 
-PersistentCookieJar* UrlCache::cookieJar() { return m_jar.get(); }
+PersistentCookieJar* UrlCache::cookieJar()
+{
+    return m_jar.get();
+}
 
 void UrlCache::attachTo(QNetworkAccessManager* manager)
 {
@@ -100,7 +113,10 @@ std::vector<UrlCache::Entry> UrlCache::collect()
     return entries;
 }
 
-std::vector<UrlCache::Entry> UrlCache::snapshot() { return collect(); }
+std::vector<UrlCache::Entry> UrlCache::snapshot()
+{
+    return collect();
+}
 
 std::size_t UrlCache::firstEntrySize()
 {
@@ -146,7 +162,10 @@ bool UrlCache::findNextEntry(Handle handle, Entry* entry, int* error)
     return true;
 }
 
-void UrlCache::findClose(Handle handle) { m_open.erase(handle); }
+void UrlCache::findClose(Handle handle)
+{
+    m_open.erase(handle);
+}
 
 bool UrlCache::deleteEntry(const QString& sourceUrl)
 {

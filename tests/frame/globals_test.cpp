@@ -44,7 +44,11 @@ TEST(Globals, TwipsAndPixelsInvertEachOther)
 
 TEST(Globals, LanguageComesFromTheEnvironment)
 {
-    const struct { const char* value; const char* code; } cases[] = {
+    const struct
+    {
+        const char* value;
+        const char* code;
+    } cases[] = {
         {" KN ", "jp"}, {"jp", "jp"}, {"Default", "eg"}, {"eg", "eg"}, {"fr", ""}, {"", ""},
     };
     for (const auto& c : cases) {
@@ -62,7 +66,9 @@ TEST(Globals, LanguageComesFromTheEnvironment)
 namespace {
 mode_t modeOf(const QString& path)
 {
-    struct stat st {};
+    struct stat st
+    {
+    };
     EXPECT_EQ(::lstat(QFile::encodeName(path).constData(), &st), 0) << path.toStdString();
     return st.st_mode;
 }
@@ -83,7 +89,8 @@ TEST(StorageFolder, IsMadePrivateAndKeptForTheProcess)
     EXPECT_EQ(modeOf(tmp2.path() + "/TORVIK") & 0777, 0700u);
 
     EXPECT_EQ(Globals::storageFolder(), Globals::storageFolder());
-    EXPECT_TRUE(Globals::storageFolder().endsWith("/TORVIK") || Globals::storageFolder().contains("/TORVIK-"));
+    EXPECT_TRUE(Globals::storageFolder().endsWith("/TORVIK") ||
+                Globals::storageFolder().contains("/TORVIK-"));
 }
 
 TEST(StorageFolder, NeverFollowsALinkPlantedByAnotherUser)
@@ -111,10 +118,13 @@ TEST(StorageFolder, SkipsAFolderOwnedBySomeoneElse)
     ASSERT_EQ(::chown(QFile::encodeName(taken).constData(), 65534, 65534), 0);
     // The per-user name is taken as well, so a fresh folder is made.
     ASSERT_TRUE(QDir(tmp.path()).mkdir("TORVIK-" + QString::number(::geteuid())));
-    ASSERT_EQ(::chown(QFile::encodeName(taken + "-" + QString::number(::geteuid())).constData(), 65534, 65534), 0);
+    ASSERT_EQ(
+        ::chown(QFile::encodeName(taken + "-" + QString::number(::geteuid())).constData(), 65534, 65534), 0);
     const QString folder = Globals::resolveStorageFolder(tmp.path());
     EXPECT_TRUE(folder.startsWith(taken + "-")) << folder.toStdString();
-    struct stat st {};
+    struct stat st
+    {
+    };
     ASSERT_EQ(::lstat(QFile::encodeName(folder).constData(), &st), 0);
     EXPECT_EQ(st.st_uid, ::geteuid());
 }

@@ -75,7 +75,8 @@ TEST(ObjectSafety, EveryRegisteredClassAnswersTheSafetyQuery)
         EXPECT_EQ(safety->GetInterfaceSafetyOptions(kIID_IDispatch, &supported, &enabled), S_Ok);
         EXPECT_EQ(supported, 3u);
         EXPECT_EQ(enabled, kSafeForUntrustedCaller);
-        for (const QString& iid : {kIID_IPersistStorage, kIID_IPersistStream, kIID_IPersistPropertyBag.toLower()}) {
+        for (const QString& iid :
+             {kIID_IPersistStorage, kIID_IPersistStream, kIID_IPersistPropertyBag.toLower()}) {
             EXPECT_EQ(safety->GetInterfaceSafetyOptions(iid, &supported, &enabled), S_Ok);
             EXPECT_EQ(enabled, kSafeForUntrustedData);
         }
@@ -94,11 +95,13 @@ TEST(ObjectSafety, RefusesOtherInterfacesAndFollowsTheFlags)
         EXPECT_EQ(info.GetInterfaceSafetyOptions(iUnknown, &supported, &enabled), E_NoInterface);
         EXPECT_EQ(enabled, 0u);
         EXPECT_EQ(info.SetInterfaceSafetyOptions(iUnknown, 1, 1), E_NoInterface);
-        EXPECT_EQ(trace.lines(), (QStringList{"[NXRInfo.IObjectSafety_GetInterfaceSafetyOptions] E_NOINTERFACE\r\n",
-                                              "[NXRInfo.IObjectSafety_SetInterfaceSafetyOptions] E_NOINTERFACE\r\n"}));
+        EXPECT_EQ(trace.lines(),
+                  (QStringList{"[NXRInfo.IObjectSafety_GetInterfaceSafetyOptions] E_NOINTERFACE\r\n",
+                               "[NXRInfo.IObjectSafety_SetInterfaceSafetyOptions] E_NOINTERFACE\r\n"}));
     }
     EXPECT_EQ(info.SetInterfaceSafetyOptions(kIID_IDispatch, 1, 1), S_Ok);
-    EXPECT_EQ(info.SetInterfaceSafetyOptions(kIID_IDispatch, 3, 3), E_Fail); // data safety is not for IDispatch
+    EXPECT_EQ(info.SetInterfaceSafetyOptions(kIID_IDispatch, 3, 3),
+              E_Fail); // data safety is not for IDispatch
     EXPECT_EQ(info.SetInterfaceSafetyOptions(kIID_IPersistStream, 2, 2), S_Ok);
 
     setSafeForScripting(false);

@@ -17,10 +17,12 @@ public:
     Sample()
     {
         properties()
-            .add("Visible", [this](const QString& v) { visible = nxr::toBool(v); },
-                 [this] { return nxr::fromBool(visible); })
-            .add("Zoom", [this](const QString& v) { zoom = float(nxr::toDouble(v)); },
-                 [this] { return nxr::fromSingle(zoom); })
+            .add(
+                "Visible", [this](const QString& v) { visible = nxr::toBool(v); },
+                [this] { return nxr::fromBool(visible); })
+            .add(
+                "Zoom", [this](const QString& v) { zoom = float(nxr::toDouble(v)); },
+                [this] { return nxr::fromSingle(zoom); })
             .add("ButtonEnabled",
                  [this](const QString& v) {
                      const nxr::ItemValue iv = nxr::splitItemValue(v);
@@ -29,7 +31,9 @@ public:
                  },
                  {})
             // A second entry with the same key is never reached: the first match wins.
-            .add("Visible", [this](const QString&) { shadowed = true; }, [] { return QStringLiteral("shadow"); })
+            .add(
+                "Visible", [this](const QString&) { shadowed = true; },
+                [] { return QStringLiteral("shadow"); })
             .addReadOnly("Broken", []() -> QString { throw nxr::Failure("Object required"); });
     }
     bool visible = true;
@@ -105,11 +109,13 @@ TEST(PropertyProtocol, GuardReportsOnceAndTheObjectStaysUsable)
     Sample s;
     TraceCapture trace;
     QSignalSpy errors(&s, &nxr::ScriptableObject::OnError);
-    const bool completed = s.core().guard("ZoomTo", [] { throw nxr::Failure("Invalid procedure call or argument"); });
+    const bool completed =
+        s.core().guard("ZoomTo", [] { throw nxr::Failure("Invalid procedure call or argument"); });
     EXPECT_FALSE(completed);
     EXPECT_EQ(errors.count(), 1);
     EXPECT_EQ(s.LastErrorString(), "Error in ZoomTo: Invalid procedure call or argument");
-    EXPECT_EQ(trace.lines(), QStringList{"[Sample.ZoomTo] Error in ZoomTo: Invalid procedure call or argument\r\n"});
+    EXPECT_EQ(trace.lines(),
+              QStringList{"[Sample.ZoomTo] Error in ZoomTo: Invalid procedure call or argument\r\n"});
 
     EXPECT_EQ(s.core().guardValue<int>("Answer", -1, [] { return 42; }), 42);
     EXPECT_EQ(s.core().guardValue<int>("Answer", -1, []() -> int { throw std::runtime_error("boom"); }), -1);
@@ -145,7 +151,8 @@ TEST(ErrorTrace, CredentialsNeverReachTheLine)
     ASSERT_EQ(trace.lines().size(), 1);
     EXPECT_FALSE(trace.lines().front().contains("s3cret"));
     EXPECT_FALSE(trace.lines().front().contains("robot"));
-    EXPECT_TRUE(trace.lines().front().startsWith("[NXRFileTransferObject.CopyFile] cannot reach ftp://127.0.0.1/"));
+    EXPECT_TRUE(
+        trace.lines().front().startsWith("[NXRFileTransferObject.CopyFile] cannot reach ftp://127.0.0.1/"));
     EXPECT_EQ(nxr::scrubCredentials("login as admin with hunter2", {"hunter2"}), "login as admin with ***");
 }
 

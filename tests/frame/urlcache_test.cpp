@@ -32,7 +32,10 @@ public:
             }
         });
     }
-    QString url(const QString& path) const { return QString("http://127.0.0.1:%1%2").arg(serverPort()).arg(path); }
+    QString url(const QString& path) const
+    {
+        return QString("http://127.0.0.1:%1%2").arg(serverPort()).arg(path);
+    }
     int requests = 0;
 
 private:
@@ -47,7 +50,8 @@ private:
         const QByteArray path = request.split(' ').value(1);
         const QByteArray body = "body of " + path;
         QByteArray head = "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nCache-Control: max-age=3600\r\n"
-                          "Content-Length: " + QByteArray::number(body.size()) + "\r\n";
+                          "Content-Length: " +
+                          QByteArray::number(body.size()) + "\r\n";
         if (path == "/login")
             head += "Set-Cookie: session=abc123; Path=/; Max-Age=86400\r\n";
         socket->write(head + "\r\n" + body);
