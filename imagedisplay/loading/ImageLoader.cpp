@@ -38,13 +38,16 @@ bool makeFolderFor(const QString& file)
 } // namespace
 
 ImageLoader::ImageLoader(ImageSurface& surface, LiveMode& live, ScriptableCore& core, FilesProvider files,
-                         QObject* parent)
-    : QObject(parent), m_surface(surface), m_live(live), m_core(core), m_files(std::move(files))
+                         QTimer* refreshTimer, QObject* parent)
+    : QObject(parent), m_surface(surface), m_live(live), m_core(core), m_files(std::move(files)),
+      m_refreshTimer(refreshTimer ? refreshTimer : new QTimer(this))
 {
-    m_refreshTimer.setObjectName(QStringLiteral("tmr_ImageRefresh"));
-    m_refreshTimer.setSingleShot(true);
-    m_refreshTimer.setInterval(0);
-    connect(&m_refreshTimer, &QTimer::timeout, this, &ImageLoader::refreshTick);
+    if (!refreshTimer)
+        m_refreshTimer->setObjectName(QStringLiteral("tmr_ImageRefresh"));
+    m_refreshTimer->stop();
+    m_refreshTimer->setSingleShot(true);
+    m_refreshTimer->setInterval(0);
+    connect(m_refreshTimer, &QTimer::timeout, this, &ImageLoader::refreshTick);
 }
 
 void ImageLoader::loadImage(const QString& server, const QString& path, const QString& userName,
@@ -160,7 +163,7 @@ void ImageLoader::resetAndShowListImage(bool noWait)
     }
 
     if (noWait) {
-        m_refreshTimer.start(); // repaints and switches repainting back on right after
+        m_refreshTimer->start(); // repaints and switches repainting back on right after
     } else {
         m_surface.setAutoRepaint(repaint);
         m_surface.repaintActiveView();
@@ -169,7 +172,7 @@ void ImageLoader::resetAndShowListImage(bool noWait)
 
 void ImageLoader::refreshTick()
 {
-    m_refreshTimer.stop();
+    m_refreshTimer->stop();
     if (m_surface.repaintActiveView())
         m_surface.setAutoRepaint(true);
 }

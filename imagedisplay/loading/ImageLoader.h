@@ -31,8 +31,10 @@ public:
     // transfer (and may create the transfer object then). A null answer fails the transfer.
     using FilesProvider = std::function<ControllerFiles*()>;
 
+    // `refreshTimer` is the display's tmr_ImageRefresh when it has one; otherwise the object makes
+    // its own.
     ImageLoader(ImageSurface& surface, LiveMode& live, ScriptableCore& core, FilesProvider files,
-                QObject* parent = nullptr);
+                QTimer* refreshTimer = nullptr, QObject* parent = nullptr);
 
     // LoadImage: an empty path clears the display. Failures are reported through the core (one
     // OnError each); a failed load outside live mode leaves an empty display, one in live mode
@@ -64,7 +66,7 @@ public:
 
     bool isLoading() const { return m_loading; }
     ImageList& images() { return m_images; }
-    const QTimer& refreshTimer() const { return m_refreshTimer; }
+    const QTimer& refreshTimer() const { return *m_refreshTimer; }
 
 Q_SIGNALS:
     // The display's zoom changed because a new image of another size was fitted.
@@ -88,7 +90,7 @@ private:
     ScriptableCore& m_core;
     FilesProvider m_files;
     ImageList m_images;
-    QTimer m_refreshTimer; // tmr_ImageRefresh
+    QTimer* m_refreshTimer; // tmr_ImageRefresh
     QString m_currentFile;
     QString m_originalFile;
     QString m_hostName;

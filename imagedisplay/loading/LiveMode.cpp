@@ -16,26 +16,39 @@ constexpr int kSaveButton = 17;
 
 } // namespace
 
-LiveMode::LiveMode(ImageSurface& surface, ScriptableCore& core, QObject* parent)
-    : QObject(parent), m_surface(surface), m_core(core)
+LiveMode::LiveMode(ImageSurface& surface, ScriptableCore& core, QTimer* timer, QObject* parent)
+    : QObject(parent), m_surface(surface), m_core(core), m_timer(timer ? timer : new QTimer(this))
 {
-    m_timer.setObjectName(QStringLiteral("tmr_LiveMode"));
-    m_timer.setInterval(kInterval);
-    connect(&m_timer, &QTimer::timeout, this, &LiveMode::tick);
+    if (!timer)
+        m_timer->setObjectName(QStringLiteral("tmr_LiveMode"));
+    m_timer->stop();
+    m_timer->setSingleShot(false);
+    m_timer->setInterval(kInterval);
+    connect(m_timer, &QTimer::timeout, this, &LiveMode::tick);
+}
+
+void LiveMode::bindFlags(bool* on, bool* busy, bool* abortRequested)
+{
+    *on = *m_on;
+    *busy = *m_busy;
+    *abortRequested = *m_abortRequested;
+    m_on = on;
+    m_busy = busy;
+    m_abortRequested = abortRequested;
 }
 
 void LiveMode::turnOn()
 {
     const QString routine = QStringLiteral("msub_TurnOnLiveMode");
     m_core.trace(routine, QStringLiteral("Entered, caption=") + m_surface.caption());
-    if (!m_on) {
+    if (!isOn()) {
         m_surface.setViewButtonProperty(kLiveEnabled, kFalse);
         m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(kOpenButton, kFalse));
         m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(kSaveButton, kFalse));
         m_surface.setBusyPointer(true);
-        m_on = true;
-        m_abortRequested = false;
-        m_timer.setInterval(kInterval);
+        *m_on = true;
+        *m_abortRequested = false;
+        m_timer->setInterval(kInterval);
         emit liveModeToggled(true);
     }
     m_core.trace(routine, QStringLiteral("Done, caption=") + m_surface.caption());
@@ -45,15 +58,15 @@ void LiveMode::doAbort()
 {
     const QString routine = QStringLiteral("msub_DoAbortLiveMode");
     m_core.trace(routine, QStringLiteral("Entered, caption=") + m_surface.caption());
-    if (m_on) {
-        m_on = false;
-        m_timer.stop();
-        m_timer.setInterval(kInterval);
+    if (isOn()) {
+        *m_on = false;
+        m_timer->stop();
+        m_timer->setInterval(kInterval);
         m_surface.setBusyPointer(false);
         m_surface.setViewButtonProperty(kLiveEnabled, kTrue);
         m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(kOpenButton, kTrue));
         m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(kSaveButton, kTrue));
-        m_abortRequested = false;
+        *m_abortRequested = false;
         emit liveModeToggled(false);
     }
     m_core.trace(routine, QStringLiteral("Done, caption=") + m_surface.caption());
@@ -61,41 +74,41 @@ void LiveMode::doAbort()
 
 void LiveMode::requestAbort()
 {
-    if (!m_on)
+    if (!isOn())
         return;
-    m_timer.stop();
-    m_abortRequested = true;
-    m_timer.setInterval(kAbortInterval);
-    m_timer.start();
+    m_timer->stop();
+    *m_abortRequested = true;
+    m_timer->setInterval(kAbortInterval);
+    m_timer->start();
 }
 
 void LiveMode::loadFinished()
 {
-    if (m_on && !m_timer.isActive())
-        m_timer.start();
+    if (isOn() && !m_timer->isActive())
+        m_timer->start();
 }
 
 void LiveMode::tick()
 {
-    if (!m_on) {
-        m_timer.stop();
+    if (!isOn()) {
+        m_timer->stop();
         return;
     }
-    if (m_busy)
+    if (isBusy())
         return; // a load is still running; ask again on the next tick
-    if (m_abortRequested) {
+    if (abortRequested()) {
         doAbort();
-        m_timer.setInterval(kInterval);
+        m_timer->setInterval(kInterval);
         return;
     }
-    m_timer.stop();
+    m_timer->stop();
     m_core.trace(QStringLiteral("tmr_LiveMode_Timer"), QStringLiteral("raising event OnButtonClicked(Snap)"));
     emit snapRequested();
 }
 
 bool LiveMode::deferMouseDown(int button, int shift, double x, double y)
 {
-    if (!m_busy)
+    if (!isBusy())
         return false;
     m_queue.append(QStringList{kMouseDownHandler, QString::number(button), QString::number(shift),
                                fromDouble(x), fromDouble(y)});

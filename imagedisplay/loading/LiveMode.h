@@ -24,13 +24,18 @@ public:
     static constexpr int kAbortInterval = 500; // ms granted to a running load before an abort
     static inline const QString kMouseDownHandler = QStringLiteral("ctl_LEAD_MouseDown");
 
-    LiveMode(ImageSurface& surface, ScriptableCore& core, QObject* parent = nullptr);
+    // `timer` is the display's tmr_LiveMode when it has one; otherwise the object makes its own.
+    LiveMode(ImageSurface& surface, ScriptableCore& core, QTimer* timer = nullptr, QObject* parent = nullptr);
 
-    bool isOn() const { return m_on; }
+    // Keeps the three flags in the display's own state from now on (values carried over), so that
+    // its other parts read them where they always do.
+    void bindFlags(bool* on, bool* busy, bool* abortRequested);
+
+    bool isOn() const { return *m_on; }
     // True while an image is being loaded in live mode.
-    bool isBusy() const { return m_busy; }
-    void setBusy(bool busy) { m_busy = busy; }
-    bool abortRequested() const { return m_abortRequested; }
+    bool isBusy() const { return *m_busy; }
+    void setBusy(bool busy) { *m_busy = busy; }
+    bool abortRequested() const { return *m_abortRequested; }
 
     // msub_TurnOnLiveMode: disables the live, open and save buttons, shows the busy pointer and
     // raises liveModeToggled(true). Nothing happens when live mode is already on.
@@ -53,7 +58,7 @@ public:
     // msub_ClearLiveModeQueue.
     void clearQueue();
 
-    const QTimer& timer() const { return m_timer; }
+    const QTimer& timer() const { return *m_timer; }
 
 Q_SIGNALS:
     void liveModeToggled(bool on);
@@ -65,10 +70,11 @@ private:
 
     ImageSurface& m_surface;
     ScriptableCore& m_core;
-    QTimer m_timer; // tmr_LiveMode
-    bool m_on = false;
-    bool m_busy = false;
-    bool m_abortRequested = false;
+    QTimer* m_timer; // tmr_LiveMode
+    bool m_ownFlags[3] = {false, false, false};
+    bool* m_on = &m_ownFlags[0];
+    bool* m_busy = &m_ownFlags[1];
+    bool* m_abortRequested = &m_ownFlags[2];
     QList<QStringList> m_queue; // handler name, Button, Shift, X, Y
 };
 

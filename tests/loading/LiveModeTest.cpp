@@ -184,3 +184,26 @@ TEST_F(LiveModeTest, ClearQueueDropsDeferredClicks)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(LiveModeTest, BoundFlagsAreTheOnesReadAndWritten)
+{
+    live.turnOn();
+    struct
+    {
+        bool on = false, busy = true, abort = false;
+    } display;
+    live.bindFlags(&display.on, &display.busy, &display.abort);
+    EXPECT_TRUE(display.on);    // carried over
+    EXPECT_FALSE(display.busy); // carried over
+    display.busy = true;        // the display's view of it is the one that counts
+    EXPECT_TRUE(live.deferMouseDown(1, 0, 3, 4));
+    live.requestAbort();
+    EXPECT_TRUE(display.abort);
+    live.doAbort();
+    EXPECT_FALSE(display.on);
+    EXPECT_FALSE(display.abort);
+}
+
+} // namespace
