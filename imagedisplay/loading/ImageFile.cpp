@@ -27,14 +27,36 @@ quint16 le16(const QByteArray& d, qsizetype at)
     return quint16(p[0] | p[1] << 8);
 }
 
-// A JPEG file ends with the end-of-image marker FF D9. Inside the entropy-coded data every FF is
-// followed by 00 or a restart marker, so the marker near the end is proof that the data is whole.
+// Walks the JPEG segments up to the end-of-image marker. Segments are skipped by their length;
+// after a start-of-scan the entropy-coded data runs to the next marker (inside it every FF is
+// followed by 00 or a restart marker). Data after the end marker is allowed.
 bool jpegComplete(const QByteArray& d)
 {
-    const qsizetype from = qMax<qsizetype>(2, d.size() - 256);
-    for (qsizetype i = d.size() - 2; i >= from; --i) {
-        if (uchar(d[i]) == 0xFF && uchar(d[i + 1]) == 0xD9)
+    const qsizetype n = d.size();
+    auto byte = [&](qsizetype i) { return uchar(d[i]); };
+    qsizetype at = 2;
+    while (at + 1 < n) {
+        if (byte(at) != 0xFF)
+            return false;
+        const uchar marker = byte(at + 1);
+        if (marker == 0xFF) { // fill byte
+            ++at;
+            continue;
+        }
+        if (marker == 0xD9)
             return true;
+        if ((marker >= 0xD0 && marker <= 0xD7) || marker == 0x01) {
+            at += 2;
+            continue;
+        }
+        if (at + 3 >= n)
+            return false;
+        at += 2 + ((qsizetype(byte(at + 2)) << 8) | byte(at + 3));
+        if (marker != 0xDA)
+            continue;
+        while (at + 1 < n &&
+               !(byte(at) == 0xFF && byte(at + 1) != 0 && (byte(at + 1) < 0xD0 || byte(at + 1) > 0xD7)))
+            ++at;
     }
     return false;
 }

@@ -5,6 +5,7 @@
 #include "frame/Conversions.h"
 
 #include <QFile>
+#include <QImageWriter>
 #include <QSet>
 #include <QTemporaryDir>
 
@@ -193,6 +194,21 @@ TEST_F(ImageFileTest, TruncatedCorruptAndNonImageFilesGiveClearReasons)
         writeBytes(path("short" + ext), whole.left(whole.size() - 3));
         EXPECT_FALSE(failureOf(path("short" + ext)).isEmpty());
     }
+    // Bytes after the end of a complete JPEG (some cameras append their own data) are harmless.
+    writeBytes(path("tail.jpg"), ImageFile::encode(colour, ImageFileFormat::Jpeg) + QByteArray(300, '\x55'));
+    EXPECT_EQ(failureOf(path("tail.jpg")), "");
+    {
+        // Progressive JPEG: several scans.
+        QImageWriter progressive(path("progressive.jpg"), "jpeg");
+        progressive.setProgressiveScanWrite(true);
+        ASSERT_TRUE(progressive.write(colour));
+    }
+    EXPECT_EQ(failureOf(path("progressive.jpg")), "");
+    QFile cut(path("progressive.jpg"));
+    ASSERT_TRUE(cut.open(QIODevice::ReadWrite));
+    cut.resize(cut.size() * 2 / 3);
+    cut.close();
+    EXPECT_FALSE(failureOf(path("progressive.jpg")).isEmpty());
     writeBytes(path("page.JPG"), "<HTML><BODY>404 Not Found</BODY></HTML>\r\n");
     EXPECT_EQ(failureOf(path("page.JPG")), "not an image file");
     writeBytes(path("empty.PNG"), "");
