@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace nxr {
 namespace {
@@ -37,23 +38,45 @@ float ViewMaths::fitZoom(double areaHeight, double areaWidth, double contentHeig
     return integerZoom(zoomH >= zoomW ? zoomW : zoomH, nearest);
 }
 
+namespace {
+
+// The wheel's rungs: 100 / k below 100 %, multiples of 100 above, each about a quarter to a
+// half from the next, so that a step up and a step down always return to the same zoom.
+const std::vector<float>& wheelLadder()
+{
+    static const std::vector<float> ladder = [] {
+        std::vector<float> l;
+        for (int k : {100, 80, 64, 50, 40, 32, 25, 20, 16, 12, 10, 8, 6, 5, 4, 3, 2})
+            l.push_back(float(100.0 / k));
+        for (double z : {100.0, 200.0, 300.0})
+            l.push_back(float(z));
+        // 400, 600, 800, 1200, 1600, 2400, ...
+        for (double z = 400.0; z < 1e7; z *= 2.0) {
+            l.push_back(float(z));
+            l.push_back(float(z * 1.5));
+        }
+        return l;
+    }();
+    return ladder;
+}
+
+} // namespace
+
 float ViewMaths::wheelZoom(float current, int steps)
 {
+    const std::vector<float>& ladder = wheelLadder();
     float zoom = current > 0.0f ? current : 100.0f;
     for (int i = 0; i < std::abs(steps); ++i) {
-        const bool up = steps > 0;
-        const float snapped = integerZoom(double(zoom) * (up ? 1.25 : 0.8), true);
-        if (up ? snapped > zoom * 1.0001f : snapped < zoom * 0.9999f) {
-            zoom = snapped;
-            continue;
-        }
-        // The quarter step stayed on the same rung: take the neighbouring rung.
-        if (zoom >= 100.0f * 0.9999f && (up || zoom > 100.0f * 1.0001f)) {
-            const double hundreds = std::round(double(zoom) / 100.0);
-            zoom = float((up ? hundreds + 1.0 : hundreds - 1.0) * 100.0);
+        if (steps > 0) {
+            const auto next = std::upper_bound(ladder.begin(), ladder.end(), zoom * 1.0001f);
+            if (next == ladder.end())
+                break;
+            zoom = *next;
         } else {
-            const double k = std::max(1.0, std::round(100.0 / double(zoom)));
-            zoom = float(100.0 / (up ? std::max(1.0, k - 1.0) : k + 1.0));
+            const auto next = std::lower_bound(ladder.begin(), ladder.end(), zoom * 0.9999f);
+            if (next == ladder.begin())
+                break;
+            zoom = *(next - 1);
         }
     }
     return zoom;
@@ -94,7 +117,11 @@ void ViewMaths::setZoom(float zoom)
 
 float ViewMaths::maximumZoom() const
 {
-    return std::max(1.0f, 100.0f * float(visibleSize().height()));
+    // 100 times the visible height at that zoom (where the scroll bars are shown).
+    const double candidate = 100.0 * std::max(1, m_area.height());
+    const Bars b = barsAt(m_image.width() * candidate / 100.0, m_image.height() * candidate / 100.0);
+    const int visible = m_area.height() - (b.horizontal ? m_barExtent : 0);
+    return std::max(1.0f, 100.0f * float(visible));
 }
 
 float ViewMaths::safeZoom(double zoom) const

@@ -40,8 +40,8 @@ public:
     static float fitZoom(double areaHeight, double areaWidth, double contentHeight, double contentWidth,
                          bool nearest);
 
-    // The next zoom of the integer-zoom ladder for one wheel step up (steps > 0) or down:
-    // roughly a quarter per step, always at least one rung.
+    // The zoom `steps` wheel rungs up (steps > 0) or down from `current`. The rungs are integer
+    // zooms (100/k, multiples of 100); a zoom between rungs goes to the next rung that way.
     static float wheelZoom(float current, int steps);
 
     ViewMaths();
