@@ -11,6 +11,7 @@
 #include "imagedisplay/NXRViewButtons.h"
 #include "imagedisplay/RasterView.h"
 #include "imagedisplay/ToolbarClickHandler.h"
+#include "imagedisplay/loading/DisplayLoading.h"
 
 #include <QFileInfo>
 #include <QFrame>
@@ -122,6 +123,7 @@ void NXRImageDisplay::UserControl_Initialize()
         m_mouse->attach(m_lead, m_maskLead);
         m_clicks = new nxr::ToolbarClickHandler(m_state, this);
         setupToolbarActions();
+        m_loading = std::make_unique<nxr::DisplayLoading>(*this);
 
         connect(m_viewButtons, &NXRViewButtons::OnButtonClicked, this,
                 &NXRImageDisplay::ctl_NXRViewButtons_OnButtonClicked);
@@ -259,6 +261,7 @@ void NXRImageDisplay::addKeys()
                           NXR_TRACE(kClass, QStringLiteral("SetProperty"),
                                     QStringLiteral("Setting FTPPortNo to ") + QString::number(port));
                           m_ftpPortNo = port;
+                          m_loading->setFtpPort(port);
                       })
         .addWriteOnly(QStringLiteral("HTTPPortNo"),
                       [this](const QString& v) {
@@ -266,6 +269,7 @@ void NXRImageDisplay::addKeys()
                           NXR_TRACE(kClass, QStringLiteral("SetProperty"),
                                     QStringLiteral("Setting HTTPPortNo to ") + QString::number(port));
                           m_httpPortNo = port;
+                          m_loading->setHttpPort(port);
                       })
         .addWriteOnly(QStringLiteral("FontName"),
                       [this](const QString& v) {
@@ -280,7 +284,7 @@ void NXRImageDisplay::addKeys()
                       })
         .addWriteOnly(QStringLiteral("EnableLogImageLoad"),
                       [this](const QString& v) { m_enableLogImageLoad = nxr::toBool(v); })
-        .add(QStringLiteral("LiveMode"), [this](const QString& v) { m_state.liveModeOn = nxr::toBool(v); },
+        .add(QStringLiteral("LiveMode"), [this](const QString& v) { m_loading->setLiveMode(nxr::toBool(v)); },
              [this] { return fromBool(m_state.liveModeOn); })
         .add(QStringLiteral("LaserButtonEnabled"),
              [this](const QString& v) {
@@ -519,6 +523,38 @@ void NXRImageDisplay::ZoomTo(int VLng_Top, int VLng_Left, int vlng_Height, int v
         NXR_TRACE(kClass, QStringLiteral("ZoomTo"), QStringLiteral("new zoom=") + fromSingle(set));
         raiseZoomChanged();
     });
+}
+
+void NXRImageDisplay::LoadImage(const QString& vstr_FileServer, const QString& vstr_FilePath,
+                                const QString& vstr_FTPUserName, const QString& vstr_FTPPassword)
+{
+    m_loading->LoadImage(vstr_FileServer, vstr_FilePath, vstr_FTPUserName, vstr_FTPPassword);
+}
+
+void NXRImageDisplay::SaveCurrentImage(const QString& vstr_RemoteHost, const QString& vstr_FilePath,
+                                       const QString& vstr_FTPUserName, const QString& vstr_FTPPassword)
+{
+    m_loading->SaveCurrentImage(vstr_RemoteHost, vstr_FilePath, vstr_FTPUserName, vstr_FTPPassword);
+}
+
+void NXRImageDisplay::AbortLiveMode()
+{
+    m_loading->AbortLiveMode();
+}
+
+QString NXRImageDisplay::CurrentImageFilename() const
+{
+    return m_loading->loader().currentImageFilename();
+}
+
+bool NXRImageDisplay::WaitOnDisplay() const
+{
+    return m_loading->loader().waitOnDisplay();
+}
+
+void NXRImageDisplay::setWaitOnDisplay(bool value)
+{
+    m_loading->loader().setWaitOnDisplay(value);
 }
 
 void NXRImageDisplay::LoadLocalImage(const QString& vstr_FilePath)

@@ -17,6 +17,8 @@
 
 #include <QImage>
 
+#include <memory>
+
 class QFrame;
 class QLabel;
 class QPushButton;
@@ -25,6 +27,7 @@ class NXRStatusBar;
 class NXRViewButtons;
 
 namespace nxr {
+class DisplayLoading;
 class ImageViewport;
 class MouseDispatcher;
 class RasterView;
@@ -50,6 +53,8 @@ class NXR_EXPORT NXRImageDisplay : public nxr::ScriptableWidget
     Q_PROPERTY(bool ShowFrame READ ShowFrame WRITE setShowFrame)
     Q_PROPERTY(bool AcquireEnabled READ AcquireEnabled WRITE setAcquireEnabled)
     Q_PROPERTY(bool LiveEnabled READ LiveEnabled WRITE setLiveEnabled)
+    Q_PROPERTY(bool WaitOnDisplay READ WaitOnDisplay WRITE setWaitOnDisplay)
+    Q_PROPERTY(QString CurrentImageFilename READ CurrentImageFilename)
 
 public:
     explicit NXRImageDisplay(QWidget* parent = nullptr);
@@ -93,6 +98,17 @@ public:
     // the controller are loaded through the controller loading routines instead.
     Q_INVOKABLE void LoadLocalImage(const QString& vstr_FilePath);
 
+    // Controller images: loading (an empty path clears the display), saving back, live mode.
+    // The work is done by DisplayLoading (imagedisplay/loading).
+    Q_INVOKABLE void LoadImage(const QString& vstr_FileServer, const QString& vstr_FilePath,
+                               const QString& vstr_FTPUserName, const QString& vstr_FTPPassword);
+    Q_INVOKABLE void SaveCurrentImage(const QString& vstr_RemoteHost, const QString& vstr_FilePath,
+                                      const QString& vstr_FTPUserName, const QString& vstr_FTPPassword);
+    Q_INVOKABLE void AbortLiveMode();
+    QString CurrentImageFilename() const;
+    bool WaitOnDisplay() const;
+    void setWaitOnDisplay(bool value);
+
     // ---- C++ interface for the library's other subsystems ----
 
     // Shows a bitmap in ctl_LEAD. With keepViewIfSameSize and an image of the size of the one
@@ -102,6 +118,10 @@ public:
     void clearImage();
     // Sets the file name GetProperty("OriginalFilename") reports.
     void setOriginalFilename(const QString& name) { m_originalFilename = name; }
+
+    nxr::DisplayLoading& loading() const { return *m_loading; }
+    // Back to the first state (pointer mouse mode, raster views repainting, layout).
+    void InitDisplay();
 
     nxr::RasterView* leadView() const { return m_lead; }
     nxr::RasterView* tempLeadView() const { return m_tempLead; }
@@ -156,7 +176,6 @@ protected:
 
 private:
     void UserControl_Initialize();
-    void InitDisplay();
     void UserControl_Resize();
     void UserControl_Terminate();
     void addKeys();
@@ -176,6 +195,7 @@ private:
     int frameMarginPixels() const;
 
     nxr::DisplayState m_state;
+    std::unique_ptr<nxr::DisplayLoading> m_loading;
     nxr::ImageViewport* m_viewport = nullptr;
     nxr::MouseDispatcher* m_mouse = nullptr;
     nxr::ToolbarClickHandler* m_clicks = nullptr;

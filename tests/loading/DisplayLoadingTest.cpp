@@ -1,0 +1,254 @@
+// The image display loading, saving and running live mode against a controller: the simulator
+// (loading_e2e_test) or a folder stand-in without the network (loading_display_test).
+
+#include "FakeFiles.h"
+#include "TestController.h"
+
+#include "frame/Globals.h"
+#include "imagedisplay/ImageViewport.h"
+#include "imagedisplay/MouseDispatcher.h"
+#include "imagedisplay/NXRImageDisplay.h"
+#include "imagedisplay/NXRViewButtons.h"
+#include "imagedisplay/RasterView.h"
+#include "imagedisplay/ViewMaths.h"
+#include "imagedisplay/loading/DisplayLoading.h"
+#include "imagedisplay/loading/ImageFile.h"
+
+#include <QAbstractButton>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace nxr;
+using nxr::testing::waitFor;
+
+namespace {
+
+QImage pattern(int w, int h, int seed, bool grey)
+{
+    QImage img(w, h, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            if (grey)
+                img.scanLine(y)[x] = uchar(x * 3 + y * 5 + seed);
+            else
+                img.setPixel(x, y, qRgb((x + seed) & 255, (y * 2 + seed) & 255, (x ^ y) & 255));
+        }
+    return img;
+}
+
+class DisplayLoadingTest : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        nxr::testing::usePrivateTempFolder();
+        sim = nxr::testing::makeTestController();
+        QString why;
+        ASSERT_TRUE(sim->start(&why)) << why.toStdString();
+    }
+    static void TearDownTestSuite() { sim.reset(); }
+
+    void SetUp() override
+    {
+        display = std::make_unique<NXRImageDisplay>();
+        display->resize(800, 700);
+        display->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(display.get()));
+        sim->attach(*display);
+        QObject::connect(display.get(), &NXRImageDisplay::OnError, [this] { ++errors; });
+    }
+    void TearDown() override { display.reset(); }
+
+    void put(const QString& path, const QImage& img, ImageFileFormat format = ImageFileFormat::Png)
+    {
+        ASSERT_TRUE(sim->writeFile(path, ImageFile::encode(img, format)));
+    }
+    void load(const QString& path) { display->LoadImage(sim->host(), path, sim->user(), sim->password()); }
+    QImage shown() const { return display->leadView()->bitmap(); }
+    QAbstractButton* toolButton(const char* name) const
+    {
+        return display->viewButtons()->findChild<QAbstractButton*>(QLatin1String(name));
+    }
+
+    static std::unique_ptr<nxr::testing::TestController> sim;
+    std::unique_ptr<NXRImageDisplay> display;
+    int errors = 0;
+};
+
+std::unique_ptr<nxr::testing::TestController> DisplayLoadingTest::sim;
+
+TEST_F(DisplayLoadingTest, LoadsAndShowsKeepingTheViewForEqualSizesAndRefittingOtherwise)
+{
+    put("MC:\\E2E\\A.PNG", pattern(640, 480, 1, false));
+    put("MC:\\E2E\\B.PNG", pattern(640, 480, 2, false));
+    put("MC:\\E2E\\C.JPG", pattern(1280, 1024, 3, true), ImageFileFormat::Jpeg);
+    QSignalSpy zoom(display.get(), &NXRImageDisplay::OnZoomChanged);
+
+    load("MC:\\E2E\\A.PNG");
+    ASSERT_EQ(errors, 0) << display->LastErrorString().toStdString();
+    EXPECT_EQ(shown(), pattern(640, 480, 1, false));
+    EXPECT_EQ(zoom.count(), 1);
+    EXPECT_EQ(display->GetProperty("OriginalFilename"), "A.PNG");
+    EXPECT_EQ(display->CurrentImageFilename(), Globals::storageFolder() + "/MC/E2E/image.PNG");
+    EXPECT_EQ(display->HostName(), sim->host());
+
+    // The operator zooms in and scrolls; the next image of the same size keeps that view.
+    display->viewport().focusedZoom(400, 100, 80);
+    const float zoomBefore = display->Zoom();
+    const QPoint scrollBefore = display->viewport().maths().scrollPosition();
+    ASSERT_NE(scrollBefore, QPoint());
+    zoom.clear();
+    load("MC:\\E2E\\B.PNG");
+    EXPECT_EQ(shown(), pattern(640, 480, 2, false));
+    EXPECT_FLOAT_EQ(display->Zoom(), zoomBefore);
+    EXPECT_EQ(display->viewport().maths().scrollPosition(), scrollBefore);
+    EXPECT_EQ(zoom.count(), 0);
+
+    load("MC:\\E2E\\C.JPG");
+    EXPECT_EQ(shown().size(), QSize(1280, 1024));
+    EXPECT_EQ(shown().format(), QImage::Format_Grayscale8);
+    ASSERT_EQ(zoom.count(), 1);
+    EXPECT_FLOAT_EQ(zoom[0][0].toFloat(), display->Zoom());
+    EXPECT_LT(display->Zoom(), 100.0f);
+    EXPECT_EQ(errors, 0);
+}
+
+TEST_F(DisplayLoadingTest, EmptyPathClearsAndAPathWithoutExtensionIsStoredAsImagePng)
+{
+    put("MC:\\E2E\\NOEXT", pattern(320, 240, 4, true));
+    load("MC:\\E2E\\NOEXT");
+    ASSERT_EQ(errors, 0) << display->LastErrorString().toStdString();
+    EXPECT_TRUE(display->CurrentImageFilename().endsWith("/MC/E2E/image.PNG"));
+    EXPECT_EQ(shown(), pattern(320, 240, 4, true));
+
+    load("");
+    EXPECT_TRUE(shown().isNull());
+    EXPECT_EQ(display->CurrentImageFilename(), "");
+    EXPECT_EQ(errors, 0);
+}
+
+TEST_F(DisplayLoadingTest, NonImageGivesTheMessageAndAnEmptyDisplayOutsideLiveMode)
+{
+    put("MC:\\E2E\\A.PNG", pattern(64, 48, 1, false));
+    load("MC:\\E2E\\A.PNG");
+    ASSERT_TRUE(sim->writeFile("MC:\\E2E\\NOTE.JPG", "just some text, no picture\r\n"));
+    load("MC:\\E2E\\NOTE.JPG");
+    EXPECT_EQ(errors, 1);
+    EXPECT_EQ(display->LastErrorString(),
+              "Error in mflng_LoadNewImage: file MC:\\E2E\\NOTE.JPG does not contain image");
+    EXPECT_TRUE(shown().isNull());
+
+    // A missing file: the transfer's reason, and still an empty display.
+    load("MC:\\E2E\\MISSING.PNG");
+    EXPECT_EQ(errors, 2);
+    EXPECT_TRUE(display->LastErrorString().startsWith("Error in mfbln_CopyFileFromController: "))
+        << display->LastErrorString().toStdString();
+    EXPECT_FALSE(display->LastErrorString().contains(sim->password() + "@"));
+}
+
+TEST_F(DisplayLoadingTest, LiveCycleFromTheLiveButtonUntilTheSnapButtonEndsIt)
+{
+    QSignalSpy toggled(display.get(), &NXRImageDisplay::OnLiveModeToggled);
+    int frames = 0;
+    QString brokenFrame;
+    QObject::connect(display.get(), &NXRImageDisplay::OnButtonClicked, [&](const QString& name) {
+        if (name != "Snap")
+            return;
+        ++frames;
+        const QString path = sim->snap(640, 480, true, "MC:\\E2E\\LIVE.JPG");
+        if (frames == 3) {
+            // The camera delivered garbage once: the last good image stays, live mode goes on.
+            sim->writeFile("MC:\\E2E\\LIVE.JPG", "garbage");
+            brokenFrame = "MC:\\E2E\\LIVE.JPG";
+        }
+        load(path.isEmpty() ? "MC:\\E2E\\LIVE.JPG" : path);
+    });
+    toolButton("cmd_Live")->click();
+    EXPECT_EQ(display->GetProperty("LiveMode"), "True");
+    ASSERT_EQ(toggled.count(), 1);
+    EXPECT_TRUE(toggled[0][0].toBool());
+    EXPECT_FALSE(toolButton("cmd_Live")->isEnabled());
+    EXPECT_FALSE(toolButton("cmd_Open")->isEnabled());
+    EXPECT_FALSE(toolButton("cmd_Save")->isEnabled());
+
+    ASSERT_TRUE(waitFor([&] { return frames >= 6; }, 20000)) << frames;
+    EXPECT_EQ(errors, 1); // the garbage frame
+    EXPECT_FALSE(shown().isNull());
+
+    toolButton("cmd_Acquire")->click(); // snap while live: abort after the running load
+    ASSERT_TRUE(waitFor([&] { return display->GetProperty("LiveMode") == "False"; }, 5000));
+    const int framesAtEnd = frames;
+    QTest::qWait(300);
+    EXPECT_EQ(frames, framesAtEnd);
+    ASSERT_EQ(toggled.count(), 2);
+    EXPECT_FALSE(toggled[1][0].toBool());
+    EXPECT_TRUE(toolButton("cmd_Live")->isEnabled());
+    EXPECT_TRUE(toolButton("cmd_Open")->isEnabled());
+    EXPECT_TRUE(toolButton("cmd_Save")->isEnabled());
+}
+
+TEST_F(DisplayLoadingTest, ZoomClicksDuringALiveLoadAreAppliedInOrderAfterIt)
+{
+    put("MC:\\E2E\\BIG.PNG", pattern(2592, 1944, 5, false));
+    put("MC:\\E2E\\BIG2.PNG", pattern(2592, 1944, 6, false));
+    load("MC:\\E2E\\BIG.PNG");
+    display->SetProperty("LiveMode", "True");
+    display->mouse().setMouseMode(MouseDispatcher::ZoomIn);
+    const float start = display->Zoom();
+    const QSize lead = display->leadView()->deviceSize();
+    int queuedDuringLoad = -1;
+    QImage imageDuringClicks;
+    QTimer::singleShot(0, display.get(), [&] {
+        // Inside the transfer's wait: two zoom-in clicks and a zoom-out click.
+        QTest::mouseClick(display->leadView(), Qt::LeftButton, {},
+                          QPoint(lead.width() / 2, lead.height() / 2));
+        QTest::mouseClick(display->leadView(), Qt::LeftButton, {},
+                          QPoint(lead.width() / 3, lead.height() / 3));
+        QTest::mouseClick(display->leadView(), Qt::RightButton, {},
+                          QPoint(lead.width() / 4, lead.height() / 4));
+        queuedDuringLoad = display->loading().live().queuedCount();
+        imageDuringClicks = shown();
+    });
+    load("MC:\\E2E\\BIG2.PNG");
+    EXPECT_EQ(queuedDuringLoad, 3);
+    EXPECT_EQ(imageDuringClicks, pattern(2592, 1944, 5, false)); // nothing applied to the old one
+    EXPECT_EQ(display->loading().live().queuedCount(), 0);
+    // x2, x2, /2 in that order, on the new image.
+    EXPECT_EQ(shown(), pattern(2592, 1944, 6, false));
+    EXPECT_NEAR(display->Zoom(),
+                ViewMaths::integerZoom(ViewMaths::integerZoom(start * 2.0, true) * 2.0, true) / 2.0, 0.01);
+    display->AbortLiveMode();
+    EXPECT_EQ(display->GetProperty("LiveMode"), "False");
+}
+
+TEST_F(DisplayLoadingTest, SaveRoundTripPerFormatAndNoImageToSave)
+{
+    display->SaveCurrentImage(sim->host(), "MC:\\E2E\\OUT.PNG", sim->user(), sim->password());
+    EXPECT_EQ(errors, 1);
+    EXPECT_EQ(display->LastErrorString(), "Error in msub_SaveImage: No image to save");
+
+    for (bool grey : {true, false}) {
+        const QImage img = pattern(200, 150, 7, grey);
+        put("MC:\\E2E\\SRC.PNG", img);
+        load("MC:\\E2E\\SRC.PNG");
+        for (const char* name :
+             {"MC:\\E2E\\OUT.PNG", "MC:\\E2E\\OUT.BMP", "MC:\\E2E\\OUT.GIF", "MC:\\E2E\\OUT.JPG"}) {
+            SCOPED_TRACE(std::string(name) + (grey ? " grey" : " colour"));
+            display->SaveCurrentImage(sim->host(), name, sim->user(), sim->password());
+            ASSERT_EQ(errors, 1) << display->LastErrorString().toStdString();
+            const QString local = sim->localPathOf(name);
+            const QImage back = ImageFile::read(local);
+            EXPECT_EQ(back.format(), img.format());
+            if (QString(name).endsWith(".JPG") || (!grey && QString(name).endsWith(".GIF")))
+                EXPECT_EQ(back.size(), img.size());
+            else
+                EXPECT_EQ(back, img);
+        }
+    }
+}
+
+} // namespace
