@@ -570,6 +570,7 @@ void NXRImageDisplay::LoadLocalImage(const QString& vstr_FilePath)
             throw Failure(QStringLiteral("file ") + vstr_FilePath + QStringLiteral(" does not contain image"));
         m_tempLead->setBitmap(image);
         m_originalFilename = info.fileName();
+        m_loading->loader().images().insert(nxr::ImageList::kCurrent, image);
         showImage(image, true);
     });
 }

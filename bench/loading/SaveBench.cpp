@@ -1,13 +1,13 @@
 // Writing a 2592 x 1944 camera image: PNG at the library's level against Qt's default and a middle
 // level (time per save, file size as a counter), and the other formats for comparison.
 
+#include "CameraImage.h"
+
 #include "imagedisplay/loading/ImageFile.h"
 
 #include <QBuffer>
 #include <QGuiApplication>
 #include <QImageWriter>
-#include <QPainter>
-#include <QRandomGenerator>
 
 #include <benchmark/benchmark.h>
 
@@ -15,33 +15,10 @@
 
 namespace {
 
-// A camera-like picture: smooth shading, a few hard-edged parts and sensor noise.
 const QImage& cameraImage(bool colour)
 {
-    static const std::array<QImage, 2> images = [] {
-        QImage img(2592, 1944, QImage::Format_RGB32);
-        QPainter p(&img);
-        QLinearGradient g(0, 0, 2592, 1944);
-        g.setColorAt(0, QColor(40, 50, 70));
-        g.setColorAt(1, QColor(210, 190, 160));
-        p.fillRect(img.rect(), g);
-        p.setBrush(QColor(230, 80, 40));
-        p.drawEllipse(QPoint(900, 800), 300, 300);
-        p.setBrush(QColor(30, 140, 60));
-        p.drawRect(1600, 300, 600, 900);
-        p.end();
-        QRandomGenerator rng(7);
-        for (int y = 0; y < img.height(); ++y) {
-            auto* line = reinterpret_cast<QRgb*>(img.scanLine(y));
-            for (int x = 0; x < img.width(); ++x) {
-                const int n = int(rng.bounded(9)) - 4;
-                const QRgb c = line[x];
-                line[x] = qRgb(qBound(0, qRed(c) + n, 255), qBound(0, qGreen(c) + n, 255),
-                               qBound(0, qBlue(c) + n, 255));
-            }
-        }
-        return std::array<QImage, 2>{img.convertToFormat(QImage::Format_Grayscale8), img};
-    }();
+    static const std::array<QImage, 2> images = {nxr::bench::cameraImage(2592, 1944, false),
+                                                 nxr::bench::cameraImage(2592, 1944, true)};
     return images[colour ? 1 : 0];
 }
 

@@ -249,6 +249,14 @@ TEST_F(DisplayLoadingTest, SaveRoundTripPerFormatAndNoImageToSave)
                 EXPECT_EQ(back, img);
         }
     }
+
+    // An image the page showed from a local file is the current one too.
+    const QString localFile = nxr::testing::usePrivateTempFolder() + "/page-image.png";
+    ImageFile::write(pattern(30, 20, 8, false), localFile, ImageFileFormat::Png);
+    display->LoadLocalImage(localFile);
+    display->SaveCurrentImage(sim->host(), "MC:\\E2E\\LOCAL.PNG", sim->user(), sim->password());
+    EXPECT_EQ(ImageFile::read(sim->localPathOf("MC:\\E2E\\LOCAL.PNG")), pattern(30, 20, 8, false));
+    EXPECT_EQ(errors, 1);
 }
 
 } // namespace
