@@ -27,7 +27,8 @@ inline QImage cameraImage(int width, int height, bool colour)
         for (int x = 0; x < img.width(); ++x) {
             const int n = int(rng.bounded(9)) - 4;
             const QRgb c = line[x];
-            line[x] = qRgb(qBound(0, qRed(c) + n, 255), qBound(0, qGreen(c) + n, 255), qBound(0, qBlue(c) + n, 255));
+            line[x] = qRgb(qBound(0, qRed(c) + n, 255), qBound(0, qGreen(c) + n, 255),
+                           qBound(0, qBlue(c) + n, 255));
         }
     }
     return colour ? img : img.convertToFormat(QImage::Format_Grayscale8);

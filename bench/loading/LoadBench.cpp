@@ -41,7 +41,8 @@ QString ensureImage(int w, int h, bool colour)
 {
     const QString path = imagePath(w, h, colour);
     if (g_sim->readFile(path).isEmpty())
-        g_sim->writeFile(path, nxr::ImageFile::encode(nxr::bench::cameraImage(w, h, colour), nxr::ImageFileFormat::Jpeg));
+        g_sim->writeFile(
+            path, nxr::ImageFile::encode(nxr::bench::cameraImage(w, h, colour), nxr::ImageFileFormat::Jpeg));
     return path;
 }
 
@@ -120,12 +121,13 @@ void BM_LiveMode(benchmark::State& state)
     Floor floor;
     const double floorFps = std::min(25.0, 1.0 / floor.secondsPerFrame(path, 10));
     int frames = 0;
-    const auto answer = QObject::connect(g_display, &NXRImageDisplay::OnButtonClicked, [&](const QString& name) {
-        if (name == QLatin1String("Snap")) {
-            ++frames;
-            load(path);
-        }
-    });
+    const auto answer =
+        QObject::connect(g_display, &NXRImageDisplay::OnButtonClicked, [&](const QString& name) {
+            if (name == QLatin1String("Snap")) {
+                ++frames;
+                load(path);
+            }
+        });
     double fps = 0;
     for (auto _ : state) {
         g_display->SetProperty(QStringLiteral("LiveMode"), QStringLiteral("True"));

@@ -1,11 +1,14 @@
 // Writing a 2592 x 1944 camera image: PNG at the library's level against Qt's default and a middle
-// level (time per save, file size as a counter), and the other formats for comparison.
+// level (time per save, file size as a counter), and the other formats for comparison. Reading it
+// back with the library's checks against a bare QImage load of the same file.
 
 #include "CameraImage.h"
 
 #include "imagedisplay/loading/ImageFile.h"
 
 #include <QBuffer>
+#include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QImageWriter>
 
@@ -57,6 +60,21 @@ BENCHMARK(EncodeAs)
                     int(nxr::ImageFileFormat::Gif), int(nxr::ImageFileFormat::Bmp)},
                    {0, 1}})
     ->Unit(benchmark::kMillisecond);
+
+void ReadJpeg(benchmark::State& state)
+{
+    const bool checked = state.range(0) != 0;
+    const bool colour = state.range(1) != 0;
+    const QString file = QDir::temp().filePath(QStringLiteral("nxr-read-bench-%1.jpg").arg(colour));
+    nxr::ImageFile::write(cameraImage(colour), file, nxr::ImageFileFormat::Jpeg);
+    for (auto _ : state) {
+        const QImage img = checked ? nxr::ImageFile::read(file) : QImage(file);
+        benchmark::DoNotOptimize(img.constBits());
+    }
+    QFile::remove(file);
+    state.SetLabel(std::string(checked ? "ImageFile::read" : "QImage") + (colour ? " colour" : " grey"));
+}
+BENCHMARK(ReadJpeg)->ArgsProduct({{0, 1}, {0, 1}})->Unit(benchmark::kMillisecond);
 
 } // namespace
 
