@@ -4,6 +4,8 @@
 #include "frame/ScriptableCore.h"
 #include "imagedisplay/loading/ImageSurface.h"
 
+#include <algorithm>
+
 namespace nxr {
 namespace {
 
@@ -49,6 +51,7 @@ void LiveMode::turnOn()
         *m_on = true;
         *m_abortRequested = false;
         m_timer->setInterval(kInterval);
+        m_sinceRequest.invalidate();
         emit liveModeToggled(true);
     }
     m_core.trace(routine, QStringLiteral("Done, caption=") + m_surface.caption());
@@ -84,8 +87,14 @@ void LiveMode::requestAbort()
 
 void LiveMode::loadFinished()
 {
-    if (isOn() && !m_timer->isActive())
-        m_timer->start();
+    if (!isOn() || m_timer->isActive())
+        return;
+    // Requests are paced at one per interval: the time the load took since the last request
+    // counts towards the wait, so a load shorter than the interval still gives 25 images a second.
+    int wait = kInterval;
+    if (m_sinceRequest.isValid())
+        wait = int(std::clamp<qint64>(kInterval - m_sinceRequest.elapsed(), 0, kInterval));
+    m_timer->start(wait);
 }
 
 void LiveMode::tick()
@@ -94,15 +103,19 @@ void LiveMode::tick()
         m_timer->stop();
         return;
     }
-    if (isBusy())
-        return; // a load is still running; ask again on the next tick
+    if (isBusy()) {
+        m_timer->setInterval(kInterval); // a load is still running; ask again on the next tick
+        return;
+    }
     if (abortRequested()) {
         doAbort();
         m_timer->setInterval(kInterval);
         return;
     }
     m_timer->stop();
+    m_timer->setInterval(kInterval);
     m_core.trace(QStringLiteral("tmr_LiveMode_Timer"), QStringLiteral("raising event OnButtonClicked(Snap)"));
+    m_sinceRequest.start();
     emit snapRequested();
 }
 

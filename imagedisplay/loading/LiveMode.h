@@ -5,6 +5,7 @@
 
 #include "frame/Export.h"
 
+#include <QElapsedTimer>
 #include <QList>
 #include <QObject>
 #include <QStringList>
@@ -46,7 +47,9 @@ public:
     // The snap button while live mode is on: the abort waits for the running load, then happens on
     // the next tick of the timer (at kAbortInterval).
     void requestAbort();
-    // An image load has finished: in live mode, the timer starts unless it runs already.
+    // An image load has finished: in live mode, the timer starts unless it runs already. It fires
+    // one interval after the previous request (at once when the load took longer), so the page
+    // is asked at most 25 times a second and loads do not add to the interval.
     void loadFinished();
 
     // A zoom click on the main raster view. While live mode is busy it is queued (true returned)
@@ -75,7 +78,8 @@ private:
     bool* m_on = &m_ownFlags[0];
     bool* m_busy = &m_ownFlags[1];
     bool* m_abortRequested = &m_ownFlags[2];
-    QList<QStringList> m_queue; // handler name, Button, Shift, X, Y
+    QList<QStringList> m_queue;   // handler name, Button, Shift, X, Y
+    QElapsedTimer m_sinceRequest; // since the last request for an image
 };
 
 } // namespace nxr
