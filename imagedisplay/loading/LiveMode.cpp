@@ -25,6 +25,7 @@ LiveMode::LiveMode(ImageSurface& surface, ScriptableCore& core, QTimer* timer, Q
         m_timer->setObjectName(QStringLiteral("tmr_LiveMode"));
     m_timer->stop();
     m_timer->setSingleShot(false);
+    m_timer->setTimerType(Qt::PreciseTimer); // 40 ms is the pace of live mode, not a rough wait
     m_timer->setInterval(kInterval);
     connect(m_timer, &QTimer::timeout, this, &LiveMode::tick);
 }
