@@ -183,6 +183,7 @@ class ControllerFTPHandler(FTPHandler):
     abstracted_fs = ControllerFS
     banner = "Controller FTP server ready."
     _drop_on_complete = False
+    auth_failed_timeout = 0.1
 
     def pre_process_command(self, line, cmd, arg):
         STATE.log("FTP> " + mask_command(line))

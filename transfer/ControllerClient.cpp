@@ -245,6 +245,37 @@ ControllerClient::ControllerClient() : m_timeouts(g_defaultTimeouts)
     globalInit();
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, [this] { socketAction(CURL_SOCKET_TIMEOUT, 0); });
+    connect(&m_kick, &QTimer::timeout, this, [this] { kick(); });
+}
+
+// The transfer library at times moves an FTP transfer into a state (opening the data connection
+// right after the passive-mode reply) in which it watches no socket and asks for no early timer,
+// and would sit there until its connect timeout. While transfers run, it is therefore also run
+// over all its transfers now and then: often while it watches no socket, rarely otherwise.
+void ControllerClient::kick()
+{
+    if (!m_multi || m_active.empty()) {
+        m_kick.stop();
+        return;
+    }
+    int running = 0;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    curl_multi_socket_all(static_cast<CURLM*>(m_multi), &running);
+#pragma GCC diagnostic pop
+    processDone();
+    updateKick();
+}
+
+void ControllerClient::updateKick()
+{
+    if (!m_multi || m_active.empty()) {
+        m_kick.stop();
+        return;
+    }
+    const int interval = m_watches.empty() ? 5 : 50;
+    if (!m_kick.isActive() || m_kick.interval() != interval)
+        m_kick.start(interval);
 }
 
 ControllerClient::~ControllerClient()
@@ -315,6 +346,7 @@ void ControllerClient::resetMulti()
     }
     m_watches.clear();
     m_timer.stop();
+    m_kick.stop();
     m_ftp.up = false;
     m_ftp.socket = -1;
     m_http.up = false;
@@ -352,6 +384,8 @@ void* ControllerClient::newEasy(Transfer& t, const Session& session, bool ftp, c
     curl_easy_setopt(easy, CURLOPT_CLOSESOCKETDATA, this);
     curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &ControllerClientCallbacks::header);
     curl_easy_setopt(easy, CURLOPT_HEADERDATA, &t);
+    if (qEnvironmentVariableIsSet("NXR_CURL_VERBOSE"))
+        curl_easy_setopt(easy, CURLOPT_VERBOSE, 1L);
     if (ftp) {
         const QByteArray user = session.user.toUtf8();
         const QByteArray password = session.password.toUtf8();
@@ -382,6 +416,7 @@ void ControllerClient::run(Transfer& t)
     if (added != CURLM_OK)
         throw TransferError(CURLE_FAILED_INIT, QString::fromLatin1(curl_multi_strerror(added)));
     m_active.insert(&t);
+    updateKick();
     if (!t.done) {
         QEventLoop loop;
         t.loop = &loop;
@@ -397,6 +432,7 @@ void ControllerClient::socketAction(long long s, int events)
     int running = 0;
     curl_multi_socket_action(static_cast<CURLM*>(m_multi), curl_socket_t(s), events, &running);
     processDone();
+    updateKick();
 }
 
 void ControllerClient::processDone()
@@ -455,7 +491,6 @@ void ControllerClient::finish(Transfer& t, Session& session, bool ftp)
     case CURLE_OPERATION_TIMEDOUT:
     case CURLE_LOGIN_DENIED:
     case CURLE_WEIRD_SERVER_REPLY:
-    case CURLE_FTP_WEIRD_SERVER_REPLY:
     case CURLE_SEND_ERROR:
     case CURLE_RECV_ERROR:
     case CURLE_GOT_NOTHING:
@@ -512,6 +547,10 @@ void ControllerClient::FtpConnect(const QString& host, const QString& user, cons
     m_probeFtpPort = port;
     Transfer t;
     newEasy(t, m_ftp, true, ftpUrl(m_ftp, QString()));
+    // One harmless command, so that a session that is already open is checked too (and the
+    // library does not measure its reply time from the session's last exchange).
+    t.quote = curl_slist_append(nullptr, "NOOP");
+    curl_easy_setopt(t.easy, CURLOPT_QUOTE, t.quote);
     curl_easy_setopt(t.easy, CURLOPT_NOBODY, 1L);
     ++m_busyFtp;
     run(t);
@@ -703,8 +742,10 @@ void ControllerClient::FtpCommand(const QString& commandLine, int /*type*/, int 
     newEasy(t, m_ftp, true, ftpUrl(m_ftp, QString()));
     const QByteArray bytes = command.toUtf8();
     t.trackedCommand = bytes.trimmed();
-    curl_easy_setopt(t.easy, CURLOPT_DEBUGFUNCTION, &ControllerClientCallbacks::debug);
-    curl_easy_setopt(t.easy, CURLOPT_DEBUGDATA, &t);
+    if (!qEnvironmentVariableIsSet("NXR_CURL_VERBOSE")) {
+        curl_easy_setopt(t.easy, CURLOPT_DEBUGFUNCTION, &ControllerClientCallbacks::debug);
+        curl_easy_setopt(t.easy, CURLOPT_DEBUGDATA, &t);
+    }
     curl_easy_setopt(t.easy, CURLOPT_VERBOSE, 1L);
     if (flag != 0) {
         curl_easy_setopt(t.easy, CURLOPT_CUSTOMREQUEST, bytes.constData());
@@ -719,7 +760,16 @@ void ControllerClient::FtpCommand(const QString& commandLine, int /*type*/, int 
     run(t);
     m_busyFtp = qMax(0, m_busyFtp - 1);
     finish(t, m_ftp, true);
-    response = flag != 0 ? QString::fromUtf8(t.body) : QString::fromUtf8(t.trackedReply);
+    if (flag != 0) {
+        // Listings travel as text and the transfer library hands them over with bare LF line
+        // ends; give them back the CR LF the controller sent.
+        QByteArray body = t.body;
+        body.replace("\r\n", "\n");
+        body.replace("\n", "\r\n");
+        response = QString::fromUtf8(body);
+    } else {
+        response = QString::fromUtf8(t.trackedReply);
+    }
 }
 
 void ControllerClient::FtpPutFile(const QString& localPath, const QString& remotePath, int /*type*/)

@@ -127,11 +127,14 @@ private:
 
     void socketAction(long long s, int events);
     void processDone();
+    void kick();
+    void updateKick();
 
     friend struct ControllerClientCallbacks;
 
     void* m_multi = nullptr;
     QTimer m_timer;
+    QTimer m_kick;
     struct Watch
     {
         QSocketNotifier* read = nullptr;
