@@ -423,8 +423,10 @@ bool NXRFileTransferObject::withRetry(const QString& routine, const QString& err
                                 QStringLiteral(", retry=") + QString::number(retries));
             if (raise501AtOnce && e.description().contains(QStringLiteral("501")))
                 throw;
-            if (retries > 0 || retries == -1) {
-                const int next = retries == -1 ? 2 : retries - 1;
+            // -1 stands for the default of two retries: three attempts in all.
+            const int left = retries == -1 ? 2 : retries;
+            if (left > 0) {
+                const int next = left - 1;
                 DisconnectRobot(true);
                 retries = next;
                 continue;
