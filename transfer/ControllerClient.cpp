@@ -33,7 +33,7 @@ ControllerClient::Timeouts g_defaultTimeouts;
 
 // Byte buffers for downloads: bigger than the library's default, so a fast link needs fewer
 // rounds through the event loop.
-constexpr long kBufferSize = 512 * 1024;
+constexpr long kBufferSize = 128 * 1024;
 
 void globalInit()
 {
