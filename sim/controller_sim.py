@@ -61,6 +61,7 @@ FAULTS = {
     "html_error": 0,     # 1: HTTP answers the error page even for present files
     "lowercase_list": 0, # 1: LIST lines come in lower case
     "http_down": 0,      # 1: HTTP file requests are answered 503 with no page
+    "rate": 0,           # N: HTTP GET sends at most N bytes per second (a slow link)
 }
 
 CONTROLLER_PATH = re.compile(r"^([A-Za-z][A-Za-z0-9]*):(.*)$")
@@ -296,7 +297,17 @@ class ControllerHTTPHandler(BaseHTTPRequestHandler):
         if self.command == "HEAD":
             return
         self.wfile.flush()
+        rate = STATE.fault("rate")
         with open(local, "rb") as fh:
+            if rate > 0 and drop < 0 and stall < 0:
+                step = max(1, rate // 20)
+                while True:
+                    block = fh.read(step)
+                    if not block:
+                        return
+                    self.wfile.write(block)
+                    self.wfile.flush()
+                    time.sleep(0.05)
             if drop < 0 and stall < 0:
                 self.connection.sendfile(fh)
                 return

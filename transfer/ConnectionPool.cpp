@@ -82,12 +82,12 @@ void ConnectionPool::freeClient(const QString& poolKey, const QString& server, b
         std::shared_ptr<ControllerClient> old = std::move(slot.client);
         slot.client = ControllerClient::create();
         old->setRetired(true);
-        old->CloseConnections();
+        old->closeWhenIdle();
     } else if (slot.users.isEmpty()) {
         std::shared_ptr<ControllerClient> old = std::move(slot.client);
         slot = Slot{};
         old->setRetired(true);
-        old->CloseConnections();
+        old->closeWhenIdle();
     }
 }
 

@@ -423,6 +423,20 @@ void ControllerClient::run(Transfer& t)
         loop.exec();
         t.loop = nullptr;
     }
+    if (m_closeWhenIdle && m_active.empty())
+        QTimer::singleShot(0, this, [keep = shared_from_this()] {
+            if (keep->m_closeWhenIdle && keep->m_active.empty())
+                keep->CloseConnections();
+        });
+}
+
+void ControllerClient::closeWhenIdle()
+{
+    if (m_active.empty()) {
+        CloseConnections();
+        return;
+    }
+    m_closeWhenIdle = true;
 }
 
 void ControllerClient::socketAction(long long s, int events)
@@ -588,6 +602,7 @@ void ControllerClient::Disconnect()
 void ControllerClient::CloseConnections()
 {
     auto keep = shared_from_this();
+    m_closeWhenIdle = false;
     resetMulti();
     m_ftp.configured = false;
     m_http.configured = false;

@@ -80,7 +80,12 @@ public:
     // Uploads the local file `localPath` to the controller path `remotePath`.
     void FtpPutFile(const QString& localPath, const QString& remotePath, int type = 2);
     // Closes both sessions for good (the pool gives the client up); later calls reconnect.
+    // Transfers still running are ended with an error.
     void CloseConnections();
+    // As CloseConnections, but transfers still running (re-entrant callers further up the
+    // stack) are let finish first; the sessions close when the last of them ends.
+    void closeWhenIdle();
+    bool isBusy() const { return !m_active.empty(); }
     // 1 while the session is really up (the connection is checked, not just remembered), 0 else.
     long FtpState();
     long HttpState();
@@ -151,6 +156,7 @@ private:
     int m_busyFtp = 0;
     int m_busyHttp = 0;
     bool m_retired = false;
+    bool m_closeWhenIdle = false;
 };
 
 } // namespace nxr

@@ -10,6 +10,7 @@
 
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -343,6 +344,32 @@ TEST_F(FileTransferObjectTest, RetryRules)
     EXPECT_THROW(o.FileListing("MC:\\A\nDELE X"), TransferError);
     EXPECT_TRUE(ftpCommands().isEmpty()) << ftpCommands().join('\n').toStdString();
     o.DisconnectRobot(false);
+}
+
+TEST_F(FileTransferObjectTest, ReentrantCopiesShareTheConnectionSafely)
+{
+    // A timer (live mode, say) starts a second copy while the first one waits; both use the
+    // "External" key of the same server, and the inner one gives it back first.
+    ASSERT_TRUE(sim->writeFile("MC:\\BIG\\LARGE.BIN", QByteArray(200 * 1024, 'L')));
+    ASSERT_TRUE(sim->setFault("rate", 1024 * 1024)); // the outer copy takes about 0.2 s
+    NXRFileTransferObject outer, inner;
+    usePorts(outer);
+    usePorts(inner);
+    bool innerOk = false;
+    bool innerRan = false;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        if (innerRan || !outer.client() || !outer.client()->isBusy() || outer.client()->HttpState() <= 0)
+            return;
+        innerRan = true; // while the outer download is running
+        innerOk = copy(inner, "MC:\\VISION\\TOOLS.TXT");
+    });
+    poll.start(0);
+    EXPECT_TRUE(copy(outer, "MC:\\BIG\\LARGE.BIN")) << outer.LastErrorString().toStdString();
+    EXPECT_TRUE(innerRan);
+    EXPECT_TRUE(innerOk) << inner.LastErrorString().toStdString();
+    EXPECT_EQ(QFileInfo(outer.lastLocalPath()).size(), 200 * 1024);
+    EXPECT_EQ(readAll(inner.lastLocalPath()), sim->readFile("MC:\\VISION\\TOOLS.TXT"));
 }
 
 TEST_F(FileTransferObjectTest, DriveListNeedsAnOpenSession)
