@@ -144,9 +144,9 @@ float ImageViewport::focusedZoom(double zoom, double x, double y)
     return m_maths.zoom();
 }
 
-float ImageViewport::anchoredZoom(double zoom, const QPointF& devicePoint)
+float ImageViewport::anchoredZoom(double zoom, const QPointF& devicePoint, const QPointF& imagePoint)
 {
-    const float z = m_maths.anchoredZoom(zoom, devicePoint);
+    const float z = m_maths.anchoredZoom(zoom, devicePoint, imagePoint);
     apply();
     return z;
 }
@@ -156,8 +156,14 @@ float ImageViewport::optimalZoom(double h, double w, bool fitFrame, bool nearest
     float zoom = 100.0f;
     if (h > 0 && w > 0) {
         if (fitFrame) {
-            const qreal r = ratio();
-            zoom = ViewMaths::fitZoom(height() * r, width() * r, h, w, nearest);
+            // The viewport's usable area, less the scroll bars that the zoom found needs.
+            const QSize area = m_maths.usableArea();
+            zoom = ViewMaths::fitZoom(area.height(), area.width(), h, w, nearest);
+            ViewMaths probe = m_maths;
+            probe.setZoom(zoom);
+            const QSize visible = probe.visibleSize();
+            if (visible != area)
+                zoom = ViewMaths::fitZoom(visible.height(), visible.width(), h, w, nearest);
         } else {
             const QSize image = m_maths.effectiveImageSize();
             zoom = ViewMaths::fitZoom(h, w, image.height(), image.width(), nearest);

@@ -184,9 +184,14 @@ void MouseDispatcher::wheel(double steps, const QPointF& devicePoint)
     const int whole = int(std::lround(steps));
     if (whole == 0)
         return;
-    const float before = m_viewport.zoom();
+    const ViewMaths& maths = m_viewport.maths();
+    const float before = maths.zoom();
+    const bool sameRun = m_wheelAnchor.screen == devicePoint && m_wheelAnchor.origin == maths.origin() &&
+                         m_wheelAnchor.zoom == before;
+    const QPointF image = sameRun ? m_wheelAnchor.image : maths.toImage(devicePoint);
     const float wanted = ViewMaths::wheelZoom(before, whole);
-    const float zoom = m_viewport.anchoredZoom(wanted, devicePoint);
+    const float zoom = m_viewport.anchoredZoom(wanted, devicePoint, image);
+    m_wheelAnchor = WheelAnchor{devicePoint, image, maths.origin(), zoom};
     if (zoom != before)
         Q_EMIT userZoomed(zoom);
 }

@@ -246,7 +246,11 @@ float ViewMaths::focusedZoom(double zoom, double x, double y)
 
 float ViewMaths::anchoredZoom(double zoom, const QPointF& screen)
 {
-    const QPointF image = toImage(screen);
+    return anchoredZoom(zoom, screen, toImage(screen));
+}
+
+float ViewMaths::anchoredZoom(double zoom, const QPointF& screen, const QPointF& image)
+{
     setSafeZoom(zoom);
     setOriginClamped(screen.x() - image.x() * scale(), screen.y() - image.y() * scale());
     return m_zoom;

@@ -383,8 +383,8 @@ TEST_F(Display, WheelZoomKeepsThePointUnderTheCursor)
         wheel(at, -2);
         EXPECT_EQ(display->Zoom(), 200.0f);
         now = maths().toScreen(before);
-        EXPECT_NEAR(now.x(), device.x(), 1.0);
-        EXPECT_NEAR(now.y(), device.y(), 1.0);
+        EXPECT_NEAR(now.x(), device.x(), 0.5);
+        EXPECT_NEAR(now.y(), device.y(), 0.5);
         EXPECT_EQ(zooms->count(), 3);
     }
     // At the top limit the wheel changes nothing and raises nothing.
@@ -406,12 +406,12 @@ TEST_F(Display, PanDragMovesTheImageWithTheMouse)
     mouse(QEvent::MouseMove, QPoint(180, 190), Qt::NoButton, Qt::LeftButton);
     mouse(QEvent::MouseMove, QPoint(150, 170), Qt::NoButton, Qt::LeftButton);
     mouse(QEvent::MouseButtonRelease, QPoint(150, 170), Qt::LeftButton, Qt::NoButton);
-    const int r = int(lead()->deviceRatio());
-    EXPECT_EQ(maths().scrollPosition(), QPoint(500 + 50 * r, 400 + 30 * r));
-    EXPECT_EQ(display->viewport().horizontalBar()->value(), 500 + 50 * r);
+    const QPoint moved = (QPointF(50, 30) * lead()->deviceRatio()).toPoint();
+    EXPECT_EQ(maths().scrollPosition(), QPoint(500, 400) + moved);
+    EXPECT_EQ(display->viewport().horizontalBar()->value(), 500 + moved.x());
     // Moving without the button does not pan.
     mouse(QEvent::MouseMove, QPoint(10, 10), Qt::NoButton, Qt::NoButton);
-    EXPECT_EQ(maths().scrollPosition(), QPoint(500 + 50 * r, 400 + 30 * r));
+    EXPECT_EQ(maths().scrollPosition(), QPoint(500, 400) + moved);
 }
 
 TEST_F(Display, ScrollBarsScrollWithinTheLimits)
@@ -444,6 +444,24 @@ TEST_F(Display, PixelUnderTheCursorInTheStatusBar)
     display->showImage(grey);
     mouse(QEvent::MouseMove, logical(device), Qt::NoButton, Qt::NoButton);
     EXPECT_EQ(display->statusBar()->pixelLabelText(), "x=37, y=21: 77");
+}
+
+TEST_F(Display, AtHundredPercentOneImagePixelCoversOneDevicePixel)
+{
+    QImage checker(64, 48, QImage::Format_Grayscale8);
+    for (int y = 0; y < 48; ++y)
+        for (int x = 0; x < 64; ++x)
+            checker.scanLine(y)[x] = ((x + y) % 2) ? 255 : 0;
+    display->showImage(checker, false);
+    display->setZoom(100);
+    lead()->repaint();
+    const QImage shot = lead()->grab().toImage();
+    EXPECT_EQ(shot.size(), maths().visibleSize()); // the view's device pixels
+    const QPoint o = maths().origin();
+    for (int y = 0; y < 48; y += 7)
+        for (int x = 0; x < 64; x += 5)
+            ASSERT_EQ(qGray(shot.pixel(o.x() + x, o.y() + y)), ((x + y) % 2) ? 255 : 0) << x << "," << y;
+    EXPECT_NE(qGray(shot.pixel(o.x() - 1, o.y())), 255); // background beside the image
 }
 
 // ---- layout and methods ----
