@@ -114,6 +114,19 @@ void ImageViewport::apply()
     Q_EMIT viewChanged();
 }
 
+QStringList ImageViewport::dimensionLines() const
+{
+    auto rect = [](const QRectF& r) {
+        return fromDouble(r.left()) + QStringLiteral(", ") + fromDouble(r.top()) + QStringLiteral(") (") +
+               fromDouble(r.width()) + QStringLiteral(", ") + fromDouble(r.height()) + QLatin1Char(')');
+    };
+    const QRectF dest = m_maths.destinationRect();
+    return {QStringLiteral("Scale (L, T) (W, H)    = (") + rect(dest),
+            QStringLiteral("Source (L, T) (W, H)   = (") + rect(QRectF(QPointF(0, 0), QSizeF(m_maths.imageSize()))),
+            QStringLiteral("Dest. l(L, T) (W, H)    = (") + rect(dest),
+            QStringLiteral("SrcClip l(L, T) (W, H)  = (") + rect(m_maths.visibleSourceRect())};
+}
+
 void ImageViewport::setZoomDirect(float zoom)
 {
     m_maths.setZoom(zoom);

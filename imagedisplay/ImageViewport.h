@@ -64,6 +64,10 @@ public:
     QScrollBar* horizontalBar() const { return m_hbar; }
     QScrollBar* verticalBar() const { return m_vbar; }
 
+    // The diagnostic dump of the view's rectangles, one line each: the scaled image, the
+    // source, the destination and the clipped (visible) source, as (left, top) (width, height).
+    QStringList dimensionLines() const;
+
     // Re-reads the viewport size and places views and bars.
     void relayout();
     void repaintViews();

@@ -108,6 +108,9 @@ void NXRImageDisplay::UserControl_Initialize()
         bar->addWidget(m_cmdOK);
         bar->addWidget(m_cmdCancel);
         m_fraOKCancel->hide();
+        m_cmdDebug = new QPushButton(QStringLiteral("Debug"), this);
+        m_cmdDebug->setObjectName(QStringLiteral("cmd_Debug"));
+        m_cmdDebug->hide();
 
         m_statusBar = new NXRStatusBar(this);
         m_statusBar->setObjectName(QStringLiteral("ctl_NXRStatusBar"));
@@ -129,6 +132,7 @@ void NXRImageDisplay::UserControl_Initialize()
                 [this](const QString& name) { Q_EMIT OnButtonClicked(name); });
         connect(m_cmdOK, &QPushButton::clicked, this, &NXRImageDisplay::cmd_OK_Click);
         connect(m_cmdCancel, &QPushButton::clicked, this, &NXRImageDisplay::cmd_Cancel_Click);
+        connect(m_cmdDebug, &QPushButton::clicked, this, &NXRImageDisplay::msub_OutputLEADDims);
         connect(m_mouse, &nxr::MouseDispatcher::userZoomed, this, [this] { raiseZoomChanged(); });
         connect(m_mouse, &nxr::MouseDispatcher::hovering, this, &NXRImageDisplay::showPixelUnderMouse);
         connect(m_viewport, &nxr::ImageViewport::viewChanged, this,
@@ -619,6 +623,12 @@ void NXRImageDisplay::EnableOMIViewButton(int button, bool enable)
 void NXRImageDisplay::RefreshDisplay()
 {
     m_viewport->repaintViews();
+}
+
+void NXRImageDisplay::msub_OutputLEADDims()
+{
+    for ([[maybe_unused]] const QString& line : m_viewport->dimensionLines())
+        NXR_TRACE(kClass, QStringLiteral("msub_OutputLEADDims"), line);
 }
 
 void NXRImageDisplay::flashOKCancel()

@@ -129,6 +129,8 @@ public:
     // Sends "ButtonEnabled" = "<button>, True|False" to the tool bar.
     void EnableOMIViewButton(int button, bool enable);
     void RefreshDisplay();
+    // Writes the view's rectangles to the trace (the hidden cmd_Debug button does the same).
+    void msub_OutputLEADDims();
     // Flashes the OK/Cancel bar to remind the user to finish the editing.
     void flashOKCancel();
 
@@ -192,6 +194,7 @@ private:
     QLabel* m_lblOKCancel = nullptr;
     QPushButton* m_cmdOK = nullptr;
     QPushButton* m_cmdCancel = nullptr;
+    QPushButton* m_cmdDebug = nullptr;
     QTimer* m_tmrLiveMode = nullptr;
     QTimer* m_tmrImageRefresh = nullptr;
     QTimer* m_tmrFlashOKCancel = nullptr;
