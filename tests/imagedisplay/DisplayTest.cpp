@@ -12,6 +12,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -532,6 +533,62 @@ TEST_F(Display, MouseEventsOnTheMaskGoToTheMaskHook)
     const QPointF expected = maths().toImage(QPointF(50, 40) * mask->deviceRatio());
     EXPECT_NEAR(downs[0].x(), expected.x(), 1e-9);
     EXPECT_EQ(display->GetProperty("Zoom"), QString::number(double(mask->zoom()), 'g', 7));
+}
+
+// ---- the raster view on its own ----
+
+class PaintCounter : public QObject
+{
+public:
+    int paints = 0;
+    bool eventFilter(QObject*, QEvent* e) override
+    {
+        if (e->type() == QEvent::Paint)
+            ++paints;
+        return false;
+    }
+};
+
+TEST(RasterViewTest, AutoRepaintOffHoldsRepaintsUntilSwitchedOn)
+{
+    nxr::RasterView view;
+    view.resize(200, 150);
+    view.setBitmap(testImage(100, 80));
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+    PaintCounter counter;
+    view.installEventFilter(&counter);
+    QTest::qWait(20);
+    counter.paints = 0;
+    view.setAutoRepaint(false);
+    view.setView(300.0f, QPoint(-10, -10));
+    view.setBitmap(testImage(120, 90));
+    QTest::qWait(50);
+    EXPECT_EQ(counter.paints, 0);
+    view.setAutoRepaint(true);
+    QTest::qWait(50);
+    EXPECT_GE(counter.paints, 1);
+    const int before = counter.paints;
+    view.setOrigin(QPoint(-20, -20));
+    QTest::qWait(50);
+    EXPECT_GT(counter.paints, before);
+}
+
+TEST(RasterViewTest, PainterOnTheBitmapDrawsIntoIt)
+{
+    nxr::RasterView view;
+    QImage grey(40, 30, QImage::Format_Grayscale8);
+    grey.fill(10);
+    view.setBitmap(grey);
+    {
+        auto painter = view.bitmapPainter();
+        painter->fillRect(QRect(5, 5, 4, 4), QColor(255, 0, 0));
+    }
+    EXPECT_EQ(view.bitmap().pixel(6, 6), qRgb(255, 0, 0));
+    EXPECT_EQ(qGray(view.bitmap().pixel(0, 0)), 10);
+    EXPECT_EQ(view.bitmapWidth(), 40);
+    view.convertToGrey();
+    EXPECT_EQ(view.bitmap().format(), QImage::Format_Grayscale8);
 }
 
 } // namespace
