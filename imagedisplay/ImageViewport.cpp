@@ -71,7 +71,8 @@ void ImageViewport::relayout()
     const qreal r = ratio();
     const QSize logical(std::max(0, width() - 2 * m_margin), std::max(0, height() - 2));
     m_maths.setScrollBarExtent(int(std::lround(ViewMaths::kDefaultScrollBarExtent * r)));
-    m_maths.setUsableArea(QSize(int(std::lround(logical.width() * r)), int(std::lround(logical.height() * r))));
+    m_maths.setUsableArea(
+        QSize(int(std::lround(logical.width() * r)), int(std::lround(logical.height() * r))));
     apply();
 }
 
@@ -82,7 +83,8 @@ void ImageViewport::apply()
     m_applying = true;
     const qreal r = ratio();
     const QSize visible = m_maths.visibleSize();
-    const QRect viewRect(m_margin, 1, int(std::lround(visible.width() / r)), int(std::lround(visible.height() / r)));
+    const QRect viewRect(m_margin, 1, int(std::lround(visible.width() / r)),
+                         int(std::lround(visible.height() / r)));
     const int bar = ViewMaths::kDefaultScrollBarExtent;
     const QPoint max = m_maths.scrollMaximum();
     const QPoint pos = m_maths.scrollPosition();
@@ -122,7 +124,8 @@ QStringList ImageViewport::dimensionLines() const
     };
     const QRectF dest = m_maths.destinationRect();
     return {QStringLiteral("Scale (L, T) (W, H)    = (") + rect(dest),
-            QStringLiteral("Source (L, T) (W, H)   = (") + rect(QRectF(QPointF(0, 0), QSizeF(m_maths.imageSize()))),
+            QStringLiteral("Source (L, T) (W, H)   = (") +
+                rect(QRectF(QPointF(0, 0), QSizeF(m_maths.imageSize()))),
             QStringLiteral("Dest. l(L, T) (W, H)    = (") + rect(dest),
             QStringLiteral("SrcClip l(L, T) (W, H)  = (") + rect(m_maths.visibleSourceRect())};
 }
@@ -153,7 +156,8 @@ float ImageViewport::focusedZoom(double zoom, double x, double y)
     setSafeZoom(zoom);
     m_maths.centreOn(x, y);
     apply();
-    NXR_TRACE(kClass, QStringLiteral("FocusedZoom"), QStringLiteral("Done(") + fromSingle(m_maths.zoom()) + ')');
+    NXR_TRACE(kClass, QStringLiteral("FocusedZoom"),
+              QStringLiteral("Done(") + fromSingle(m_maths.zoom()) + ')');
     return m_maths.zoom();
 }
 

@@ -47,8 +47,8 @@ public:
     float focusedZoom(double zoom, double x, double y);
     float anchoredZoom(double zoom, const QPointF& devicePoint, const QPointF& imagePoint);
     // The zoom at which an area fits: with fitFrame, h and w are image sizes and the area is this
-    // viewport (less the scroll bars that zoom needs); otherwise h and w are display sizes and the image is the primary view's bitmap
-    // (512 x 480 while it has none).
+    // viewport (less the scroll bars that zoom needs); otherwise h and w are display sizes and the image is
+    // the primary view's bitmap (512 x 480 while it has none).
     float optimalZoom(double h, double w, bool fitFrame, bool nearest) const;
     // Fits the whole image, centred. Returns the zoom set.
     float fitImage();

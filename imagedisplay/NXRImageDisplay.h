@@ -38,10 +38,12 @@ class NXR_EXPORT NXRImageDisplay : public nxr::ScriptableWidget
     Q_PROPERTY(float Zoom READ Zoom WRITE setZoom)
     Q_PROPERTY(int ImageHeight READ ImageHeight)
     Q_PROPERTY(int ImageWidth READ ImageWidth)
-    Q_PROPERTY(bool ImageCaptureButtonsVisible READ ImageCaptureButtonsVisible WRITE setImageCaptureButtonsVisible)
+    Q_PROPERTY(
+        bool ImageCaptureButtonsVisible READ ImageCaptureButtonsVisible WRITE setImageCaptureButtonsVisible)
     Q_PROPERTY(bool WindowResetButtonVisible READ WindowResetButtonVisible WRITE setWindowResetButtonVisible)
     Q_PROPERTY(bool OpenSaveButtonsVisible READ OpenSaveButtonsVisible WRITE setOpenSaveButtonsVisible)
-    Q_PROPERTY(QString OverrideImageLabelCaption READ OverrideImageLabelCaption WRITE setOverrideImageLabelCaption)
+    Q_PROPERTY(
+        QString OverrideImageLabelCaption READ OverrideImageLabelCaption WRITE setOverrideImageLabelCaption)
     Q_PROPERTY(int OverrideImageLabelColor READ OverrideImageLabelColor WRITE setOverrideImageLabelColor)
     Q_PROPERTY(bool HourglassCursor READ HourglassCursor WRITE setHourglassCursor)
     Q_PROPERTY(bool ProgressCursor READ ProgressCursor WRITE setProgressCursor)

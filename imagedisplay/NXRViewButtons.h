@@ -44,8 +44,7 @@ private:
     void setButtonEnabled(int button, bool enabled);
     void setButtonVisible(int button, bool visible);
     // Runs a key's body; a failure is reported as "Error setting <key> property: " + details.
-    template <typename Body>
-    void applying(const QString& key, Body&& body);
+    template <typename Body> void applying(const QString& key, Body&& body);
     bool visibleFlag(int button) const;
 
     std::array<QAbstractButton*, 20> m_controls{};

@@ -146,12 +146,14 @@ void RasterRenderer::paint(QPainter& painter, const QRect& area, float zoom, con
         return;
     }
     if (shown.top() > area.top())
-        painter.fillRect(QRect(area.left(), area.top(), area.width(), shown.top() - area.top()), m_background);
+        painter.fillRect(QRect(area.left(), area.top(), area.width(), shown.top() - area.top()),
+                         m_background);
     if (shown.bottom() < area.bottom())
         painter.fillRect(QRect(area.left(), shown.bottom() + 1, area.width(), area.bottom() - shown.bottom()),
                          m_background);
     if (shown.left() > area.left())
-        painter.fillRect(QRect(area.left(), shown.top(), shown.left() - area.left(), shown.height()), m_background);
+        painter.fillRect(QRect(area.left(), shown.top(), shown.left() - area.left(), shown.height()),
+                         m_background);
     if (shown.right() < area.right())
         painter.fillRect(QRect(shown.right() + 1, shown.top(), area.right() - shown.right(), shown.height()),
                          m_background);
@@ -175,7 +177,8 @@ void RasterRenderer::paint(QPainter& painter, const QRect& area, float zoom, con
     painter.drawImage(shown.topLeft(), m_buffer);
 }
 
-void RasterRenderer::renderBuffer(const QImage& source, double levelScale, const QRect& target, const QPoint& origin)
+void RasterRenderer::renderBuffer(const QImage& source, double levelScale, const QRect& target,
+                                  const QPoint& origin)
 {
     if (m_buffer.size() != target.size())
         m_buffer = QImage(target.size(), QImage::Format_RGB32);

@@ -188,7 +188,8 @@ QPoint ViewMaths::scrollMaximum() const
 {
     const QSizeF s = scaledSize();
     const QSize v = visibleSize();
-    return QPoint(std::max(0, wholePixels(s.width()) - v.width()), std::max(0, wholePixels(s.height()) - v.height()));
+    return QPoint(std::max(0, wholePixels(s.width()) - v.width()),
+                  std::max(0, wholePixels(s.height()) - v.height()));
 }
 
 QPoint ViewMaths::scrollPosition() const

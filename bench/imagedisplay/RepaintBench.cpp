@@ -50,8 +50,7 @@ double median(std::vector<double> v)
     return v[v.size() / 2];
 }
 
-template <typename F>
-double timeOnce(F&& f)
+template <typename F> double timeOnce(F&& f)
 {
     const auto t0 = Clock::now();
     f();

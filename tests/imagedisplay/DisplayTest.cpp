@@ -62,8 +62,8 @@ protected:
 
     void wheel(QPoint at, int notches)
     {
-        QWheelEvent e(at, lead()->mapToGlobal(at), QPoint(), QPoint(0, 120 * notches), Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
+        QWheelEvent e(at, lead()->mapToGlobal(at), QPoint(), QPoint(0, 120 * notches), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
         QApplication::sendEvent(lead(), &e);
     }
     void mouse(QEvent::Type type, QPoint at, Qt::MouseButton button, Qt::MouseButtons held)
@@ -98,9 +98,15 @@ TEST_F(Display, UnknownKeysRaiseOneErrorEachAndChangeNothing)
 
 TEST_F(Display, KeysOfLaterFeaturesAreAcceptedNow)
 {
-    for (auto [key, value] : {std::pair{"FTPPortNo", "2121"}, {"HTTPPortNo", "8080"}, {"EnableLogImageLoad", "True"},
-                              {"MinPairWidth", "2.5"}, {"MaxPairWidth", "40"}, {"AutoZoom", "whatever"},
-                              {"RefreshDisplay", ""}, {"FontName", "DejaVu Sans"}, {"FontSize", "11"}})
+    for (auto [key, value] : {std::pair{"FTPPortNo", "2121"},
+                              {"HTTPPortNo", "8080"},
+                              {"EnableLogImageLoad", "True"},
+                              {"MinPairWidth", "2.5"},
+                              {"MaxPairWidth", "40"},
+                              {"AutoZoom", "whatever"},
+                              {"RefreshDisplay", ""},
+                              {"FontName", "DejaVu Sans"},
+                              {"FontSize", "11"}})
         display->SetProperty(key, value);
     EXPECT_EQ(errors->count(), 0) << display->LastErrorString().toStdString();
     display->SetProperty("LiveMode", "True");
@@ -216,7 +222,8 @@ TEST_F(Display, LoadLocalImageShowsAFileAndReportsBadOnes)
     f.write("not an image");
     f.close();
     display->LoadLocalImage(notAnImage);
-    EXPECT_EQ(display->LastErrorString(), "Error in LoadLocalImage: file " + notAnImage + " does not contain image");
+    EXPECT_EQ(display->LastErrorString(),
+              "Error in LoadLocalImage: file " + notAnImage + " does not contain image");
     display->LoadLocalImage(dir.filePath("missing.png"));
     EXPECT_EQ(display->LastErrorString(),
               "Error in LoadLocalImage: file " + dir.filePath("missing.png") + " does not exist");
@@ -275,13 +282,13 @@ TEST_F(Display, DefaultZoomAndFitOutsideEditing)
     click(vvb_DefaultZoom);
     EXPECT_EQ(display->Zoom(), 100.0f);
     // centred on the image centre
-    const QPointF centre = maths().toImage(QPointF(maths().visibleSize().width() / 2.0,
-                                                   maths().visibleSize().height() / 2.0));
+    const QPointF centre =
+        maths().toImage(QPointF(maths().visibleSize().width() / 2.0, maths().visibleSize().height() / 2.0));
     EXPECT_NEAR(centre.x(), 1296, 1.0);
     EXPECT_NEAR(centre.y(), 972, 1.0);
     click(vvb_FitImage);
-    EXPECT_EQ(display->Zoom(), nxr::ViewMaths::fitZoom(maths().usableArea().height(), maths().usableArea().width(),
-                                                       1944, 2592, false));
+    EXPECT_EQ(display->Zoom(), nxr::ViewMaths::fitZoom(maths().usableArea().height(),
+                                                       maths().usableArea().width(), 1944, 2592, false));
     ASSERT_EQ(pageClicks->count(), 2);
     EXPECT_EQ(pageClicks->at(0).at(0).toString(), "ZoomDefault");
     EXPECT_EQ(pageClicks->at(1).at(0).toString(), "ZoomFitImage");
@@ -476,7 +483,9 @@ TEST_F(Display, DiagnosticDumpOfTheViewRectangles)
     EXPECT_EQ(lines[1], "Source (L, T) (W, H)   = (0, 0) (2592, 1944)");
     EXPECT_TRUE(lines[2].startsWith("Dest. l(L, T) (W, H)    = (-100, -60)"));
     const QSize vis = maths().visibleSize();
-    EXPECT_EQ(lines[3], QString("SrcClip l(L, T) (W, H)  = (200, 120) (%1, %2)").arg(vis.width() * 2).arg(vis.height() * 2));
+    EXPECT_EQ(
+        lines[3],
+        QString("SrcClip l(L, T) (W, H)  = (200, 120) (%1, %2)").arg(vis.width() * 2).arg(vis.height() * 2));
 }
 
 // ---- layout and methods ----

@@ -59,8 +59,8 @@ TEST_P(NearestAtAndAbove100, EveryScreenPixelShowsTheImagePixelUnderItsCentre)
     const int scaledH = int(std::ceil(23 * s - 1e-6));
     for (int Y = 0; Y < view.height(); ++Y)
         for (int X = 0; X < view.width(); ++X) {
-            const bool inside = X >= origin.x() && X < origin.x() + scaledW && Y >= origin.y() &&
-                                Y < origin.y() + scaledH;
+            const bool inside =
+                X >= origin.x() && X < origin.x() + scaledW && Y >= origin.y() && Y < origin.y() + scaledH;
             QRgb expected = kBackground.rgb();
             if (inside) {
                 const int x = std::min(36, int(std::floor((X + 0.5 - origin.x()) / s)));
