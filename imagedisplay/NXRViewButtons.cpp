@@ -89,6 +89,12 @@ void NXRViewButtons::createButtons()
             m_cursorOptions[size_t(option++)] = b;
             m_cursorGroup->addButton(b, number);
             connect(b, &QToolButton::clicked, this, [this, number] { Q_EMIT OnButtonClicked(number); });
+        } else if (number == vvb_ContinuousAcquire) {
+            // Pressed or released is the page's to say (key "Live"), not the click's.
+            connect(b, &QToolButton::clicked, this, [this, b, number] {
+                b->setChecked(m_liveShown);
+                Q_EMIT OnButtonClicked(number);
+            });
         } else if (number == vvb_CrosshairOn || number == vvb_LaserOn) {
             connect(b, &QToolButton::clicked, this,
                     [this, number](bool checked) { Q_EMIT OnButtonClicked(checked ? number : number + 1); });
@@ -190,7 +196,10 @@ void NXRViewButtons::addKeys()
             [enabled] { return enabled(vvb_Acquire); })
         .add(QStringLiteral("Live"),
              boolKey(QStringLiteral("Live"),
-                     [this](bool on) { buttonControl(vvb_ContinuousAcquire)->setChecked(on); }),
+                     [this](bool on) {
+                         m_liveShown = on;
+                         buttonControl(vvb_ContinuousAcquire)->setChecked(on);
+                     }),
              [this] { return fromBool(buttonControl(vvb_ContinuousAcquire)->isChecked()); })
         .add(QStringLiteral("LiveEnabled"),
              boolKey(QStringLiteral("LiveEnabled"),

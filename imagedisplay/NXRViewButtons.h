@@ -50,4 +50,5 @@ private:
     std::array<QAbstractButton*, 20> m_controls{};
     std::array<QAbstractButton*, 4> m_cursorOptions{};
     QButtonGroup* m_cursorGroup = nullptr;
+    bool m_liveShown = false;
 };

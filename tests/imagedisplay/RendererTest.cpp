@@ -97,6 +97,23 @@ TEST(RendererReduction, HalfZoomShowsTheMeanOfEachTwoByTwoBlock)
     EXPECT_EQ(RasterRenderer::levelForZoom(400.0f), 0);
 }
 
+TEST(RendererReduction, ColourChannelsAreAveragedSeparately)
+{
+    QImage src(3, 2, QImage::Format_RGB32); // odd width: the last column repeats its edge
+    src.setPixel(0, 0, qRgb(255, 0, 10));
+    src.setPixel(1, 0, qRgb(255, 255, 20));
+    src.setPixel(0, 1, qRgb(254, 1, 30));
+    src.setPixel(1, 1, qRgb(0, 255, 41));
+    src.setPixel(2, 0, qRgb(7, 8, 9));
+    src.setPixel(2, 1, qRgb(9, 8, 7));
+    RasterRenderer r;
+    r.setImage(src);
+    const QImage& half = r.level(1);
+    ASSERT_EQ(half.size(), QSize(2, 1));
+    EXPECT_EQ(half.pixel(0, 0), qRgb(191, 128, 25)); // (764+2)/4, (511+2)/4, (101+2)/4
+    EXPECT_EQ(half.pixel(1, 0), qRgb(8, 8, 8));
+}
+
 TEST(RendererReduction, SmallZoomsKeepTheImageExtentAndColours)
 {
     const QImage src = pattern(QImage::Format_RGB32, 200, 120);

@@ -147,6 +147,8 @@ TEST_F(ViewButtons, StateKeys)
 
 TEST_F(ViewButtons, ClicksReportTheButtonNumber)
 {
+    control(vvb_ContinuousAcquire)->click(); // stays released until the page says "Live"
+    EXPECT_FALSE(control(vvb_ContinuousAcquire)->isChecked());
     control(vvb_Acquire)->click();
     control(vvb_MouseModeZoomOut)->click();
     control(vvb_CrosshairOn)->click(); // checks
@@ -154,8 +156,8 @@ TEST_F(ViewButtons, ClicksReportTheButtonNumber)
     control(vvb_LaserOn)->click();
     control(vvb_LaserOn)->click();
     control(vvb_Open)->click();
-    const QList<int> expected = {vvb_Acquire, vvb_MouseModeZoomOut, vvb_CrosshairOn, vvb_CrosshairOff,
-                                 vvb_LaserOn, vvb_LaserOff,         vvb_Open};
+    const QList<int> expected = {vvb_ContinuousAcquire, vvb_Acquire, vvb_MouseModeZoomOut, vvb_CrosshairOn,
+                                 vvb_CrosshairOff,      vvb_LaserOn, vvb_LaserOff,         vvb_Open};
     ASSERT_EQ(clicks->count(), expected.size());
     for (int i = 0; i < expected.size(); ++i)
         EXPECT_EQ(clicks->at(i).at(0).toInt(), expected[i]);
