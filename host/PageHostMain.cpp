@@ -1,0 +1,102 @@
+#include "host/PageHostMain.h"
+
+#include "frame/ClassRegistry.h"
+#include "host/HostOptions.h"
+#include "host/PageHost.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QTimer>
+
+#include <cstdio>
+#include <cstring>
+
+#ifndef NXR_HOST_VERSION
+#define NXR_HOST_VERSION "0"
+#endif
+#ifndef NXR_BUILD_ID
+#define NXR_BUILD_ID ""
+#endif
+
+namespace nxr {
+namespace {
+
+QtMessageHandler g_previousHandler = nullptr;
+
+// console.log/info/debug of the page go to standard output, console.warn/error to standard
+// error, each as its bare text; every other message keeps its usual way.
+void messageHandler(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    const bool fromScript = context.category
+        && (std::strcmp(context.category, "qml") == 0 || std::strcmp(context.category, "js") == 0);
+    if (!fromScript) {
+        if (g_previousHandler)
+            g_previousHandler(type, context, message);
+        return;
+    }
+    FILE* out = (type == QtDebugMsg || type == QtInfoMsg) ? stdout : stderr;
+    std::fprintf(out, "%s\n", message.toLocal8Bit().constData());
+    std::fflush(out);
+}
+
+bool hasFlag(int argc, char** argv, const char* flag)
+{
+    for (int i = 1; i < argc; ++i)
+        if (std::strcmp(argv[i], flag) == 0)
+            return true;
+    return false;
+}
+
+} // namespace
+
+int runPageHost(int argc, char** argv)
+{
+    const QString program = QFileInfo(QString::fromLocal8Bit(argc > 0 ? argv[0] : "nexaro-page")).fileName();
+    // These need no screen, so they are answered before one is opened.
+    if (hasFlag(argc, argv, "-h") || hasFlag(argc, argv, "--help")) {
+        std::fputs(HostOptions::helpText(program).toLocal8Bit().constData(), stdout);
+        return ExitOk;
+    }
+    if (hasFlag(argc, argv, "--version")) {
+        std::printf("%s %s (controller software %s)\n", program.toLocal8Bit().constData(), NXR_HOST_VERSION,
+                    NXR_BUILD_ID);
+        return ExitOk;
+    }
+    if (hasFlag(argc, argv, "--list-classes")) {
+        for (const QString& name : ClassRegistry::instance().names())
+            std::printf("%s\n", name.toLocal8Bit().constData());
+        return ExitOk;
+    }
+    // Headless without a display: the offscreen platform. Under Xvfb (DISPLAY set) the usual one.
+    if (HostOptions::wantsHeadless(argc, argv) && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")
+        && qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(program);
+    QApplication::setApplicationVersion(QStringLiteral(NXR_HOST_VERSION));
+
+    HostOptions options;
+    QString error;
+    if (!HostOptions::parse(QApplication::arguments().mid(1), &options, &error)) {
+        std::fprintf(stderr, "%s: %s\n", program.toLocal8Bit().constData(), error.toLocal8Bit().constData());
+        return ExitLoadFailed;
+    }
+
+    g_previousHandler = qInstallMessageHandler(messageHandler);
+    int exitCode = ExitOk;
+    {
+        PageHost host(options);
+        QApplication::setQuitOnLastWindowClosed(false);
+        QObject::connect(&app, &QGuiApplication::lastWindowClosed, &host, [&host] { host.requestExit(ExitOk); });
+        QObject::connect(&host, &PageHost::finished, &app, [](int code) { QCoreApplication::exit(code); });
+        // Started from the event loop, so that host.exit() and host.wait() in the page's first
+        // lines work on the real loop.
+        QTimer::singleShot(0, &host, &PageHost::start);
+        exitCode = QApplication::exec();
+    }
+    qInstallMessageHandler(g_previousHandler);
+    return exitCode;
+}
+
+} // namespace nxr

@@ -1,0 +1,54 @@
+#pragma once
+// What a page script reaches besides its controls: createObject() and the timer functions
+// (the globals of those names are thin JavaScript wrappers around this object), and the
+// rule that decides which objects the script may see at all.
+
+#include <QJSValue>
+#include <QObject>
+#include <QPointer>
+#include <QWidget>
+
+class QJSEngine;
+
+namespace nxr {
+
+class ScriptTimers;
+
+class ScriptRuntime : public QObject
+{
+    Q_OBJECT
+
+public:
+    ScriptRuntime(QJSEngine* engine, ScriptTimers* timers, QObject* parent = nullptr);
+
+    // The page window: parent of created controls (unless the script names one) and owner of
+    // created objects.
+    void setPageWindow(QWidget* window) { m_window = window; }
+
+    // The library's classes answer for themselves whether they are safe for scripting; Qt's own
+    // widgets of the form belong to the host and are always shown to the script.
+    static bool mayExpose(QObject* object, bool fromRegistry);
+    // The message printed for an object that is kept from the script.
+    static QString refusalMessage(const QString& name, const QString& className);
+
+    // Adds `object` as the global `name`, kept alive by C++ (the script never deletes it).
+    void exposeGlobal(const QString& name, QObject* object);
+
+    Q_INVOKABLE QJSValue createObject(const QString& className, QObject* parent);
+    Q_INVOKABLE int setTimer(const QJSValue& callback, const QJSValue& delay, bool repeat, const QJSValue& arguments);
+    Q_INVOKABLE void clearTimer(const QJSValue& id);
+
+    // JavaScript that defines createObject, setTimeout, setInterval, clearTimeout and clearInterval
+    // over the runtime object found in the global `runtimeName`.
+    static QString bootstrapScript(const QString& runtimeName);
+
+Q_SIGNALS:
+    void message(const QString& text);
+
+private:
+    QJSEngine* m_engine;
+    ScriptTimers* m_timers;
+    QPointer<QWidget> m_window;
+};
+
+} // namespace nxr
