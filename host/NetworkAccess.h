@@ -4,22 +4,20 @@
 // URL cache and cookie jar, and the host can tell whether requests are still under way.
 
 #include <QNetworkAccessManager>
-#include <QQmlNetworkAccessManagerFactory>
 
 #include <atomic>
 
 namespace nxr {
 
-class NetworkAccess : public QQmlNetworkAccessManagerFactory
+class NetworkAccess
 {
 public:
     NetworkAccess() = default;
     NetworkAccess(const NetworkAccess&) = delete;
     NetworkAccess& operator=(const NetworkAccess&) = delete;
 
-    // A new manager with the URL cache and the cookie jar attached (the QML engine asks for its
-    // own through this too).
-    QNetworkAccessManager* create(QObject* parent) override;
+    // A new manager with the URL cache and the cookie jar attached. The factory must outlive it.
+    QNetworkAccessManager* create(QObject* parent);
 
     // Requests started through managers of this factory and not finished yet.
     int requestsInFlight() const { return m_inFlight.load(); }

@@ -6,13 +6,15 @@
 #include "host/ScriptRuntime.h"
 #include "host/ScriptTimers.h"
 
+#include "frame/Trace.h"
+
 #include <QBuffer>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
 #include <QPixmap>
-#include <QQmlEngine>
+#include <QJSEngine>
 #include <QTest>
 #include <QVariantMap>
 
@@ -27,17 +29,19 @@ constexpr int kIdlePollMs = 50;
 constexpr int kIdleChecksToEnd = 4; // the page must stay idle this many polls in a row
 constexpr int kExposeWaitMs = 5000;
 
-QString scriptName(const QUrl& url) { return url.isLocalFile() ? url.toLocalFile() : url.toString(QUrl::RemoveUserInfo); }
+PageHost* g_current = nullptr;
+QtMessageHandler g_previousHandler = nullptr;
 
-QString displayFile(const QString& file)
+// The name a script is evaluated under: the engine turns any name into a file URL, so a remote
+// script gets its URL's path under a made-up folder and is shown by its real URL.
+QString evaluationName(const QUrl& url)
 {
-    const QUrl url(file);
     if (url.isLocalFile())
         return url.toLocalFile();
-    if (!url.scheme().isEmpty() && url.scheme().size() > 1)
-        return url.toDisplayString(QUrl::RemoveUserInfo);
-    return file;
+    return QStringLiteral("/remote/") + url.host() + url.path();
 }
+
+QString engineUrl(const QString& name) { return QUrl::fromLocalFile(name).toString(); }
 
 } // namespace
 
@@ -45,22 +49,20 @@ PageHost::PageHost(const HostOptions& options, QObject* parent)
     : QObject(parent)
     , m_options(options)
 {
-    m_engine = std::make_unique<QQmlEngine>();
-    m_engine->setNetworkAccessManagerFactory(&m_network);
-    m_engine->setOutputWarningsToStandardError(false);
-    // Errors thrown inside event handlers and XMLHttpRequest callbacks arrive here.
-    connect(m_engine.get(), &QQmlEngine::warnings, this, [this](const QList<QQmlError>& warnings) {
-        for (const QQmlError& w : warnings)
-            reportError(w.url().toString(), w.line(), w.description());
-    });
-    connect(m_engine.get(), &QQmlEngine::quit, this, [this] { requestExit(ExitOk); });
-    connect(m_engine.get(), &QQmlEngine::exit, this, [this](int code) { requestExit(code); });
+    m_engine = std::make_unique<QJSEngine>();
+    m_manager = m_network.create(this);
+    if (!g_current) {
+        g_current = this;
+        g_previousHandler = qInstallMessageHandler(&PageHost::messageHandler);
+    }
 
     m_timers = new ScriptTimers(this);
     connect(m_timers, &ScriptTimers::callbackFailed, this,
             [this](const QJSValue& error) { reportError(error, m_firstScript); });
     m_runtime = new ScriptRuntime(m_engine.get(), m_timers, this);
     connect(m_runtime, &ScriptRuntime::message, this, &PageHost::note);
+    connect(m_runtime, &ScriptRuntime::callbackFailed, this,
+            [this](const QJSValue& error) { reportError(error, m_firstScript); });
 
     HostAutomation::Callbacks callbacks;
     callbacks.screenshot = [this](const QString& path, QString* error) { return writeScreenshot(path, error); };
@@ -73,7 +75,7 @@ PageHost::PageHost(const HostOptions& options, QObject* parent)
         args.insert(it.key(), it.value());
     m_automation->setArgs(args);
 
-    m_source = new PageSource(m_network.create(this), this);
+    m_source = new PageSource(m_manager, this);
     connect(m_source, &PageSource::loaded, this, &PageHost::onLoaded);
     connect(m_source, &PageSource::failed, this, &PageHost::loadFailed);
 
@@ -85,8 +87,36 @@ PageHost::~PageHost()
 {
     // Script values die before their engine, the engine before the widgets it refers to.
     m_timers->stopAll();
+    if (g_current == this) {
+        qInstallMessageHandler(g_previousHandler);
+        g_current = nullptr;
+    }
     m_engine.reset();
     m_window.reset();
+}
+
+void PageHost::messageHandler(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (type == QtWarningMsg && g_current && g_current->takeEngineWarning(context, message))
+        return;
+    if (g_previousHandler)
+        g_previousHandler(type, context, message);
+    else
+        qt_message_output(type, context, message);
+}
+
+bool PageHost::takeEngineWarning(const QMessageLogContext& context, const QString& message)
+{
+    // The engine reports an exception of a connected handler as a warning located in the script:
+    // "<script url>:<line>: <error>".
+    if (!context.file)
+        return false;
+    const QString file = QString::fromUtf8(context.file);
+    if (!m_scriptNames.contains(file))
+        return false;
+    const QString prefix = file + QLatin1Char(':') + QString::number(context.line) + QStringLiteral(": ");
+    reportError(file, context.line, message.startsWith(prefix) ? message.mid(prefix.size()) : message);
+    return true;
 }
 
 void PageHost::start()
@@ -139,6 +169,7 @@ void PageHost::onLoaded(const PageFiles& files)
     else if (root->windowTitle().isEmpty())
         root->setWindowTitle(QFileInfo(files.formUrl.path()).completeBaseName());
     m_runtime->setPageWindow(root);
+    m_runtime->setNetwork(m_manager, files.formUrl);
     m_automation->setPageWindow(root);
     m_automation->setPageUrl(files.formUrl.toString(QUrl::RemoveUserInfo));
 
@@ -150,8 +181,8 @@ void PageHost::onLoaded(const PageFiles& files)
 
     m_runtime->exposeGlobal(kRuntimeGlobal, m_runtime);
     m_runtime->exposeGlobal(QStringLiteral("host"), m_automation);
-    const QJSValue boot = m_engine->evaluate(ScriptRuntime::bootstrapScript(kRuntimeGlobal),
-                                             kBootstrapFile);
+    m_scriptNames.insert(engineUrl(kBootstrapFile), kBootstrapFile);
+    const QJSValue boot = m_engine->evaluate(ScriptRuntime::bootstrapScript(kRuntimeGlobal), kBootstrapFile);
     if (boot.isError())
         reportError(boot, QString());
     exposeForm(loader);
@@ -183,14 +214,16 @@ void PageHost::exposeForm(const FormLoader& loader)
 
 void PageHost::runScripts(const PageFiles& files)
 {
+    for (const PageScript& script : files.scripts)
+        m_scriptNames.insert(engineUrl(evaluationName(script.url)), PageSource::displayUrl(script.url));
     if (!files.scripts.isEmpty())
-        m_firstScript = scriptName(files.scripts.first().url);
+        m_firstScript = engineUrl(evaluationName(files.scripts.first().url));
     for (const PageScript& script : files.scripts) {
         if (m_finishing)
             return;
-        const QJSValue result = m_engine->evaluate(script.text, scriptName(script.url), 1);
+        const QJSValue result = m_engine->evaluate(script.text, evaluationName(script.url), 1);
         if (result.isError())
-            reportError(result, scriptName(script.url));
+            reportError(result, engineUrl(evaluationName(script.url)));
     }
     m_scriptsDone = true;
     if (m_finishing)
@@ -232,7 +265,7 @@ void PageHost::reportError(const QString& file, int line, const QString& message
     if (m_finishing)
         return;
     ++m_errorCount;
-    const QString where = displayFile(file);
+    const QString where = m_scriptNames.value(file, file);
     const QString text = QStringLiteral("%1:%2: %3").arg(where.isEmpty() ? QStringLiteral("<script>") : where).arg(line).arg(message);
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
     std::fflush(stderr);

@@ -7,6 +7,8 @@
 #include "host/NetworkAccess.h"
 
 #include <QJSValue>
+#include <QMap>
+#include <QNetworkAccessManager>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
@@ -14,7 +16,8 @@
 
 #include <memory>
 
-class QQmlEngine;
+class QJSEngine;
+class QMessageLogContext;
 
 namespace nxr {
 
@@ -39,7 +42,7 @@ public:
     void requestExit(int code);
 
     QWidget* pageWindow() const { return m_window.get(); }
-    QQmlEngine* engine() const { return m_engine.get(); }
+    QJSEngine* engine() const { return m_engine.get(); }
     int scriptErrorCount() const { return m_errorCount; }
     bool isFinishing() const { return m_finishing; }
     bool writeScreenshot(const QString& path, QString* error);
@@ -61,10 +64,14 @@ private:
     void checkIdle();
     void finishNow();
     bool isIdle() const;
+    // Errors thrown by event handlers of the script reach the host as warnings of the engine.
+    static void messageHandler(QtMsgType type, const QMessageLogContext& context, const QString& message);
+    bool takeEngineWarning(const QMessageLogContext& context, const QString& message);
 
     HostOptions m_options;
-    NetworkAccess m_network; // outlives the engine, whose managers it counts
-    std::unique_ptr<QQmlEngine> m_engine;
+    NetworkAccess m_network; // outlives the managers it counts
+    QNetworkAccessManager* m_manager = nullptr;
+    std::unique_ptr<QJSEngine> m_engine;
     std::unique_ptr<QWidget> m_window;
     ScriptTimers* m_timers = nullptr;
     ScriptRuntime* m_runtime = nullptr;
@@ -72,6 +79,8 @@ private:
     PageSource* m_source = nullptr;
     QString m_pageDisplay;
     QString m_firstScript;
+    // The names the engine gives the page's scripts, and the names to show for them.
+    QMap<QString, QString> m_scriptNames;
     QTimer m_idleTimer;
     int m_idleChecks = 0;
     int m_errorCount = 0;

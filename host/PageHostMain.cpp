@@ -21,24 +21,6 @@
 namespace nxr {
 namespace {
 
-QtMessageHandler g_previousHandler = nullptr;
-
-// console.log/info/debug of the page go to standard output, console.warn/error to standard
-// error, each as its bare text; every other message keeps its usual way.
-void messageHandler(QtMsgType type, const QMessageLogContext& context, const QString& message)
-{
-    const bool fromScript = context.category
-        && (std::strcmp(context.category, "qml") == 0 || std::strcmp(context.category, "js") == 0);
-    if (!fromScript) {
-        if (g_previousHandler)
-            g_previousHandler(type, context, message);
-        return;
-    }
-    FILE* out = (type == QtDebugMsg || type == QtInfoMsg) ? stdout : stderr;
-    std::fprintf(out, "%s\n", message.toLocal8Bit().constData());
-    std::fflush(out);
-}
-
 bool hasFlag(int argc, char** argv, const char* flag)
 {
     for (int i = 1; i < argc; ++i)
@@ -83,7 +65,6 @@ int runPageHost(int argc, char** argv)
         return ExitLoadFailed;
     }
 
-    g_previousHandler = qInstallMessageHandler(messageHandler);
     int exitCode = ExitOk;
     {
         PageHost host(options);
@@ -95,7 +76,6 @@ int runPageHost(int argc, char** argv)
         QTimer::singleShot(0, &host, &PageHost::start);
         exitCode = QApplication::exec();
     }
-    qInstallMessageHandler(g_previousHandler);
     return exitCode;
 }
 

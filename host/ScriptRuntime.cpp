@@ -3,9 +3,12 @@
 #include "frame/ClassRegistry.h"
 #include "frame/ObjectSafety.h"
 #include "host/ScriptTimers.h"
+#include "host/ScriptXmlHttpRequest.h"
 
 #include <QJSEngine>
 #include <QLayout>
+
+#include <cstdio>
 
 namespace nxr {
 
@@ -14,6 +17,28 @@ ScriptRuntime::ScriptRuntime(QJSEngine* engine, ScriptTimers* timers, QObject* p
     , m_engine(engine)
     , m_timers(timers)
 {
+}
+
+void ScriptRuntime::setNetwork(QNetworkAccessManager* network, const QUrl& pageUrl)
+{
+    m_network = network;
+    m_pageUrl = pageUrl;
+}
+
+QJSValue ScriptRuntime::createRequest()
+{
+    auto* request = new ScriptXmlHttpRequest(m_engine, m_network, m_pageUrl, m_pageUrl.isLocalFile());
+    connect(request, &ScriptXmlHttpRequest::callbackFailed, this, &ScriptRuntime::callbackFailed);
+    QJSEngine::setObjectOwnership(request, QJSEngine::JavaScriptOwnership);
+    return m_engine->newQObject(request);
+}
+
+void ScriptRuntime::print(int level, const QString& text)
+{
+    FILE* out = level == 0 ? stdout : stderr;
+    std::fprintf(out, "%s\n", text.toLocal8Bit().constData());
+    std::fflush(out);
+    Q_EMIT consoleOutput(level, text);
 }
 
 bool ScriptRuntime::mayExpose(QObject* object, bool fromRegistry)
@@ -99,17 +124,53 @@ void ScriptRuntime::clearTimer(const QJSValue& id)
 
 QString ScriptRuntime::bootstrapScript(const QString& runtimeName)
 {
-    return QStringLiteral(
-               "(function (rt) {\n"
-               "  var slice = Array.prototype.slice;\n"
-               "  createObject = function (className, parent) {\n"
-               "    return rt.createObject(String(className), parent === undefined ? null : parent);\n"
-               "  };\n"
-               "  setTimeout = function (fn, ms) { return rt.setTimer(fn, ms, false, slice.call(arguments, 2)); };\n"
-               "  setInterval = function (fn, ms) { return rt.setTimer(fn, ms, true, slice.call(arguments, 2)); };\n"
-               "  clearTimeout = function (id) { rt.clearTimer(id); };\n"
-               "  clearInterval = function (id) { rt.clearTimer(id); };\n"
-               "})(%1);\n")
+    return QStringLiteral(R"JS((function (rt) {
+  var slice = Array.prototype.slice;
+  createObject = function (className, parent) {
+    return rt.createObject(String(className), parent === undefined ? null : parent);
+  };
+  setTimeout = function (fn, ms) { return rt.setTimer(fn, ms, false, slice.call(arguments, 2)); };
+  setInterval = function (fn, ms) { return rt.setTimer(fn, ms, true, slice.call(arguments, 2)); };
+  clearTimeout = function (id) { rt.clearTimer(id); };
+  clearInterval = function (id) { rt.clearTimer(id); };
+
+  function addEventListener(type, fn) {
+    if (typeof fn !== "function") return;
+    var all = this.__listeners || (this.__listeners = {});
+    var list = all[type] || (all[type] = []);
+    if (list.indexOf(fn) < 0) list.push(fn);
+  }
+  function removeEventListener(type, fn) {
+    var list = this.__listeners && this.__listeners[type];
+    var at = list ? list.indexOf(fn) : -1;
+    if (at >= 0) list.splice(at, 1);
+  }
+  XMLHttpRequest = function () {
+    var request = rt.createRequest();
+    request.addEventListener = addEventListener;
+    request.removeEventListener = removeEventListener;
+    return request;
+  };
+  XMLHttpRequest.UNSENT = 0; XMLHttpRequest.OPENED = 1; XMLHttpRequest.HEADERS_RECEIVED = 2;
+  XMLHttpRequest.LOADING = 3; XMLHttpRequest.DONE = 4;
+
+  function text(args) {
+    return slice.call(args).map(function (a) {
+      if (typeof a === "string") return a;
+      if (a === null || typeof a !== "object") return String(a);
+      if (a instanceof Error || (!Array.isArray(a) && a.toString !== Object.prototype.toString)) return String(a);
+      try { var json = JSON.stringify(a); return json === undefined ? String(a) : json; } catch (e) { return String(a); }
+    }).join(" ");
+  }
+  console = {
+    log: function () { rt.print(0, text(arguments)); },
+    info: function () { rt.print(0, text(arguments)); },
+    debug: function () { rt.print(0, text(arguments)); },
+    warn: function () { rt.print(1, text(arguments)); },
+    error: function () { rt.print(1, text(arguments)); }
+  };
+})(%1);
+)JS")
         .arg(runtimeName);
 }
 
