@@ -1,5 +1,7 @@
 #include "host/NetworkAccess.h"
 
+#include "frame/UrlCache.h"
+
 #include <QNetworkReply>
 
 #include <memory>
@@ -49,8 +51,7 @@ QNetworkAccessManager* NetworkAccess::create(QObject* parent)
 
 void NetworkAccess::attachCacheAndCookies(QNetworkAccessManager* manager)
 {
-    // TODO(url cache): attach nxr::UrlCache here once it is part of the library.
-    Q_UNUSED(manager);
+    UrlCache::instance().attachTo(manager);
 }
 
 } // namespace nxr
