@@ -45,6 +45,8 @@ PageRun PageRunner::run(const QStringList& arguments, int timeoutMs, const QStri
     // The URL cache and cookie jar of these runs stay inside the test's folder.
     env.insert(QStringLiteral("XDG_CACHE_HOME"), m_dir.filePath(QStringLiteral("cache")));
     env.insert(QStringLiteral("XDG_DATA_HOME"), m_dir.filePath(QStringLiteral("data")));
+    for (auto it = m_env.cbegin(); it != m_env.cend(); ++it)
+        env.insert(it.key(), it.value());
     process.setProcessEnvironment(env);
     process.setWorkingDirectory(m_dir.path());
     QEventLoop loop;

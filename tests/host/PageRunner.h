@@ -2,6 +2,7 @@
 // Writes pages into a temporary folder and runs a page host process on them, keeping this
 // process's event loop running (so a test's HTTP server answers meanwhile).
 
+#include <QMap>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -29,10 +30,13 @@ public:
     static QByteArray form(int width, int height, const QByteArray& items);
     static QByteArray item(const QByteArray& className, const QByteArray& name, const QByteArray& properties = {});
 
+    // Extra environment variables of the runs.
+    void setEnv(const QString& name, const QString& value) { m_env.insert(name, value); }
     PageRun run(const QStringList& arguments, int timeoutMs = 60000, const QString& program = {}) const;
     // A page folder `name` with page.ui and page.js, run headless with extra arguments.
     PageRun runPage(const QString& name, const QByteArray& ui, const QByteArray& js, const QStringList& extra = {}) const;
 
 private:
     QTemporaryDir m_dir;
+    QMap<QString, QString> m_env;
 };

@@ -42,6 +42,8 @@ void TestHttpServer::serve(QTcpSocket* socket)
     socket->setProperty("buffer", QByteArray());
     m_requests << request;
 
+    if (request.path == "/hang")
+        return; // never answers
     Answer answer;
     if (request.path == "/echo") {
         answer.body = request.method + " " + request.headers.value("x-test") + " " + request.body;

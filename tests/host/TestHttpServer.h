@@ -1,6 +1,6 @@
 #pragma once
 // A small HTTP/1.1 server on 127.0.0.1 for tests: fixed answers by path, "/echo" answers with
-// the request's method, a custom header and body; every request is recorded.
+// the request's method, a custom header and body, "/hang" never answers; every request is recorded.
 
 #include <QByteArray>
 #include <QList>

@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QImage>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <gtest/gtest.h>
@@ -324,4 +325,124 @@ TEST(HostPage, RunEndsByExitIdleTimeLimitOrTimeout)
     const PageRun badOption = runner.run({"--headless", "--exit-after", "soon", runner.path("exit")});
     EXPECT_RUN(badOption, 1);
     EXPECT_TRUE(badOption.err.contains("--exit-after needs a number")) << qPrintable(badOption.err);
+}
+
+TEST(HostPage, XmlHttpRequestFailuresTimeoutsAndVariants)
+{
+    TestHttpServer server;
+    server.set("/json", {200, "application/json", R"({"list": [1, 2]})"});
+    PageRunner runner;
+    runner.write("variants/local.txt", "beside the page");
+    const PageRun run = runner.runPage(QStringLiteral("variants"), PageRunner::form(300, 200, {}), R"JS(
+var base = host.args.base;
+var log = [];
+function step(name, fn) { steps.push([name, fn]); }
+var steps = [];
+function next() {
+  if (steps.length === 0) { console.log(log.join("\n")); return; }
+  var s = steps.shift();
+  s[1](function (line) { log.push(s[0] + ": " + line); next(); });
+}
+step("refused", function (done) {
+  var x = new XMLHttpRequest();
+  x.onerror = function () { done("error status " + x.status + " state " + x.readyState); };
+  x.onload = function () { done("loaded?"); };
+  x.open("GET", "http://127.0.0.1:1/");
+  console.log("before send " + x.readyState + " " + x.status);
+  x.send();
+});
+step("timeout", function (done) {
+  var x = new XMLHttpRequest();
+  x.timeout = 200;
+  x.ontimeout = function () { done("timed out, status " + x.status); };
+  x.open("GET", base + "/hang");
+  x.send();
+});
+step("abort", function (done) {
+  var x = new XMLHttpRequest();
+  var events = [];
+  x.addEventListener("abort", function (e) { events.push(e.type + " " + x.readyState); });
+  x.onloadend = function () { events.push("loadend"); };
+  x.open("GET", base + "/hang");
+  x.send();
+  x.abort();
+  done(events.join(",") + " then state " + x.readyState);
+});
+step("json", function (done) {
+  var x = new XMLHttpRequest();
+  x.responseType = "json";
+  x.addEventListener("load", function () {
+    done(x.response.list.length + " " + x.getResponseHeader("content-type") + " " + x.getResponseHeader("nope"));
+  });
+  x.open("GET", base + "/json");
+  x.send();
+});
+step("sync", function (done) {
+  var x = new XMLHttpRequest();
+  x.open("GET", base + "/json", false);
+  x.send();
+  done(x.readyState + " " + x.status + " " + x.responseText);
+});
+step("local", function (done) {
+  var x = new XMLHttpRequest();
+  x.onload = function () { done(x.status + " " + x.responseText); };
+  x.open("GET", "local.txt");
+  x.send();
+});
+step("misuse", function (done) {
+  var x = new XMLHttpRequest();
+  try { x.send(); } catch (e) { done(String(e)); }
+});
+next();
+)JS",
+                                       {"--script-arg", "base=" + server.url("")});
+    EXPECT_RUN(run, 0);
+    EXPECT_EQ(run.outLines(), (QStringList{
+                                  "before send 1 0",
+                                  "refused: error status 0 state 4",
+                                  "timeout: timed out, status 0",
+                                  "abort: abort 4,loadend then state 0",
+                                  "json: 2 application/json null",
+                                  "sync: 4 200 {\"list\": [1, 2]}",
+                                  "local: 200 beside the page",
+                                  "misuse: Error: InvalidStateError: send() needs open() first",
+                              }));
+}
+
+TEST(HostPage, FirstPageShowsTheHelperObjectsFindings)
+{
+    PageRunner runner;
+    runner.setEnv(QStringLiteral("TORVIK_LANG"), QStringLiteral("kn"));
+    const QString shot = runner.path("first.png");
+    const PageRun run = runner.run({"--headless", "--screenshot", shot, QStringLiteral(PAGES_DIR "/first-page")}, 60000,
+                                   QStringLiteral(NEXARO_PAGE));
+    EXPECT_RUN(run, 0);
+    EXPECT_TRUE(run.outLines().contains("version 64 served: true, version 65 served: false")) << qPrintable(run.out);
+    EXPECT_TRUE(run.outLines().contains("TORVIK_LANG: kn")) << qPrintable(run.out);
+    const QString buildLine = lineStartingWith(run, "controller software: ");
+    EXPECT_TRUE(QRegularExpression("^controller software: V\\d\\.\\d\\d[A-Z]/\\d\\d$").match(buildLine).hasMatch())
+        << qPrintable(buildLine);
+    EXPECT_EQ(QImage(shot).size(), QSize(560, 300));
+
+    // Driven like a user: another script on the same page types a version number, clicks Check
+    // and picks a language with the keyboard.
+    runner.write("drive/drive.js", R"JS(
+host.key(spn_VNUM, "Ctrl+A");
+host.type(spn_VNUM, "65");
+host.click(cmd_Check, 4, 4);
+console.log(spn_VNUM.value + ": " + lbl_VNUMResult.text);
+host.key(spn_VNUM, "Down");
+console.log(spn_VNUM.value + ": " + lbl_VNUMResult.text);
+host.key(cmb_Language, "Down");
+console.log("language: " + lbl_Language.text);
+)JS");
+    runner.write("drive/page.json", QStringLiteral(R"({"form": "%1/first-page/first-page.ui",
+        "script": ["%1/first-page/first-page.js", "drive.js"]})")
+                                        .arg(QStringLiteral(PAGES_DIR))
+                                        .toUtf8());
+    const PageRun driven = runner.run({"--headless", runner.path("drive")}, 60000, QStringLiteral(NEXARO_PAGE));
+    EXPECT_RUN(driven, 0);
+    EXPECT_TRUE(driven.outLines().contains("65: not served by this library")) << qPrintable(driven.out);
+    EXPECT_TRUE(driven.outLines().contains("64: served by this library")) << qPrintable(driven.out);
+    EXPECT_TRUE(driven.outLines().contains("language: \"default\"")) << qPrintable(driven.out);
 }
