@@ -6,10 +6,7 @@
 
 namespace nxr {
 
-FormLoader::FormLoader(QObject* parent)
-    : QUiLoader(parent)
-{
-}
+FormLoader::FormLoader(QObject* parent) : QUiLoader(parent) {}
 
 QWidget* FormLoader::createWidget(const QString& className, QWidget* parent, const QString& name)
 {
@@ -31,7 +28,8 @@ QWidget* FormLoader::createWidget(const QString& className, QWidget* parent, con
         return widget;
     }
     if (!availableWidgets().contains(className))
-        m_messages << QStringLiteral("%1: unknown class %2, a plain widget stands in for it").arg(name, className);
+        m_messages
+            << QStringLiteral("%1: unknown class %2, a plain widget stands in for it").arg(name, className);
     QWidget* widget = QUiLoader::createWidget(className, parent, name);
     if (widget)
         m_created << Created{widget, className, false};

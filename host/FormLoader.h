@@ -16,7 +16,8 @@ class FormLoader : public QUiLoader
 public:
     explicit FormLoader(QObject* parent = nullptr);
 
-    QWidget* createWidget(const QString& className, QWidget* parent = nullptr, const QString& name = QString()) override;
+    QWidget* createWidget(const QString& className, QWidget* parent = nullptr,
+                          const QString& name = QString()) override;
 
     struct Created
     {

@@ -21,24 +21,28 @@ int g_mouseTimestamp = 1000;
 constexpr int kDoubleClickGap = 1000;
 constexpr int kDragSteps = 8;
 
-QPoint rounded(double x, double y) { return QPoint(int(std::lround(x)), int(std::lround(y))); }
+QPoint rounded(double x, double y)
+{
+    return QPoint(int(std::lround(x)), int(std::lround(y)));
+}
 
 } // namespace
 
 HostAutomation::HostAutomation(QJSEngine* engine, Callbacks callbacks, QObject* parent)
-    : QObject(parent)
-    , m_engine(engine)
-    , m_callbacks(std::move(callbacks))
-{
-}
+    : QObject(parent), m_engine(engine), m_callbacks(std::move(callbacks))
+{}
 
-void HostAutomation::fail(const QString& message) { m_engine->throwError(message); }
+void HostAutomation::fail(const QString& message)
+{
+    m_engine->throwError(message);
+}
 
 bool HostAutomation::resolve(const char* routine, QObject* target, double x, double y, Target* out)
 {
     auto* widget = qobject_cast<QWidget*>(target);
     if (!widget) {
-        fail(QStringLiteral("host.%1: the first argument must be a control of the page").arg(QLatin1String(routine)));
+        fail(QStringLiteral("host.%1: the first argument must be a control of the page")
+                 .arg(QLatin1String(routine)));
         return false;
     }
     if (!std::isfinite(x) || !std::isfinite(y)) {
@@ -144,13 +148,17 @@ void HostAutomation::release(QObject* target, double x, double y, const QString&
     mouse("release", Action::Release, target, x, y, button);
 }
 
-void HostAutomation::move(QObject* target, double x, double y) { mouse("move", Action::Move, target, x, y, {}); }
+void HostAutomation::move(QObject* target, double x, double y)
+{
+    mouse("move", Action::Move, target, x, y, {});
+}
 
 void HostAutomation::drag(QObject* target, double x1, double y1, double x2, double y2, const QString& button)
 {
     Target t;
     Qt::MouseButton b = Qt::NoButton;
-    if (!resolve("drag", target, x1, y1, &t) || !resolve("drag", target, x2, y2, &t) || !parseButton("drag", button, &b))
+    if (!resolve("drag", target, x1, y1, &t) || !resolve("drag", target, x2, y2, &t) ||
+        !parseButton("drag", button, &b))
         return;
     QPointer<QObject> guard(target);
     mouse("drag", Action::Press, target, x1, y1, button);
@@ -177,8 +185,8 @@ void HostAutomation::wheel(QObject* target, double x, double y, int steps)
     const int notch = steps < 0 ? -QWheelEvent::DefaultDeltasPerStep : QWheelEvent::DefaultDeltasPerStep;
     QPointer<QWidget> guard(receiver);
     for (int i = 0; i < std::abs(steps) && guard; ++i) {
-        QWheelEvent event(pos, global, QPoint(), QPoint(0, notch), Qt::NoButton, QGuiApplication::keyboardModifiers(),
-                          Qt::NoScrollPhase, false);
+        QWheelEvent event(pos, global, QPoint(), QPoint(0, notch), Qt::NoButton,
+                          QGuiApplication::keyboardModifiers(), Qt::NoScrollPhase, false);
         QApplication::sendEvent(receiver, &event);
     }
     QCoreApplication::processEvents();
@@ -247,6 +255,9 @@ void HostAutomation::screenshot(const QString& path)
         fail(QStringLiteral("host.screenshot: %1").arg(error));
 }
 
-void HostAutomation::exit(int code) { m_callbacks.exit(code); }
+void HostAutomation::exit(int code)
+{
+    m_callbacks.exit(code);
+}
 
 } // namespace nxr

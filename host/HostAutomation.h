@@ -47,10 +47,14 @@ public:
     // Nested host.wait() calls now running.
     int waitDepth() const { return m_waitDepth; }
 
-    Q_INVOKABLE void click(QObject* target, double x, double y, const QString& button = QStringLiteral("left"));
-    Q_INVOKABLE void doubleClick(QObject* target, double x, double y, const QString& button = QStringLiteral("left"));
-    Q_INVOKABLE void press(QObject* target, double x, double y, const QString& button = QStringLiteral("left"));
-    Q_INVOKABLE void release(QObject* target, double x, double y, const QString& button = QStringLiteral("left"));
+    Q_INVOKABLE void click(QObject* target, double x, double y,
+                           const QString& button = QStringLiteral("left"));
+    Q_INVOKABLE void doubleClick(QObject* target, double x, double y,
+                                 const QString& button = QStringLiteral("left"));
+    Q_INVOKABLE void press(QObject* target, double x, double y,
+                           const QString& button = QStringLiteral("left"));
+    Q_INVOKABLE void release(QObject* target, double x, double y,
+                             const QString& button = QStringLiteral("left"));
     Q_INVOKABLE void move(QObject* target, double x, double y);
     Q_INVOKABLE void drag(QObject* target, double x1, double y1, double x2, double y2,
                           const QString& button = QStringLiteral("left"));
@@ -71,7 +75,8 @@ private:
     };
     bool resolve(const char* routine, QObject* target, double x, double y, Target* out);
     bool parseButton(const char* routine, const QString& name, Qt::MouseButton* out);
-    void mouse(const char* routine, Action action, QObject* target, double x, double y, const QString& button);
+    void mouse(const char* routine, Action action, QObject* target, double x, double y,
+               const QString& button);
     void fail(const QString& message);
 
     QJSEngine* m_engine;

@@ -9,11 +9,11 @@ namespace nxr {
 
 struct HostOptions
 {
-    QString page;                 // folder, .ui file, page.json or http(s) URL
-    bool headless = false;        // no user: ends when the page is idle, on host.exit() or --exit-after
-    QString screenshotPath;       // written when the run ends
-    int exitAfterMs = -1;         // end the run after this many milliseconds (-1: never)
-    int timeoutMs = 60000;        // headless only: a run still busy after this long fails
+    QString page;           // folder, .ui file, page.json or http(s) URL
+    bool headless = false;  // no user: ends when the page is idle, on host.exit() or --exit-after
+    QString screenshotPath; // written when the run ends
+    int exitAfterMs = -1;   // end the run after this many milliseconds (-1: never)
+    int timeoutMs = 60000;  // headless only: a run still busy after this long fails
     QMap<QString, QString> scriptArgs;
     bool showHelp = false;
     bool showVersion = false;

@@ -13,13 +13,12 @@ class CountingNetworkAccessManager : public QNetworkAccessManager
 {
 public:
     CountingNetworkAccessManager(NetworkAccess* factory, QObject* parent)
-        : QNetworkAccessManager(parent)
-        , m_factory(factory)
-    {
-    }
+        : QNetworkAccessManager(parent), m_factory(factory)
+    {}
 
 protected:
-    QNetworkReply* createRequest(Operation op, const QNetworkRequest& request, QIODevice* outgoingData) override
+    QNetworkReply* createRequest(Operation op, const QNetworkRequest& request,
+                                 QIODevice* outgoingData) override
     {
         QNetworkReply* reply = QNetworkAccessManager::createRequest(op, request, outgoingData);
         if (reply && !reply->isFinished()) {

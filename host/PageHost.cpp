@@ -13,8 +13,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
-#include <QPixmap>
 #include <QJSEngine>
+#include <QPixmap>
 #include <QTest>
 #include <QVariantMap>
 
@@ -41,13 +41,14 @@ QString evaluationName(const QUrl& url)
     return QStringLiteral("/remote/") + url.host() + url.path();
 }
 
-QString engineUrl(const QString& name) { return QUrl::fromLocalFile(name).toString(); }
+QString engineUrl(const QString& name)
+{
+    return QUrl::fromLocalFile(name).toString();
+}
 
 } // namespace
 
-PageHost::PageHost(const HostOptions& options, QObject* parent)
-    : QObject(parent)
-    , m_options(options)
+PageHost::PageHost(const HostOptions& options, QObject* parent) : QObject(parent), m_options(options)
 {
     m_engine = std::make_unique<QJSEngine>();
     m_manager = m_network.create(this);
@@ -65,7 +66,9 @@ PageHost::PageHost(const HostOptions& options, QObject* parent)
             [this](const QJSValue& error) { reportError(error, m_firstScript); });
 
     HostAutomation::Callbacks callbacks;
-    callbacks.screenshot = [this](const QString& path, QString* error) { return writeScreenshot(path, error); };
+    callbacks.screenshot = [this](const QString& path, QString* error) {
+        return writeScreenshot(path, error);
+    };
     callbacks.exit = [this](int code) { requestExit(code); };
     callbacks.exiting = [this] { return m_finishing; };
     m_automation = new HostAutomation(m_engine.get(), callbacks, this);
@@ -128,8 +131,9 @@ void PageHost::start()
             if (m_finishing)
                 return;
             auto yesNo = [](bool b) { return b ? QStringLiteral("yes") : QStringLiteral("no"); };
-            note(QStringLiteral("timed out after %1 ms: the page is still busy (scripts done: %2, timers pending: "
-                                "%3, requests under way: %4); end the run with host.exit() or --exit-after")
+            note(QStringLiteral(
+                     "timed out after %1 ms: the page is still busy (scripts done: %2, timers pending: "
+                     "%3, requests under way: %4); end the run with host.exit() or --exit-after")
                      .arg(m_options.timeoutMs)
                      .arg(yesNo(m_scriptsDone), yesNo(m_timers->hasPending()))
                      .arg(m_network.requestsInFlight()));
@@ -205,7 +209,8 @@ void PageHost::exposeForm(const FormLoader& loader)
             continue;
         }
         if (m_engine->globalObject().hasProperty(name)) {
-            note(QStringLiteral("%1: the name is taken by the host, the control is not given to the script").arg(name));
+            note(QStringLiteral("%1: the name is taken by the host, the control is not given to the script")
+                     .arg(name));
             continue;
         }
         m_runtime->exposeGlobal(name, widget);
@@ -243,7 +248,8 @@ void PageHost::reportError(const QJSValue& error, const QString& fallbackFile)
     // An error raised inside the host's own wrappers (setTimeout...) is the page's error at the
     // line that called them: the first stack frame ("function@file:line") outside the wrappers.
     if (file.endsWith(kBootstrapFile)) {
-        const QStringList frames = error.property(QStringLiteral("stack")).toString().split(QLatin1Char('\n'));
+        const QStringList frames =
+            error.property(QStringLiteral("stack")).toString().split(QLatin1Char('\n'));
         for (const QString& frame : frames) {
             const int at = frame.indexOf(QLatin1Char('@'));
             const int colon = frame.lastIndexOf(QLatin1Char(':'));
@@ -266,7 +272,10 @@ void PageHost::reportError(const QString& file, int line, const QString& message
         return;
     ++m_errorCount;
     const QString where = m_scriptNames.value(file, file);
-    const QString text = QStringLiteral("%1:%2: %3").arg(where.isEmpty() ? QStringLiteral("<script>") : where).arg(line).arg(message);
+    const QString text = QStringLiteral("%1:%2: %3")
+                             .arg(where.isEmpty() ? QStringLiteral("<script>") : where)
+                             .arg(line)
+                             .arg(message);
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
     std::fflush(stderr);
     Q_EMIT scriptError(where, line, message);
@@ -282,8 +291,8 @@ void PageHost::note(const QString& text)
 
 bool PageHost::isIdle() const
 {
-    return m_scriptsDone && !m_timers->hasPending() && m_network.requestsInFlight() == 0
-        && m_automation->waitDepth() == 0;
+    return m_scriptsDone && !m_timers->hasPending() && m_network.requestsInFlight() == 0 &&
+           m_automation->waitDepth() == 0;
 }
 
 void PageHost::checkIdle()
@@ -314,7 +323,8 @@ bool PageHost::writeScreenshot(const QString& path, QString* error)
     }
     const QFileInfo info(path);
     if (!QDir().mkpath(info.absolutePath())) {
-        *error = QStringLiteral("cannot create the folder %1").arg(QDir::toNativeSeparators(info.absolutePath()));
+        *error =
+            QStringLiteral("cannot create the folder %1").arg(QDir::toNativeSeparators(info.absolutePath()));
         return false;
     }
     const QImage image = m_window->grab().toImage();
@@ -326,8 +336,9 @@ bool PageHost::writeScreenshot(const QString& path, QString* error)
         *error = QStringLiteral("cannot write %1").arg(QDir::toNativeSeparators(info.absoluteFilePath()));
         return false;
     }
-    std::printf("screenshot written to %s (%dx%d)\n", QDir::toNativeSeparators(info.absoluteFilePath()).toLocal8Bit().constData(),
-                image.width(), image.height());
+    std::printf("screenshot written to %s (%dx%d)\n",
+                QDir::toNativeSeparators(info.absoluteFilePath()).toLocal8Bit().constData(), image.width(),
+                image.height());
     std::fflush(stdout);
     return true;
 }

@@ -50,8 +50,8 @@ int runPageHost(int argc, char** argv)
         return ExitOk;
     }
     // Headless without a display: the offscreen platform. Under Xvfb (DISPLAY set) the usual one.
-    if (HostOptions::wantsHeadless(argc, argv) && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")
-        && qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+    if (HostOptions::wantsHeadless(argc, argv) && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") &&
+        qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 
     QApplication app(argc, argv);
@@ -69,7 +69,8 @@ int runPageHost(int argc, char** argv)
     {
         PageHost host(options);
         QApplication::setQuitOnLastWindowClosed(false);
-        QObject::connect(&app, &QGuiApplication::lastWindowClosed, &host, [&host] { host.requestExit(ExitOk); });
+        QObject::connect(&app, &QGuiApplication::lastWindowClosed, &host,
+                         [&host] { host.requestExit(ExitOk); });
         QObject::connect(&host, &PageHost::finished, &app, [](int code) { QCoreApplication::exit(code); });
         // Started from the event loop, so that host.exit() and host.wait() in the page's first
         // lines work on the real loop.

@@ -36,16 +36,13 @@ QString withSuffix(const QString& path, const QString& suffix)
 
 } // namespace
 
-PageSource::PageSource(QNetworkAccessManager* network, QObject* parent)
-    : QObject(parent)
-    , m_network(network)
-{
-}
+PageSource::PageSource(QNetworkAccessManager* network, QObject* parent) : QObject(parent), m_network(network)
+{}
 
 bool PageSource::isRemote(const QString& page)
 {
-    return page.startsWith(QLatin1String("http://"), Qt::CaseInsensitive)
-        || page.startsWith(QLatin1String("https://"), Qt::CaseInsensitive);
+    return page.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
+           page.startsWith(QLatin1String("https://"), Qt::CaseInsensitive);
 }
 
 QString PageSource::displayUrl(const QUrl& url)
@@ -122,10 +119,12 @@ bool PageSource::readLocal(const QString& page, PageFiles* files, QString* error
             const QStringList forms = dir.entryList({QStringLiteral("*.ui")}, QDir::Files, QDir::Name);
             const QStringList scripts = dir.entryList({QStringLiteral("*.js")}, QDir::Files, QDir::Name);
             if (forms.size() != 1) {
-                *error = forms.isEmpty()
-                    ? QStringLiteral("%1 holds no .ui form and no page.json").arg(QDir::toNativeSeparators(dir.path()))
-                    : QStringLiteral("%1 holds several forms (%2); name one in page.json")
-                          .arg(QDir::toNativeSeparators(dir.path()), forms.join(QStringLiteral(", ")));
+                *error =
+                    forms.isEmpty()
+                        ? QStringLiteral("%1 holds no .ui form and no page.json")
+                              .arg(QDir::toNativeSeparators(dir.path()))
+                        : QStringLiteral("%1 holds several forms (%2); name one in page.json")
+                              .arg(QDir::toNativeSeparators(dir.path()), forms.join(QStringLiteral(", ")));
                 return false;
             }
             if (scripts.size() > 1) {
@@ -212,7 +211,8 @@ void PageSource::load(const QString& page)
     }
     QUrl descriptionUrl = url;
     if (!path.endsWith(QLatin1String(".json"), Qt::CaseInsensitive))
-        descriptionUrl.setPath((path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/')) + kDescriptionName);
+        descriptionUrl.setPath((path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/')) +
+                               kDescriptionName);
     fetch(descriptionUrl, [this, descriptionUrl](const QByteArray& json) {
         QString error;
         if (!parseDescription(json, descriptionUrl, &m_description, &error)) {
@@ -250,8 +250,8 @@ void PageSource::fetchNextScript()
 
 void PageSource::fetch(const QUrl& url, std::function<void(const QByteArray&)> next)
 {
-    if (url.scheme().compare(QLatin1String("http"), Qt::CaseInsensitive) != 0
-        && url.scheme().compare(QLatin1String("https"), Qt::CaseInsensitive) != 0) {
+    if (url.scheme().compare(QLatin1String("http"), Qt::CaseInsensitive) != 0 &&
+        url.scheme().compare(QLatin1String("https"), Qt::CaseInsensitive) != 0) {
         fail(QStringLiteral("a remote page can only refer to http(s) files, not %1").arg(displayUrl(url)));
         return;
     }
@@ -265,12 +265,13 @@ void PageSource::fetch(const QUrl& url, std::function<void(const QByteArray&)> n
             m_reply = nullptr;
         const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
         if (reply->error() != QNetworkReply::NoError || (status != 0 && (status < 200 || status > 299))) {
-            const QString reason = status != 0
-                ? QStringLiteral("HTTP %1 %2")
-                      .arg(status)
-                      .arg(reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString())
-                      .trimmed()
-                : reply->errorString();
+            const QString reason =
+                status != 0
+                    ? QStringLiteral("HTTP %1 %2")
+                          .arg(status)
+                          .arg(reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString())
+                          .trimmed()
+                    : reply->errorString();
             fail(QStringLiteral("cannot fetch %1: %2").arg(displayUrl(url), reason));
             return;
         }

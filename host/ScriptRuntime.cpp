@@ -13,11 +13,8 @@
 namespace nxr {
 
 ScriptRuntime::ScriptRuntime(QJSEngine* engine, ScriptTimers* timers, QObject* parent)
-    : QObject(parent)
-    , m_engine(engine)
-    , m_timers(timers)
-{
-}
+    : QObject(parent), m_engine(engine), m_timers(timers)
+{}
 
 void ScriptRuntime::setNetwork(QNetworkAccessManager* network, const QUrl& pageUrl)
 {
@@ -66,16 +63,18 @@ QJSValue ScriptRuntime::createObject(const QString& className, QObject* parent)
 {
     const ClassRegistry& registry = ClassRegistry::instance();
     if (!registry.contains(className)) {
-        m_engine->throwError(QJSValue::TypeError,
-                             QStringLiteral("createObject: no class named \"%1\" (see --list-classes)").arg(className));
+        m_engine->throwError(
+            QJSValue::TypeError,
+            QStringLiteral("createObject: no class named \"%1\" (see --list-classes)").arg(className));
         return QJSValue();
     }
     QWidget* parentWidget = nullptr;
     if (parent) {
         parentWidget = qobject_cast<QWidget*>(parent);
         if (!parentWidget) {
-            m_engine->throwError(QJSValue::TypeError,
-                                 QStringLiteral("createObject: the parent of %1 must be a widget").arg(className));
+            m_engine->throwError(
+                QJSValue::TypeError,
+                QStringLiteral("createObject: the parent of %1 must be a widget").arg(className));
             return QJSValue();
         }
     }
@@ -100,12 +99,13 @@ QJSValue ScriptRuntime::createObject(const QString& className, QObject* parent)
     return m_engine->newQObject(object);
 }
 
-int ScriptRuntime::setTimer(const QJSValue& callback, const QJSValue& delay, bool repeat, const QJSValue& arguments)
+int ScriptRuntime::setTimer(const QJSValue& callback, const QJSValue& delay, bool repeat,
+                            const QJSValue& arguments)
 {
     if (!callback.isCallable()) {
-        m_engine->throwError(QJSValue::TypeError, QStringLiteral("%1: the first argument must be a function")
-                                                      .arg(repeat ? QLatin1String("setInterval")
-                                                                  : QLatin1String("setTimeout")));
+        m_engine->throwError(QJSValue::TypeError,
+                             QStringLiteral("%1: the first argument must be a function")
+                                 .arg(repeat ? QLatin1String("setInterval") : QLatin1String("setTimeout")));
         return 0;
     }
     QJSValueList list;

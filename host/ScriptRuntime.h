@@ -40,7 +40,8 @@ public:
     void exposeGlobal(const QString& name, QObject* object);
 
     Q_INVOKABLE QJSValue createObject(const QString& className, QObject* parent);
-    Q_INVOKABLE int setTimer(const QJSValue& callback, const QJSValue& delay, bool repeat, const QJSValue& arguments);
+    Q_INVOKABLE int setTimer(const QJSValue& callback, const QJSValue& delay, bool repeat,
+                             const QJSValue& arguments);
     Q_INVOKABLE void clearTimer(const QJSValue& id);
     Q_INVOKABLE QJSValue createRequest();
     // console output: level 0 to standard output, 1 to standard error.

@@ -6,8 +6,7 @@
 
 namespace nxr {
 
-ScriptTimers::ScriptTimers(QObject* parent)
-    : QObject(parent)
+ScriptTimers::ScriptTimers(QObject* parent) : QObject(parent)
 {
     m_clock.start();
     m_timer.setSingleShot(true);
@@ -19,7 +18,8 @@ int ScriptTimers::add(const QJSValue& callback, double delayMs, bool repeat, con
 {
     if (m_stopped)
         return 0;
-    const double clamped = std::isfinite(delayMs) ? std::clamp(delayMs, 0.0, double(std::numeric_limits<int>::max())) : 0.0;
+    const double clamped =
+        std::isfinite(delayMs) ? std::clamp(delayMs, 0.0, double(std::numeric_limits<int>::max())) : 0.0;
     Entry entry;
     entry.id = ++m_lastId;
     entry.interval = qint64(clamped);
@@ -37,7 +37,8 @@ int ScriptTimers::add(const QJSValue& callback, double delayMs, bool repeat, con
 
 void ScriptTimers::clear(int id)
 {
-    const auto it = std::find_if(m_entries.begin(), m_entries.end(), [id](const Entry& e) { return e.id == id; });
+    const auto it =
+        std::find_if(m_entries.begin(), m_entries.end(), [id](const Entry& e) { return e.id == id; });
     if (it == m_entries.end())
         return;
     m_entries.erase(it);
@@ -62,7 +63,8 @@ void ScriptTimers::runDue()
         for (auto it = m_entries.begin(); it != m_entries.end(); ++it) {
             if (it->due > now || it->order >= roundEnd)
                 continue;
-            if (next == m_entries.end() || it->due < next->due || (it->due == next->due && it->order < next->order))
+            if (next == m_entries.end() || it->due < next->due ||
+                (it->due == next->due && it->order < next->order))
                 next = it;
         }
         if (next == m_entries.end())

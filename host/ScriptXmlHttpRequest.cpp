@@ -25,30 +25,43 @@ bool isToken(const QString& text)
 // Headers a page may not set; as in browsers they are dropped without a word.
 bool isForbiddenHeader(const QByteArray& lower)
 {
-    static const QList<QByteArray> forbidden{"accept-charset", "accept-encoding", "connection", "content-length",
-                                             "cookie",         "cookie2",         "date",       "expect",
-                                             "host",           "keep-alive",      "te",         "trailer",
-                                             "transfer-encoding", "upgrade",      "via"};
+    static const QList<QByteArray> forbidden{"accept-charset",
+                                             "accept-encoding",
+                                             "connection",
+                                             "content-length",
+                                             "cookie",
+                                             "cookie2",
+                                             "date",
+                                             "expect",
+                                             "host",
+                                             "keep-alive",
+                                             "te",
+                                             "trailer",
+                                             "transfer-encoding",
+                                             "upgrade",
+                                             "via"};
     return forbidden.contains(lower) || lower.startsWith("proxy-") || lower.startsWith("sec-");
 }
 
 } // namespace
 
-ScriptXmlHttpRequest::ScriptXmlHttpRequest(QJSEngine* engine, QNetworkAccessManager* network, const QUrl& base,
-                                           bool allowLocalFiles, QObject* parent)
-    : QObject(parent)
-    , m_engine(engine)
-    , m_network(network)
-    , m_base(base)
-    , m_allowLocalFiles(allowLocalFiles)
+ScriptXmlHttpRequest::ScriptXmlHttpRequest(QJSEngine* engine, QNetworkAccessManager* network,
+                                           const QUrl& base, bool allowLocalFiles, QObject* parent)
+    : QObject(parent), m_engine(engine), m_network(network), m_base(base), m_allowLocalFiles(allowLocalFiles)
 {
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, &ScriptXmlHttpRequest::onTimeout);
 }
 
-ScriptXmlHttpRequest::~ScriptXmlHttpRequest() { dropReply(); }
+ScriptXmlHttpRequest::~ScriptXmlHttpRequest()
+{
+    dropReply();
+}
 
-QJSValue ScriptXmlHttpRequest::self() const { return m_engine->newQObject(const_cast<ScriptXmlHttpRequest*>(this)); }
+QJSValue ScriptXmlHttpRequest::self() const
+{
+    return m_engine->newQObject(const_cast<ScriptXmlHttpRequest*>(this));
+}
 
 void ScriptXmlHttpRequest::setResponseType(const QString& type)
 {
@@ -91,27 +104,32 @@ QJSValue ScriptXmlHttpRequest::response() const
     return parsed.isError() ? QJSValue(QJSValue::NullValue) : parsed;
 }
 
-void ScriptXmlHttpRequest::open(const QString& method, const QString& url, const QJSValue& async, const QJSValue& user,
-                                const QJSValue& password)
+void ScriptXmlHttpRequest::open(const QString& method, const QString& url, const QJSValue& async,
+                                const QJSValue& user, const QJSValue& password)
 {
     if (!isToken(method)) {
-        m_engine->throwError(QJSValue::SyntaxError, QStringLiteral("XMLHttpRequest.open: \"%1\" is not a method").arg(method));
+        m_engine->throwError(QJSValue::SyntaxError,
+                             QStringLiteral("XMLHttpRequest.open: \"%1\" is not a method").arg(method));
         return;
     }
     const QString upper = method.toUpper();
-    if (upper == QLatin1String("CONNECT") || upper == QLatin1String("TRACE") || upper == QLatin1String("TRACK")) {
-        m_engine->throwError(QStringLiteral("SecurityError: XMLHttpRequest.open: %1 is not allowed").arg(upper));
+    if (upper == QLatin1String("CONNECT") || upper == QLatin1String("TRACE") ||
+        upper == QLatin1String("TRACK")) {
+        m_engine->throwError(
+            QStringLiteral("SecurityError: XMLHttpRequest.open: %1 is not allowed").arg(upper));
         return;
     }
     static const QStringList normalised{"DELETE", "GET", "HEAD", "OPTIONS", "POST", "PUT", "PATCH"};
     QUrl target = m_base.resolved(QUrl(url));
     if (!target.isValid()) {
-        m_engine->throwError(QJSValue::SyntaxError, QStringLiteral("XMLHttpRequest.open: \"%1\" is not a URL").arg(url));
+        m_engine->throwError(QJSValue::SyntaxError,
+                             QStringLiteral("XMLHttpRequest.open: \"%1\" is not a URL").arg(url));
         return;
     }
     const QString scheme = target.scheme().toLower();
     const bool file = scheme == QLatin1String("file");
-    if (!(scheme == QLatin1String("http") || scheme == QLatin1String("https") || (file && m_allowLocalFiles))) {
+    if (!(scheme == QLatin1String("http") || scheme == QLatin1String("https") ||
+          (file && m_allowLocalFiles))) {
         m_engine->throwError(QStringLiteral("XMLHttpRequest.open: %1 URLs cannot be opened from this page")
                                  .arg(scheme.isEmpty() ? QStringLiteral("scheme-less") : scheme));
         return;
@@ -135,11 +153,13 @@ void ScriptXmlHttpRequest::open(const QString& method, const QString& url, const
 void ScriptXmlHttpRequest::setRequestHeader(const QString& name, const QString& value)
 {
     if (m_state != Opened || m_sent) {
-        m_engine->throwError(QStringLiteral("InvalidStateError: setRequestHeader needs open() and no send() yet"));
+        m_engine->throwError(
+            QStringLiteral("InvalidStateError: setRequestHeader needs open() and no send() yet"));
         return;
     }
     if (!isToken(name)) {
-        m_engine->throwError(QJSValue::SyntaxError, QStringLiteral("setRequestHeader: \"%1\" is not a header name").arg(name));
+        m_engine->throwError(QJSValue::SyntaxError,
+                             QStringLiteral("setRequestHeader: \"%1\" is not a header name").arg(name));
         return;
     }
     const QByteArray key = name.toLatin1();
@@ -175,7 +195,8 @@ void ScriptXmlHttpRequest::send(const QJSValue& body)
         } else {
             data = body.toString().toUtf8();
             if (!hasContentType)
-                request.setHeader(QNetworkRequest::ContentTypeHeader, QByteArrayLiteral("text/plain;charset=UTF-8"));
+                request.setHeader(QNetworkRequest::ContentTypeHeader,
+                                  QByteArrayLiteral("text/plain;charset=UTF-8"));
         }
     }
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
@@ -248,7 +269,8 @@ QString ScriptXmlHttpRequest::getAllResponseHeaders() const
         return QString();
     QString all;
     for (const auto& [key, value] : m_responseHeaders)
-        all += QString::fromLatin1(key.toLower()) + QStringLiteral(": ") + QString::fromLatin1(value) + QStringLiteral("\r\n");
+        all += QString::fromLatin1(key.toLower()) + QStringLiteral(": ") + QString::fromLatin1(value) +
+               QStringLiteral("\r\n");
     return all;
 }
 

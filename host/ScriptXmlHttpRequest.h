@@ -44,8 +44,8 @@ public:
     enum State { Unsent = 0, Opened = 1, HeadersReceived = 2, Loading = 3, Done = 4 };
 
     // `base` resolves relative URLs; `allowLocalFiles` lets a page loaded from disk read files.
-    ScriptXmlHttpRequest(QJSEngine* engine, QNetworkAccessManager* network, const QUrl& base, bool allowLocalFiles,
-                         QObject* parent = nullptr);
+    ScriptXmlHttpRequest(QJSEngine* engine, QNetworkAccessManager* network, const QUrl& base,
+                         bool allowLocalFiles, QObject* parent = nullptr);
     ~ScriptXmlHttpRequest() override;
 
     int readyState() const { return m_state; }

@@ -7,7 +7,10 @@
 #include <QProcess>
 #include <QTimer>
 
-QStringList PageRun::outLines() const { return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts); }
+QStringList PageRun::outLines() const
+{
+    return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
 
 PageRunner::PageRunner() = default;
 
@@ -23,18 +26,19 @@ QString PageRunner::write(const QString& name, const QByteArray& content) const
 
 QByteArray PageRunner::item(const QByteArray& className, const QByteArray& name, const QByteArray& properties)
 {
-    return "<item><widget class=\"" + className + "\" name=\"" + name + "\">" + properties + "</widget></item>\n";
+    return "<item><widget class=\"" + className + "\" name=\"" + name + "\">" + properties +
+           "</widget></item>\n";
 }
 
 QByteArray PageRunner::form(int width, int height, const QByteArray& items)
 {
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ui version=\"4.0\">\n<class>Page</class>\n"
            "<widget class=\"QWidget\" name=\"Page\">\n"
-           "<property name=\"geometry\"><rect><x>0</x><y>0</y><width>"
-        + QByteArray::number(width) + "</width><height>" + QByteArray::number(height)
-        + "</height></rect></property>\n"
-          "<layout class=\"QVBoxLayout\" name=\"layout\">\n"
-        + items + "</layout>\n</widget>\n</ui>\n";
+           "<property name=\"geometry\"><rect><x>0</x><y>0</y><width>" +
+           QByteArray::number(width) + "</width><height>" + QByteArray::number(height) +
+           "</height></rect></property>\n"
+           "<layout class=\"QVBoxLayout\" name=\"layout\">\n" +
+           items + "</layout>\n</widget>\n</ui>\n";
 }
 
 PageRun PageRunner::run(const QStringList& arguments, int timeoutMs, const QString& program) const
@@ -77,6 +81,7 @@ PageRun PageRunner::runPage(const QString& name, const QByteArray& ui, const QBy
 {
     write(name + QStringLiteral("/page.ui"), ui);
     write(name + QStringLiteral("/page.js"), js);
-    return run(QStringList{QStringLiteral("--headless"), QStringLiteral("--timeout"), QStringLiteral("20000")} + extra
-               + QStringList{path(name)});
+    return run(
+        QStringList{QStringLiteral("--headless"), QStringLiteral("--timeout"), QStringLiteral("20000")} +
+        extra + QStringList{path(name)});
 }

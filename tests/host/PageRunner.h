@@ -28,13 +28,15 @@ public:
     // A form whose top widget is `width` x `height`, with `body` as the content of a QVBoxLayout
     // (a list of <item> elements).
     static QByteArray form(int width, int height, const QByteArray& items);
-    static QByteArray item(const QByteArray& className, const QByteArray& name, const QByteArray& properties = {});
+    static QByteArray item(const QByteArray& className, const QByteArray& name,
+                           const QByteArray& properties = {});
 
     // Extra environment variables of the runs.
     void setEnv(const QString& name, const QString& value) { m_env.insert(name, value); }
     PageRun run(const QStringList& arguments, int timeoutMs = 60000, const QString& program = {}) const;
     // A page folder `name` with page.ui and page.js, run headless with extra arguments.
-    PageRun runPage(const QString& name, const QByteArray& ui, const QByteArray& js, const QStringList& extra = {}) const;
+    PageRun runPage(const QString& name, const QByteArray& ui, const QByteArray& js,
+                    const QStringList& extra = {}) const;
 
 private:
     QTemporaryDir m_dir;

@@ -37,8 +37,7 @@ nxr::HResult refuse(const QString& iid, std::uint32_t* supported, std::uint32_t*
 
 } // namespace
 
-TestClickPad::TestClickPad(QWidget* parent)
-    : nxr::ScriptableWidget(parent)
+TestClickPad::TestClickPad(QWidget* parent) : nxr::ScriptableWidget(parent)
 {
     setMinimumSize(120, 90);
     setFocusPolicy(Qt::StrongFocus);
@@ -59,7 +58,10 @@ void TestClickPad::record(const QString& what, const QPointF& pos)
     m_log << QStringLiteral("%1 %2,%3").arg(what).arg(qRound(pos.x())).arg(qRound(pos.y()));
 }
 
-void TestClickPad::mousePressEvent(QMouseEvent* e) { record(QStringLiteral("press ") + buttonName(e->button()), e->position()); }
+void TestClickPad::mousePressEvent(QMouseEvent* e)
+{
+    record(QStringLiteral("press ") + buttonName(e->button()), e->position());
+}
 
 void TestClickPad::mouseReleaseEvent(QMouseEvent* e)
 {
@@ -74,7 +76,10 @@ void TestClickPad::mouseMoveEvent(QMouseEvent* e)
         record(QStringLiteral("drag"), e->position());
 }
 
-void TestClickPad::mouseDoubleClickEvent(QMouseEvent* e) { record(QStringLiteral("double ") + buttonName(e->button()), e->position()); }
+void TestClickPad::mouseDoubleClickEvent(QMouseEvent* e)
+{
+    record(QStringLiteral("double ") + buttonName(e->button()), e->position());
+}
 
 void TestClickPad::wheelEvent(QWheelEvent* e)
 {
@@ -88,8 +93,7 @@ void TestClickPad::keyPressEvent(QKeyEvent* e)
                       (e->modifiers() & Qt::ControlModifier) ? QStringLiteral(" ctrl") : QString());
 }
 
-TestCounter::TestCounter(QObject* parent)
-    : nxr::ScriptableObject(parent)
+TestCounter::TestCounter(QObject* parent) : nxr::ScriptableObject(parent)
 {
     properties().add(
         QStringLiteral("Count"),
@@ -107,10 +111,7 @@ void TestCounter::Add(int amount)
     Q_EMIT OnChanged(m_count);
 }
 
-TestUnsafeObject::TestUnsafeObject(QObject* parent)
-    : nxr::ScriptableObject(parent)
-{
-}
+TestUnsafeObject::TestUnsafeObject(QObject* parent) : nxr::ScriptableObject(parent) {}
 
 nxr::HResult TestUnsafeObject::GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
                                                          std::uint32_t* enabled)
@@ -118,10 +119,7 @@ nxr::HResult TestUnsafeObject::GetInterfaceSafetyOptions(const QString& iid, std
     return refuse(iid, supported, enabled);
 }
 
-TestUnsafeWidget::TestUnsafeWidget(QWidget* parent)
-    : nxr::ScriptableWidget(parent)
-{
-}
+TestUnsafeWidget::TestUnsafeWidget(QWidget* parent) : nxr::ScriptableWidget(parent) {}
 
 nxr::HResult TestUnsafeWidget::GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
                                                          std::uint32_t* enabled)

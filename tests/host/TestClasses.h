@@ -64,7 +64,8 @@ class TestUnsafeObject : public nxr::ScriptableObject
     Q_OBJECT
 public:
     explicit TestUnsafeObject(QObject* parent = nullptr);
-    nxr::HResult GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported, std::uint32_t* enabled) override;
+    nxr::HResult GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
+                                           std::uint32_t* enabled) override;
 };
 
 class TestUnsafeWidget : public nxr::ScriptableWidget
@@ -72,5 +73,6 @@ class TestUnsafeWidget : public nxr::ScriptableWidget
     Q_OBJECT
 public:
     explicit TestUnsafeWidget(QWidget* parent = nullptr);
-    nxr::HResult GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported, std::uint32_t* enabled) override;
+    nxr::HResult GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
+                                           std::uint32_t* enabled) override;
 };

@@ -33,7 +33,8 @@ void TestHttpServer::serve(QTcpSocket* socket)
     for (int i = 1; i < lines.size(); ++i) {
         const int colon = lines[i].indexOf(':');
         if (colon > 0)
-            request.headers.insert(lines[i].left(colon).trimmed().toLower(), lines[i].mid(colon + 1).trimmed());
+            request.headers.insert(lines[i].left(colon).trimmed().toLower(),
+                                   lines[i].mid(colon + 1).trimmed());
     }
     const int length = request.headers.value("content-length").toInt();
     if (buffer.size() < headerEnd + 4 + length)
@@ -54,8 +55,8 @@ void TestHttpServer::serve(QTcpSocket* socket)
         answer.body = "not here";
     }
     const QByteArray reason = answer.status == 200 ? "OK" : answer.status == 404 ? "Not Found" : "Status";
-    socket->write("HTTP/1.1 " + QByteArray::number(answer.status) + " " + reason + "\r\nContent-Type: "
-                  + answer.contentType + "\r\nContent-Length: " + QByteArray::number(answer.body.size())
-                  + "\r\nConnection: close\r\n\r\n" + answer.body);
+    socket->write("HTTP/1.1 " + QByteArray::number(answer.status) + " " + reason + "\r\nContent-Type: " +
+                  answer.contentType + "\r\nContent-Length: " + QByteArray::number(answer.body.size()) +
+                  "\r\nConnection: close\r\n\r\n" + answer.body);
     socket->disconnectFromHost();
 }

@@ -24,10 +24,12 @@ QString lineStartingWith(const PageRun& run, const QString& prefix)
     return QString();
 }
 
-#define EXPECT_RUN(run, code)                                                                              \
-    ASSERT_FALSE((run).timedOut);                                                                          \
-    ASSERT_FALSE((run).crashed) << qPrintable((run).err);                                                  \
-    EXPECT_EQ((run).exitCode, (code)) << "stdout:\n" << qPrintable((run).out) << "stderr:\n" << qPrintable((run).err)
+#define EXPECT_RUN(run, code)                                                                                \
+    ASSERT_FALSE((run).timedOut);                                                                            \
+    ASSERT_FALSE((run).crashed) << qPrintable((run).err);                                                    \
+    EXPECT_EQ((run).exitCode, (code)) << "stdout:\n"                                                         \
+                                      << qPrintable((run).out) << "stderr:\n"                                \
+                                      << qPrintable((run).err)
 
 } // namespace
 
@@ -60,25 +62,26 @@ console.log("pad " + pad.GetProperty("Caption") + " " + pad.visible);
 try { createObject("NoSuchClass"); } catch (e) { console.log("no class: " + e.message); }
 )JS");
     EXPECT_RUN(run, 0);
-    EXPECT_EQ(run.outLines(), (QStringList{
-                                  "distinct true function",
-                                  "count 5",
-                                  "keyed 12 12",
-                                  "bad 12 1 Error in SetProperty(Count): Type mismatch",
-                                  "unknown 2 Error: unknown property (Nope)",
-                                  "changed 15",
-                                  "b 1 a 15",
-                                  "event Snap",
-                                  "pad cap true",
-                                  "no class: createObject: no class named \"NoSuchClass\" (see --list-classes)",
-                              }));
+    EXPECT_EQ(run.outLines(),
+              (QStringList{
+                  "distinct true function",
+                  "count 5",
+                  "keyed 12 12",
+                  "bad 12 1 Error in SetProperty(Count): Type mismatch",
+                  "unknown 2 Error: unknown property (Nope)",
+                  "changed 15",
+                  "b 1 a 15",
+                  "event Snap",
+                  "pad cap true",
+                  "no class: createObject: no class named \"NoSuchClass\" (see --list-classes)",
+              }));
 }
 
 TEST(HostPage, SynthesizedInputReachesTheControlUnderThePoint)
 {
     PageRunner runner;
-    const QByteArray items = PageRunner::item("QLineEdit", "txt_Name") + PageRunner::item("QPushButton", "cmd_Ok")
-        + kPad;
+    const QByteArray items =
+        PageRunner::item("QLineEdit", "txt_Name") + PageRunner::item("QPushButton", "cmd_Ok") + kPad;
     const PageRun run = runner.runPage(QStringLiteral("input"), PageRunner::form(400, 300, items), R"JS(
 var okClicks = 0;
 cmd_Ok.clicked.connect(function () { okClicks++; });
@@ -128,10 +131,13 @@ console.log("control " + createObject("NexaroControls.TestUnsafeWidget"));
 console.log("safe " + (createObject("TestCounter") !== null));
 )JS");
     EXPECT_RUN(run, 0);
-    EXPECT_EQ(run.outLines(), (QStringList{"unsafe undefined pad object", "object null", "control null", "safe true"}));
-    EXPECT_TRUE(run.err.contains("ctl_Unsafe (TestUnsafeWidget) is not safe for scripting")) << qPrintable(run.err);
+    EXPECT_EQ(run.outLines(),
+              (QStringList{"unsafe undefined pad object", "object null", "control null", "safe true"}));
+    EXPECT_TRUE(run.err.contains("ctl_Unsafe (TestUnsafeWidget) is not safe for scripting"))
+        << qPrintable(run.err);
     EXPECT_TRUE(run.err.contains("(TestUnsafeObject) is not safe for scripting")) << qPrintable(run.err);
-    EXPECT_TRUE(run.err.contains("(NexaroControls.TestUnsafeWidget) is not safe for scripting")) << qPrintable(run.err);
+    EXPECT_TRUE(run.err.contains("(NexaroControls.TestUnsafeWidget) is not safe for scripting"))
+        << qPrintable(run.err);
 }
 
 TEST(HostPage, ScriptErrorsNameFileAndLineAndFailTheRun)
@@ -139,14 +145,17 @@ TEST(HostPage, ScriptErrorsNameFileAndLineAndFailTheRun)
     PageRunner runner;
     const QByteArray ui = PageRunner::form(300, 200, kPad);
 
-    const PageRun top = runner.runPage(QStringLiteral("top"), ui,
-                                       "console.log(\"before\");\nvar x = 1;\nmissingFunction();\nconsole.log(\"after\");\n");
+    const PageRun top =
+        runner.runPage(QStringLiteral("top"), ui,
+                       "console.log(\"before\");\nvar x = 1;\nmissingFunction();\nconsole.log(\"after\");\n");
     EXPECT_RUN(top, 2);
-    EXPECT_TRUE(top.err.contains(runner.path("top/page.js") + ":3: ReferenceError: missingFunction is not defined"))
+    EXPECT_TRUE(
+        top.err.contains(runner.path("top/page.js") + ":3: ReferenceError: missingFunction is not defined"))
         << qPrintable(top.err);
     EXPECT_EQ(top.outLines(), QStringList{"before"});
 
-    const PageRun later = runner.runPage(QStringLiteral("later"), ui, R"JS(ctl_Pad.OnButtonClicked.connect(function (name) {
+    const PageRun later =
+        runner.runPage(QStringLiteral("later"), ui, R"JS(ctl_Pad.OnButtonClicked.connect(function (name) {
   throw new Error("handler failed " + name);
 });
 setTimeout(function () {
@@ -156,17 +165,21 @@ ctl_Pad.Fire("Snap");
 console.log("still running");
 )JS");
     EXPECT_RUN(later, 2);
-    EXPECT_TRUE(later.err.contains(runner.path("later/page.js") + ":2: Error: handler failed Snap")) << qPrintable(later.err);
+    EXPECT_TRUE(later.err.contains(runner.path("later/page.js") + ":2: Error: handler failed Snap"))
+        << qPrintable(later.err);
     EXPECT_TRUE(later.err.contains(runner.path("later/page.js") + ":5: TypeError")) << qPrintable(later.err);
     EXPECT_EQ(later.outLines(), QStringList{"still running"});
 
     const PageRun syntax = runner.runPage(QStringLiteral("syntax"), ui, "var ok = 1;\nvar broken = ;\n");
     EXPECT_RUN(syntax, 2);
-    EXPECT_TRUE(syntax.err.contains(runner.path("syntax/page.js") + ":2: SyntaxError")) << qPrintable(syntax.err);
+    EXPECT_TRUE(syntax.err.contains(runner.path("syntax/page.js") + ":2: SyntaxError"))
+        << qPrintable(syntax.err);
 
-    const PageRun wrapped = runner.runPage(QStringLiteral("wrapped"), ui, "var a = 1;\nsetTimeout(\"code\", 5);\n");
+    const PageRun wrapped =
+        runner.runPage(QStringLiteral("wrapped"), ui, "var a = 1;\nsetTimeout(\"code\", 5);\n");
     EXPECT_RUN(wrapped, 2);
-    EXPECT_TRUE(wrapped.err.contains(runner.path("wrapped/page.js") + ":2: TypeError: setTimeout")) << qPrintable(wrapped.err);
+    EXPECT_TRUE(wrapped.err.contains(runner.path("wrapped/page.js") + ":2: TypeError: setTimeout"))
+        << qPrintable(wrapped.err);
 }
 
 TEST(HostPage, ScreenshotIsAPngOfThePageWindow)
@@ -228,15 +241,18 @@ get("/data", function (x) {
 )JS",
                                        {"--script-arg", "base=" + server.url("")});
     EXPECT_RUN(run, 0);
-    EXPECT_EQ(run.outLines(), (QStringList{"data 200 hello data", "missing 404", "echo 200 POST yes payload", "json 5"}));
+    EXPECT_EQ(run.outLines(),
+              (QStringList{"data 200 hello data", "missing 404", "echo 200 POST yes payload", "json 5"}));
     EXPECT_EQ(server.requests().size(), 4);
 }
 
 TEST(HostPage, RemotePageIsFetchedWithItsScript)
 {
     TestHttpServer server;
-    server.set("/site/page.json", {200, "application/json", R"({"form": "p.ui", "script": ["p.js"], "title": "Remote"})"});
-    server.set("/site/p.ui", {200, "text/xml", PageRunner::form(200, 120, PageRunner::item("QLabel", "lbl_Text"))});
+    server.set("/site/page.json",
+               {200, "application/json", R"({"form": "p.ui", "script": ["p.js"], "title": "Remote"})"});
+    server.set("/site/p.ui",
+               {200, "text/xml", PageRunner::form(200, 120, PageRunner::item("QLabel", "lbl_Text"))});
     server.set("/site/p.js", {200, "text/javascript", R"JS(
 lbl_Text.text = "from the server";
 var x = new XMLHttpRequest();
@@ -258,7 +274,8 @@ x.send();
 
     const PageRun missing = runner.run({"--headless", server.url("/nowhere/")});
     EXPECT_RUN(missing, 1);
-    EXPECT_TRUE(missing.err.contains("cannot fetch " + server.url("/nowhere/page.json") + ": HTTP 404")) << qPrintable(missing.err);
+    EXPECT_TRUE(missing.err.contains("cannot fetch " + server.url("/nowhere/page.json") + ": HTTP 404"))
+        << qPrintable(missing.err);
 }
 
 TEST(HostPage, TimersRunInDueOrderAndWaitKeepsTheLoopRunning)
@@ -298,9 +315,10 @@ TEST(HostPage, RunEndsByExitIdleTimeLimitOrTimeout)
     PageRunner runner;
     const QByteArray ui = PageRunner::form(200, 100, {});
 
-    const PageRun exited = runner.runPage(QStringLiteral("exit"), ui,
-                                          "console.log(\"a\");\nsetTimeout(function () { console.log(\"t\"); }, 0);\n"
-                                          "host.exit(7);\nconsole.log(\"b\");\n");
+    const PageRun exited =
+        runner.runPage(QStringLiteral("exit"), ui,
+                       "console.log(\"a\");\nsetTimeout(function () { console.log(\"t\"); }, 0);\n"
+                       "host.exit(7);\nconsole.log(\"b\");\n");
     EXPECT_RUN(exited, 7);
     EXPECT_EQ(exited.outLines(), QStringList{"a"});
 
@@ -414,13 +432,16 @@ TEST(HostPage, FirstPageShowsTheHelperObjectsFindings)
     PageRunner runner;
     runner.setEnv(QStringLiteral("TORVIK_LANG"), QStringLiteral("kn"));
     const QString shot = runner.path("first.png");
-    const PageRun run = runner.run({"--headless", "--screenshot", shot, QStringLiteral(PAGES_DIR "/first-page")}, 60000,
-                                   QStringLiteral(NEXARO_PAGE));
+    const PageRun run =
+        runner.run({"--headless", "--screenshot", shot, QStringLiteral(PAGES_DIR "/first-page")}, 60000,
+                   QStringLiteral(NEXARO_PAGE));
     EXPECT_RUN(run, 0);
-    EXPECT_TRUE(run.outLines().contains("version 64 served: true, version 65 served: false")) << qPrintable(run.out);
+    EXPECT_TRUE(run.outLines().contains("version 64 served: true, version 65 served: false"))
+        << qPrintable(run.out);
     EXPECT_TRUE(run.outLines().contains("TORVIK_LANG: kn")) << qPrintable(run.out);
     const QString buildLine = lineStartingWith(run, "controller software: ");
-    EXPECT_TRUE(QRegularExpression("^controller software: V\\d\\.\\d\\d[A-Z]/\\d\\d$").match(buildLine).hasMatch())
+    EXPECT_TRUE(
+        QRegularExpression("^controller software: V\\d\\.\\d\\d[A-Z]/\\d\\d$").match(buildLine).hasMatch())
         << qPrintable(buildLine);
     EXPECT_EQ(QImage(shot).size(), QSize(560, 300));
 
@@ -440,7 +461,8 @@ console.log("language: " + lbl_Language.text);
         "script": ["%1/first-page/first-page.js", "drive.js"]})")
                                         .arg(QStringLiteral(PAGES_DIR))
                                         .toUtf8());
-    const PageRun driven = runner.run({"--headless", runner.path("drive")}, 60000, QStringLiteral(NEXARO_PAGE));
+    const PageRun driven =
+        runner.run({"--headless", runner.path("drive")}, 60000, QStringLiteral(NEXARO_PAGE));
     EXPECT_RUN(driven, 0);
     EXPECT_TRUE(driven.outLines().contains("65: not served by this library")) << qPrintable(driven.out);
     EXPECT_TRUE(driven.outLines().contains("64: served by this library")) << qPrintable(driven.out);
