@@ -90,6 +90,7 @@ PageHost::~PageHost()
 {
     // Script values die before their engine, the engine before the widgets it refers to.
     m_timers->stopAll();
+    m_runtime->cancelRequests();
     if (g_current == this) {
         qInstallMessageHandler(g_previousHandler);
         g_current = nullptr;
@@ -310,6 +311,7 @@ void PageHost::requestExit(int code)
     m_exitCode = code;
     m_idleTimer.stop();
     m_timers->stopAll();
+    m_runtime->cancelRequests();
     // Whatever script is running stops at its next step; nothing of the page runs any more.
     m_engine->setInterrupted(true);
     QTimer::singleShot(0, this, &PageHost::finishNow);

@@ -27,7 +27,17 @@ QJSValue ScriptRuntime::createRequest()
     auto* request = new ScriptXmlHttpRequest(m_engine, m_network, m_pageUrl, m_pageUrl.isLocalFile());
     connect(request, &ScriptXmlHttpRequest::callbackFailed, this, &ScriptRuntime::callbackFailed);
     QJSEngine::setObjectOwnership(request, QJSEngine::JavaScriptOwnership);
+    m_requests.removeAll(nullptr);
+    m_requests << request;
     return m_engine->newQObject(request);
+}
+
+void ScriptRuntime::cancelRequests()
+{
+    for (const QPointer<ScriptXmlHttpRequest>& request : std::as_const(m_requests))
+        if (request)
+            request->cancelQuietly();
+    m_requests.clear();
 }
 
 void ScriptRuntime::print(int level, const QString& text)

@@ -15,6 +15,7 @@ class QNetworkAccessManager;
 namespace nxr {
 
 class ScriptTimers;
+class ScriptXmlHttpRequest;
 
 class ScriptRuntime : public QObject
 {
@@ -38,6 +39,9 @@ public:
 
     // Adds `object` as the global `name`, kept alive by C++ (the script never deletes it).
     void exposeGlobal(const QString& name, QObject* object);
+
+    // Drops every request under way without calling back into the script.
+    void cancelRequests();
 
     Q_INVOKABLE QJSValue createObject(const QString& className, QObject* parent);
     Q_INVOKABLE int setTimer(const QJSValue& callback, const QJSValue& delay, bool repeat,
@@ -63,6 +67,7 @@ private:
     QPointer<QWidget> m_window;
     QNetworkAccessManager* m_network = nullptr;
     QUrl m_pageUrl;
+    QList<QPointer<ScriptXmlHttpRequest>> m_requests;
 };
 
 } // namespace nxr

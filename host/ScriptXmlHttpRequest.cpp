@@ -373,6 +373,12 @@ void ScriptXmlHttpRequest::fire(const QString& type)
     }
 }
 
+void ScriptXmlHttpRequest::cancelQuietly()
+{
+    dropReply();
+    m_keepAlive = QJSValue();
+}
+
 void ScriptXmlHttpRequest::dropReply()
 {
     m_timer.stop();

@@ -75,6 +75,9 @@ public:
     Q_INVOKABLE QString getAllResponseHeaders() const;
     Q_INVOKABLE void overrideMimeType(const QString&) {}
 
+    // The host is closing: drops the request without telling the script.
+    void cancelQuietly();
+
 Q_SIGNALS:
     // A handler threw; `error` is what it threw.
     void callbackFailed(const QJSValue& error);

@@ -308,6 +308,19 @@ console.log(log.join(" "));
 )JS");
     EXPECT_RUN(waiting, 0);
     EXPECT_EQ(waiting.out.trimmed(), "before timer after");
+
+    // Timers that fall due together (the script kept the loop busy) still run by due time.
+    const PageRun blocked = runner.runPage(QStringLiteral("blocked"), ui, R"JS(
+var log = [];
+setTimeout(function () { log.push("set-first-due-later"); }, 30);
+setTimeout(function () { log.push("set-second-due-sooner"); }, 10);
+setTimeout(function () { log.push("set-third-due-soonest"); }, 0);
+var until = Date.now() + 80;
+while (Date.now() < until) {}
+setTimeout(function () { console.log(log.join(" ")); }, 0);
+)JS");
+    EXPECT_RUN(blocked, 0);
+    EXPECT_EQ(blocked.out.trimmed(), "set-third-due-soonest set-second-due-sooner set-first-due-later");
 }
 
 TEST(HostPage, RunEndsByExitIdleTimeLimitOrTimeout)
@@ -425,6 +438,20 @@ next();
                                   "local: 200 beside the page",
                                   "misuse: Error: InvalidStateError: send() needs open() first",
                               }));
+
+    // A run that ends with requests under way drops them cleanly.
+    const PageRun pending = runner.runPage(QStringLiteral("pending"), PageRunner::form(200, 100, {}), R"JS(
+for (var i = 0; i < 3; ++i) {
+  var x = new XMLHttpRequest();
+  x.onloadend = function () { console.log("must not be called"); };
+  x.open("GET", host.args.base + "/hang");
+  x.send();
+}
+setTimeout(function () { host.exit(5); }, 100);
+)JS",
+                                           {"--script-arg", "base=" + server.url("")});
+    EXPECT_RUN(pending, 5);
+    EXPECT_EQ(pending.out, QString());
 }
 
 TEST(HostPage, FirstPageShowsTheHelperObjectsFindings)
