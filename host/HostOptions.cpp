@@ -129,7 +129,7 @@ QString HostOptions::helpText(const QString& programName)
                "done,\n"
                "                        no timers, no requests), on host.exit(), or at --exit-after\n"
                "  --screenshot FILE     write a PNG of the page window when the run ends\n"
-               "  --exit-after MS       end the run after MS milliseconds\n"
+               "  --exit-after MS       end the run MS milliseconds after the page has loaded\n"
                "  --timeout MS          headless: fail (exit code 3) when still busy after MS ms (default "
                "60000)\n"
                "  --script-arg KEY=VAL  pass a value to the script as host.args.KEY (repeatable)\n"

@@ -125,8 +125,6 @@ bool PageHost::takeEngineWarning(const QMessageLogContext& context, const QStrin
 
 void PageHost::start()
 {
-    m_pageDisplay = PageSource::isRemote(m_options.page) ? PageSource::displayUrl(QUrl(m_options.page))
-                                                         : QDir::toNativeSeparators(m_options.page);
     if (m_options.headless && m_options.timeoutMs > 0) {
         QTimer::singleShot(m_options.timeoutMs, this, [this] {
             if (m_finishing)

@@ -77,7 +77,6 @@ private:
     ScriptRuntime* m_runtime = nullptr;
     HostAutomation* m_automation = nullptr;
     PageSource* m_source = nullptr;
-    QString m_pageDisplay;
     QString m_firstScript;
     // The names the engine gives the page's scripts, and the names to show for them.
     QMap<QString, QString> m_scriptNames;
