@@ -49,17 +49,39 @@ int runPageHost(int argc, char** argv)
             std::printf("%s\n", name.toLocal8Bit().constData());
         return ExitOk;
     }
+    // A bad command line is told before a screen is needed, unless Qt's own options (single dash,
+    // such as -platform) are among the arguments; those are known only to the application object.
+    QStringList raw;
+    bool qtOptions = false;
+    for (int i = 1; i < argc; ++i) {
+        raw << QString::fromLocal8Bit(argv[i]);
+        qtOptions = qtOptions || (raw.last().size() > 1 && raw.last().startsWith(QLatin1Char('-')) &&
+                                  !raw.last().startsWith(QLatin1String("--")));
+    }
+    HostOptions early;
+    QString error;
+    if (!qtOptions && !HostOptions::parse(raw, &early, &error)) {
+        std::fprintf(stderr, "%s: %s\n", program.toLocal8Bit().constData(), error.toLocal8Bit().constData());
+        return ExitLoadFailed;
+    }
     // Headless without a display: the offscreen platform. Under Xvfb (DISPLAY set) the usual one.
-    if (HostOptions::wantsHeadless(argc, argv) && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") &&
-        qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+    const bool noDisplay = qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") &&
+                           qEnvironmentVariableIsEmpty("DISPLAY") &&
+                           qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    if (noDisplay && HostOptions::wantsHeadless(argc, argv)) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    } else if (noDisplay && !qtOptions) {
+        std::fprintf(stderr,
+                     "%s: there is no display to show the page on; use --headless (or run under Xvfb)\n",
+                     program.toLocal8Bit().constData());
+        return ExitLoadFailed;
+    }
 
     QApplication app(argc, argv);
     QApplication::setApplicationName(program);
     QApplication::setApplicationVersion(QStringLiteral(NXR_HOST_VERSION));
 
     HostOptions options;
-    QString error;
     if (!HostOptions::parse(QApplication::arguments().mid(1), &options, &error)) {
         std::fprintf(stderr, "%s: %s\n", program.toLocal8Bit().constData(), error.toLocal8Bit().constData());
         return ExitLoadFailed;
