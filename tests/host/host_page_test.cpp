@@ -5,6 +5,7 @@
 #include "TestClasses.h"
 #include "TestHttpServer.h"
 
+#include <QDirIterator>
 #include <QFile>
 #include <QImage>
 #include <QRegularExpression>
@@ -271,6 +272,18 @@ x.send();
     const PageRun byForm = runner.run({"--headless", "--timeout", "20000", server.url("/site/p.ui")});
     EXPECT_RUN(byForm, 0);
     EXPECT_EQ(byForm.outLines(), QStringList{"p: from the server, relative data"});
+
+    // The page's files went through the library's URL cache (in the runs' own cache folder).
+    QByteArray cached;
+    QDirIterator it(runner.path("cache/NexaroControls/urlcache"), {"*.d"}, QDir::Files,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        QFile f(it.next());
+        if (f.open(QIODevice::ReadOnly))
+            cached += f.readAll();
+    }
+    EXPECT_TRUE(cached.contains(server.url("/site/p.ui").toLatin1())) << cached.size();
+    EXPECT_TRUE(cached.contains(server.url("/site/data.txt").toLatin1())) << cached.size();
 
     const PageRun missing = runner.run({"--headless", server.url("/nowhere/")});
     EXPECT_RUN(missing, 1);
