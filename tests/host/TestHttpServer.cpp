@@ -48,6 +48,8 @@ void TestHttpServer::serve(QTcpSocket* socket)
     Answer answer;
     if (request.path == "/echo") {
         answer.body = request.method + " " + request.headers.value("x-test") + " " + request.body;
+    } else if (request.path == "/cookie") {
+        answer.body = "cookie: " + request.headers.value("cookie");
     } else if (m_answers.contains(request.path)) {
         answer = m_answers.value(request.path);
     } else {
@@ -55,8 +57,9 @@ void TestHttpServer::serve(QTcpSocket* socket)
         answer.body = "not here";
     }
     const QByteArray reason = answer.status == 200 ? "OK" : answer.status == 404 ? "Not Found" : "Status";
-    socket->write("HTTP/1.1 " + QByteArray::number(answer.status) + " " + reason + "\r\nContent-Type: " +
-                  answer.contentType + "\r\nContent-Length: " + QByteArray::number(answer.body.size()) +
+    socket->write("HTTP/1.1 " + QByteArray::number(answer.status) + " " + reason +
+                  "\r\nContent-Type: " + answer.contentType + "\r\n" + answer.extraHeaders +
+                  "Content-Length: " + QByteArray::number(answer.body.size()) +
                   "\r\nConnection: close\r\n\r\n" + answer.body);
     socket->disconnectFromHost();
 }

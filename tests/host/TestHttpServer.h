@@ -1,6 +1,7 @@
 #pragma once
 // A small HTTP/1.1 server on 127.0.0.1 for tests: fixed answers by path, "/echo" answers with
-// the request's method, a custom header and body, "/hang" never answers; every request is recorded.
+// the request's method, a custom header and body, "/cookie" with the request's Cookie header, "/hang"
+// never answers; every request is recorded.
 
 #include <QByteArray>
 #include <QList>
@@ -14,9 +15,15 @@ class TestHttpServer : public QObject
 public:
     struct Answer
     {
-        int status = 200;
-        QByteArray contentType = "text/plain";
+        Answer(int status_ = 200, QByteArray contentType_ = "text/plain", QByteArray body_ = {},
+               QByteArray extraHeaders_ = {})
+            : status(status_), contentType(std::move(contentType_)), body(std::move(body_)),
+              extraHeaders(std::move(extraHeaders_))
+        {}
+        int status;
+        QByteArray contentType;
         QByteArray body;
+        QByteArray extraHeaders; // complete lines, each ending in CR LF
     };
     struct Request
     {

@@ -452,6 +452,33 @@ next();
                                   "misuse: Error: InvalidStateError: send() needs open() first",
                               }));
 
+    // Cookies a server sets are sent back, in the same run and in the next one (the host's jar
+    // is kept on disk).
+    TestHttpServer::Answer login{200, "text/plain", "welcome"};
+    login.extraHeaders = "Set-Cookie: session=abc123; Max-Age=3600; Path=/\r\n";
+    server.set("/login", login);
+    const QByteArray cookieScript = R"JS(
+function get(path, done) {
+  var x = new XMLHttpRequest();
+  x.onload = function () { done(x.responseText); };
+  x.open("GET", host.args.base + path);
+  x.send();
+}
+if (host.args.login === "yes")
+  get("/login", function () { get("/cookie", function (t) { console.log(t); }); });
+else
+  get("/cookie", function (t) { console.log(t); });
+)JS";
+    const PageRun first =
+        runner.runPage(QStringLiteral("cookies"), PageRunner::form(200, 100, {}), cookieScript,
+                       {"--script-arg", "base=" + server.url(""), "--script-arg", "login=yes"});
+    EXPECT_RUN(first, 0);
+    EXPECT_EQ(first.out.trimmed(), "cookie: session=abc123");
+    const PageRun second = runner.runPage(QStringLiteral("cookies"), PageRunner::form(200, 100, {}),
+                                          cookieScript, {"--script-arg", "base=" + server.url("")});
+    EXPECT_RUN(second, 0);
+    EXPECT_EQ(second.out.trimmed(), "cookie: session=abc123");
+
     // A run that ends with requests under way drops them cleanly.
     const PageRun pending = runner.runPage(QStringLiteral("pending"), PageRunner::form(200, 100, {}), R"JS(
 for (var i = 0; i < 3; ++i) {
