@@ -6,8 +6,6 @@
 #include "host/ScriptRuntime.h"
 #include "host/ScriptTimers.h"
 
-#include "frame/Trace.h"
-
 #include <QBuffer>
 #include <QCoreApplication>
 #include <QDir>
@@ -106,7 +104,7 @@ void PageHost::messageHandler(QtMsgType type, const QMessageLogContext& context,
     if (g_previousHandler)
         g_previousHandler(type, context, message);
     else
-        qt_message_output(type, context, message);
+        std::fprintf(stderr, "%s\n", qFormatLogMessage(type, context, message).toLocal8Bit().constData());
 }
 
 bool PageHost::takeEngineWarning(const QMessageLogContext& context, const QString& message)
@@ -172,9 +170,9 @@ void PageHost::onLoaded(const PageFiles& files)
     else if (root->windowTitle().isEmpty())
         root->setWindowTitle(QFileInfo(files.formUrl.path()).completeBaseName());
     m_runtime->setPageWindow(root);
-    m_runtime->setNetwork(m_manager, files.formUrl);
+    m_runtime->setNetwork(m_manager, files.pageUrl);
     m_automation->setPageWindow(root);
-    m_automation->setPageUrl(files.formUrl.toString(QUrl::RemoveUserInfo));
+    m_automation->setPageUrl(files.pageUrl.toString(QUrl::RemoveUserInfo));
 
     root->show();
     if (root->windowHandle() && !QTest::qWaitForWindowExposed(root->windowHandle(), kExposeWaitMs))

@@ -164,6 +164,7 @@ bool PageSource::readLocal(const QString& page, PageFiles* files, QString* error
 
     PageFiles result;
     result.formUrl = QUrl::fromLocalFile(formPath);
+    result.pageUrl = descriptionPath.isEmpty() ? result.formUrl : QUrl::fromLocalFile(descriptionPath);
     if (!readFile(formPath, &result.form, error))
         return false;
     for (const QString& path : scriptPaths) {
@@ -203,6 +204,7 @@ void PageSource::load(const QString& page)
     if (path.endsWith(QLatin1String(".ui"), Qt::CaseInsensitive)) {
         m_description = Description{};
         m_description.form = url;
+        m_files.pageUrl = url;
         QUrl script = url;
         script.setPath(withSuffix(path, QStringLiteral(".js")));
         m_description.scripts << script;
@@ -213,6 +215,7 @@ void PageSource::load(const QString& page)
     if (!path.endsWith(QLatin1String(".json"), Qt::CaseInsensitive))
         descriptionUrl.setPath((path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/')) +
                                kDescriptionName);
+    m_files.pageUrl = descriptionUrl;
     fetch(descriptionUrl, [this, descriptionUrl](const QByteArray& json) {
         QString error;
         if (!parseDescription(json, descriptionUrl, &m_description, &error)) {

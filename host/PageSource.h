@@ -28,6 +28,8 @@ struct PageScript
 
 struct PageFiles
 {
+    // The page.json, or the form when there is none; the script's relative URLs start here.
+    QUrl pageUrl;
     QUrl formUrl;
     QByteArray form;
     QList<PageScript> scripts;

@@ -103,6 +103,7 @@ TEST_F(LocalPages, DescriptionNamesFormScriptsAndTitle)
     for (const QString& page : {dir.filePath("p"), dir.filePath("p/page.json")}) {
         ASSERT_EQ(read(page, &files), QString());
         EXPECT_EQ(files.formUrl, QUrl::fromLocalFile(dir.filePath("p/b.ui")));
+        EXPECT_EQ(files.pageUrl, QUrl::fromLocalFile(dir.filePath("p/page.json")));
         ASSERT_EQ(files.scripts.size(), 2);
         EXPECT_EQ(files.scripts[0].text, "1");
         EXPECT_EQ(files.scripts[1].text, "2");
@@ -147,6 +148,7 @@ TEST(RemotePages, DescriptionFormAndScriptsAreFetched)
         ASSERT_EQ(r.files.scripts.size(), 2);
         EXPECT_EQ(r.files.scripts[0].text, "var a;");
         EXPECT_EQ(r.files.scripts[1].url, QUrl(server.url("/app/b.js")));
+        EXPECT_EQ(r.files.pageUrl, QUrl(server.url("/app/page.json")));
         EXPECT_TRUE(r.files.workingDirectory.isEmpty());
     }
 }
