@@ -15,7 +15,7 @@ struct NXR_EXPORT DisplayLayout
     struct Input
     {
         QSize size;
-        int margin = 1;          // 15 twips
+        int margin = 1;              // 15 twips
         int minimumImageWidth = 293; // 4400 twips
         int labelHeight = 0;
         int toolbarHeight = 0;

@@ -71,7 +71,8 @@ void ImageViewport::relayout()
     const qreal r = ratio();
     const QSize logical(std::max(0, width() - 2 * m_margin), std::max(0, height() - 2));
     m_maths.setScrollBarExtent(int(std::lround(ViewMaths::kDefaultScrollBarExtent * r)));
-    m_maths.setUsableArea(QSize(int(std::lround(logical.width() * r)), int(std::lround(logical.height() * r))));
+    m_maths.setUsableArea(
+        QSize(int(std::lround(logical.width() * r)), int(std::lround(logical.height() * r))));
     apply();
 }
 
@@ -82,7 +83,8 @@ void ImageViewport::apply()
     m_applying = true;
     const qreal r = ratio();
     const QSize visible = m_maths.visibleSize();
-    const QRect viewRect(m_margin, 1, int(std::lround(visible.width() / r)), int(std::lround(visible.height() / r)));
+    const QRect viewRect(m_margin, 1, int(std::lround(visible.width() / r)),
+                         int(std::lround(visible.height() / r)));
     const int bar = ViewMaths::kDefaultScrollBarExtent;
     const QPoint max = m_maths.scrollMaximum();
     const QPoint pos = m_maths.scrollPosition();
@@ -114,6 +116,20 @@ void ImageViewport::apply()
     Q_EMIT viewChanged();
 }
 
+QStringList ImageViewport::dimensionLines() const
+{
+    auto rect = [](const QRectF& r) {
+        return fromDouble(r.left()) + QStringLiteral(", ") + fromDouble(r.top()) + QStringLiteral(") (") +
+               fromDouble(r.width()) + QStringLiteral(", ") + fromDouble(r.height()) + QLatin1Char(')');
+    };
+    const QRectF dest = m_maths.destinationRect();
+    return {QStringLiteral("Scale (L, T) (W, H)    = (") + rect(dest),
+            QStringLiteral("Source (L, T) (W, H)   = (") +
+                rect(QRectF(QPointF(0, 0), QSizeF(m_maths.imageSize()))),
+            QStringLiteral("Dest. l(L, T) (W, H)    = (") + rect(dest),
+            QStringLiteral("SrcClip l(L, T) (W, H)  = (") + rect(m_maths.visibleSourceRect())};
+}
+
 void ImageViewport::setZoomDirect(float zoom)
 {
     m_maths.setZoom(zoom);
@@ -140,13 +156,14 @@ float ImageViewport::focusedZoom(double zoom, double x, double y)
     setSafeZoom(zoom);
     m_maths.centreOn(x, y);
     apply();
-    NXR_TRACE(kClass, QStringLiteral("FocusedZoom"), QStringLiteral("Done(") + fromSingle(m_maths.zoom()) + ')');
+    NXR_TRACE(kClass, QStringLiteral("FocusedZoom"),
+              QStringLiteral("Done(") + fromSingle(m_maths.zoom()) + ')');
     return m_maths.zoom();
 }
 
-float ImageViewport::anchoredZoom(double zoom, const QPointF& devicePoint)
+float ImageViewport::anchoredZoom(double zoom, const QPointF& devicePoint, const QPointF& imagePoint)
 {
-    const float z = m_maths.anchoredZoom(zoom, devicePoint);
+    const float z = m_maths.anchoredZoom(zoom, devicePoint, imagePoint);
     apply();
     return z;
 }
@@ -156,8 +173,14 @@ float ImageViewport::optimalZoom(double h, double w, bool fitFrame, bool nearest
     float zoom = 100.0f;
     if (h > 0 && w > 0) {
         if (fitFrame) {
-            const qreal r = ratio();
-            zoom = ViewMaths::fitZoom(height() * r, width() * r, h, w, nearest);
+            // The viewport's usable area, less the scroll bars that the zoom found needs.
+            const QSize area = m_maths.usableArea();
+            zoom = ViewMaths::fitZoom(area.height(), area.width(), h, w, nearest);
+            ViewMaths probe = m_maths;
+            probe.setZoom(zoom);
+            const QSize visible = probe.visibleSize();
+            if (visible != area)
+                zoom = ViewMaths::fitZoom(visible.height(), visible.width(), h, w, nearest);
         } else {
             const QSize image = m_maths.effectiveImageSize();
             zoom = ViewMaths::fitZoom(h, w, image.height(), image.width(), nearest);

@@ -45,10 +45,10 @@ public:
     // Clamps to [1, 100 x visible height], re-lays out and repaints; returns the zoom set.
     float setSafeZoom(double zoom);
     float focusedZoom(double zoom, double x, double y);
-    float anchoredZoom(double zoom, const QPointF& devicePoint);
+    float anchoredZoom(double zoom, const QPointF& devicePoint, const QPointF& imagePoint);
     // The zoom at which an area fits: with fitFrame, h and w are image sizes and the area is this
-    // viewport; otherwise h and w are display sizes and the image is the primary view's bitmap
-    // (512 x 480 while it has none).
+    // viewport (less the scroll bars that zoom needs); otherwise h and w are display sizes and the image is
+    // the primary view's bitmap (512 x 480 while it has none).
     float optimalZoom(double h, double w, bool fitFrame, bool nearest) const;
     // Fits the whole image, centred. Returns the zoom set.
     float fitImage();
@@ -63,6 +63,10 @@ public:
 
     QScrollBar* horizontalBar() const { return m_hbar; }
     QScrollBar* verticalBar() const { return m_vbar; }
+
+    // The diagnostic dump of the view's rectangles, one line each: the scaled image, the
+    // source, the destination and the clipped (visible) source, as (left, top) (width, height).
+    QStringList dimensionLines() const;
 
     // Re-reads the viewport size and places views and bars.
     void relayout();

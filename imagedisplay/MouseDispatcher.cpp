@@ -37,10 +37,12 @@ int shiftNumber(Qt::KeyboardModifiers m)
 }
 } // namespace
 
-MouseDispatcher::MouseDispatcher(ImageViewport& viewport, QObject* parent) : QObject(parent), m_viewport(viewport) {}
+MouseDispatcher::MouseDispatcher(ImageViewport& viewport, QObject* parent)
+    : QObject(parent), m_viewport(viewport)
+{}
 
-MouseArgs MouseDispatcher::args(Qt::MouseButton button, Qt::MouseButtons held, Qt::KeyboardModifiers modifiers,
-                                const QPointF& position)
+MouseArgs MouseDispatcher::args(Qt::MouseButton button, Qt::MouseButtons held,
+                                Qt::KeyboardModifiers modifiers, const QPointF& position)
 {
     MouseArgs a;
     a.button = buttonNumber(button != Qt::NoButton ? Qt::MouseButtons(button) : held);
@@ -54,26 +56,34 @@ void MouseDispatcher::attach(RasterView* lead, RasterView* mask)
 {
     m_lead = lead;
     connect(lead, &RasterView::mousePressed, this,
-            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) { leadMouseDown(args(b, {}, m, p)); });
+            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
+                leadMouseDown(args(b, {}, m, p));
+            });
     connect(lead, &RasterView::mouseMoved, this,
             [this](Qt::MouseButtons b, Qt::KeyboardModifiers m, const QPointF& p) {
                 leadMouseMove(args(Qt::NoButton, b, m, p));
             });
     connect(lead, &RasterView::mouseReleased, this,
-            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) { leadMouseUp(args(b, {}, m, p)); });
+            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
+                leadMouseUp(args(b, {}, m, p));
+            });
     connect(lead, &RasterView::wheelTurned, this,
             [this](double steps, Qt::KeyboardModifiers, const QPointF& p) { wheel(steps, p); });
     connect(lead, &RasterView::mouseLeft, this, [this] { Q_EMIT hovering(false, QPointF()); });
     if (!mask)
         return;
     connect(mask, &RasterView::mousePressed, this,
-            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) { maskMouseDown(args(b, {}, m, p)); });
+            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
+                maskMouseDown(args(b, {}, m, p));
+            });
     connect(mask, &RasterView::mouseMoved, this,
             [this](Qt::MouseButtons b, Qt::KeyboardModifiers m, const QPointF& p) {
                 maskMouseMove(args(Qt::NoButton, b, m, p));
             });
     connect(mask, &RasterView::mouseReleased, this,
-            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) { maskMouseUp(args(b, {}, m, p)); });
+            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
+                maskMouseUp(args(b, {}, m, p));
+            });
     connect(mask, &RasterView::mouseDoubleClicked, this,
             [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
                 maskDoubleClick(args(b, {}, m, p));
@@ -96,10 +106,16 @@ void MouseDispatcher::updateCursor(const QPointF& image)
     if (!m_lead)
         return;
     switch (m_mode) {
-    case Pan: m_lead->setCursor(m_panning ? Qt::ClosedHandCursor : Qt::OpenHandCursor); break;
+    case Pan:
+        m_lead->setCursor(m_panning ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
+        break;
     case ZoomIn:
-    case ZoomOut: m_lead->setCursor(Qt::CrossCursor); break;
-    default: m_lead->setCursor(m_graphics.cursorAt ? m_graphics.cursorAt(image) : Qt::ArrowCursor); break;
+    case ZoomOut:
+        m_lead->setCursor(Qt::CrossCursor);
+        break;
+    default:
+        m_lead->setCursor(m_graphics.cursorAt ? m_graphics.cursorAt(image) : Qt::ArrowCursor);
+        break;
     }
 }
 
@@ -136,14 +152,17 @@ void MouseDispatcher::leadMouseDown(const MouseArgs& a)
         const bool in = (a.button == 1 && m_mode == ZoomIn) || (a.button == 2 && m_mode == ZoomOut);
         const bool out = (a.button == 2 && m_mode == ZoomIn) || (a.button == 1 && m_mode == ZoomOut);
         if (in || out) {
-            const float wanted = ViewMaths::integerZoom(in ? double(current) * 2.0 : double(current) / 2.0, true);
+            const float wanted =
+                ViewMaths::integerZoom(in ? double(current) * 2.0 : double(current) / 2.0, true);
             const float zoom = m_viewport.focusedZoom(wanted, image.x(), image.y());
-            NXR_TRACE(kClass, QStringLiteral("ctl_LEAD_MouseDown"), QStringLiteral("new zoom=") + fromSingle(zoom));
+            NXR_TRACE(kClass, QStringLiteral("ctl_LEAD_MouseDown"),
+                      QStringLiteral("new zoom=") + fromSingle(zoom));
             Q_EMIT userZoomed(zoom);
         }
         break;
     }
-    default: break;
+    default:
+        break;
     }
     m_busy = false;
     NXR_TRACE(kClass, QStringLiteral("ctl_LEAD_MouseDown"), QStringLiteral("Done"));
@@ -154,7 +173,8 @@ void MouseDispatcher::leadMouseMove(const MouseArgs& a)
     const QPointF position(a.x, a.y);
     if (m_mode == Pan && m_panning && (a.button & 1)) {
         const QPointF moved = position - m_panStart;
-        m_viewport.setScrollPosition(m_panStartScroll - QPoint(int(std::lround(moved.x())), int(std::lround(moved.y()))));
+        m_viewport.setScrollPosition(m_panStartScroll -
+                                     QPoint(int(std::lround(moved.x())), int(std::lround(moved.y()))));
     }
     const QPointF image = m_viewport.maths().toImage(position);
     if (m_mode == Pointer) {
@@ -163,7 +183,8 @@ void MouseDispatcher::leadMouseMove(const MouseArgs& a)
         updateCursor(image);
     }
     const QSize size = m_viewport.maths().imageSize();
-    const bool inside = image.x() >= 0 && image.y() >= 0 && image.x() < size.width() && image.y() < size.height();
+    const bool inside =
+        image.x() >= 0 && image.y() >= 0 && image.x() < size.width() && image.y() < size.height();
     Q_EMIT hovering(inside, image);
 }
 
@@ -184,9 +205,14 @@ void MouseDispatcher::wheel(double steps, const QPointF& devicePoint)
     const int whole = int(std::lround(steps));
     if (whole == 0)
         return;
-    const float before = m_viewport.zoom();
+    const ViewMaths& maths = m_viewport.maths();
+    const float before = maths.zoom();
+    const bool sameRun = m_wheelAnchor.screen == devicePoint && m_wheelAnchor.origin == maths.origin() &&
+                         m_wheelAnchor.zoom == before;
+    const QPointF image = sameRun ? m_wheelAnchor.image : maths.toImage(devicePoint);
     const float wanted = ViewMaths::wheelZoom(before, whole);
-    const float zoom = m_viewport.anchoredZoom(wanted, devicePoint);
+    const float zoom = m_viewport.anchoredZoom(wanted, devicePoint, image);
+    m_wheelAnchor = WheelAnchor{devicePoint, image, maths.origin(), zoom};
     if (zoom != before)
         Q_EMIT userZoomed(zoom);
 }
@@ -203,7 +229,8 @@ void MouseDispatcher::maskMouseMove(const MouseArgs& a)
     if (m_mask.move)
         m_mask.move(a, image);
     const QSize size = m_viewport.maths().imageSize();
-    Q_EMIT hovering(image.x() >= 0 && image.y() >= 0 && image.x() < size.width() && image.y() < size.height(), image);
+    Q_EMIT hovering(image.x() >= 0 && image.y() >= 0 && image.x() < size.width() && image.y() < size.height(),
+                    image);
 }
 
 void MouseDispatcher::maskMouseUp(const MouseArgs& a)

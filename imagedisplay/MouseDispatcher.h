@@ -103,6 +103,16 @@ private:
     bool m_panning = false;
     QPointF m_panStart;
     QPoint m_panStartScroll;
+    // The point a run of wheel steps at one cursor position is anchored to, so that the
+    // whole-pixel rounding of each step does not add up.
+    struct WheelAnchor
+    {
+        QPointF screen;
+        QPointF image;
+        QPoint origin;
+        float zoom = 0.0f;
+    };
+    WheelAnchor m_wheelAnchor;
     GraphicsHooks m_graphics;
     MaskHooks m_mask;
     std::function<bool(const MouseArgs&)> m_defer;

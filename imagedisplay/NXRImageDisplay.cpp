@@ -109,6 +109,9 @@ void NXRImageDisplay::UserControl_Initialize()
         bar->addWidget(m_cmdOK);
         bar->addWidget(m_cmdCancel);
         m_fraOKCancel->hide();
+        m_cmdDebug = new QPushButton(QStringLiteral("Debug"), this);
+        m_cmdDebug->setObjectName(QStringLiteral("cmd_Debug"));
+        m_cmdDebug->hide();
 
         m_statusBar = new NXRStatusBar(this);
         m_statusBar->setObjectName(QStringLiteral("ctl_NXRStatusBar"));
@@ -131,6 +134,7 @@ void NXRImageDisplay::UserControl_Initialize()
                 [this](const QString& name) { Q_EMIT OnButtonClicked(name); });
         connect(m_cmdOK, &QPushButton::clicked, this, &NXRImageDisplay::cmd_OK_Click);
         connect(m_cmdCancel, &QPushButton::clicked, this, &NXRImageDisplay::cmd_Cancel_Click);
+        connect(m_cmdDebug, &QPushButton::clicked, this, &NXRImageDisplay::msub_OutputLEADDims);
         connect(m_mouse, &nxr::MouseDispatcher::userZoomed, this, [this] { raiseZoomChanged(); });
         connect(m_mouse, &nxr::MouseDispatcher::hovering, this, &NXRImageDisplay::showPixelUnderMouse);
         connect(m_viewport, &nxr::ImageViewport::viewChanged, this,
@@ -232,9 +236,11 @@ void NXRImageDisplay::UserControl_Terminate()
 
 void NXRImageDisplay::msub_Localize()
 {
-    m_lblOKCancel->setText(nxr::Globals::Caption{QStringLiteral("Finish editing:"), QStringLiteral("編集の終了:")}.pick());
+    m_lblOKCancel->setText(
+        nxr::Globals::Caption{QStringLiteral("Finish editing:"), QStringLiteral("編集の終了:")}.pick());
     m_cmdOK->setText(nxr::Globals::Caption{QStringLiteral("OK"), QStringLiteral("OK")}.pick());
-    m_cmdCancel->setText(nxr::Globals::Caption{QStringLiteral("Cancel"), QStringLiteral("キャンセル")}.pick());
+    m_cmdCancel->setText(
+        nxr::Globals::Caption{QStringLiteral("Cancel"), QStringLiteral("キャンセル")}.pick());
 }
 
 // ---- string property keys ----
@@ -250,9 +256,10 @@ void NXRImageDisplay::addKeys()
     };
     properties()
         .add(QStringLiteral("AutoZoom"), ignore, [] { return QString(); })
-        .add(QStringLiteral("Zoom"),
-             [this, positiveNumber](const QString& v) { m_viewport->setZoomDirect(float(positiveNumber(v))); },
-             [this] { return fromSingle(activeView()->zoom()); })
+        .add(
+            QStringLiteral("Zoom"),
+            [this, positiveNumber](const QString& v) { m_viewport->setZoomDirect(float(positiveNumber(v))); },
+            [this] { return fromSingle(activeView()->zoom()); })
         .addWriteOnly(QStringLiteral("OpenButtonEnabled"),
                       [this](const QString& v) { EnableOMIViewButton(vvb_Open, nxr::toBool(v)); })
         .addWriteOnly(QStringLiteral("FTPPortNo"),
@@ -284,31 +291,38 @@ void NXRImageDisplay::addKeys()
                       })
         .addWriteOnly(QStringLiteral("EnableLogImageLoad"),
                       [this](const QString& v) { m_enableLogImageLoad = nxr::toBool(v); })
-        .add(QStringLiteral("LiveMode"), [this](const QString& v) { m_loading->setLiveMode(nxr::toBool(v)); },
-             [this] { return fromBool(m_state.liveModeOn); })
-        .add(QStringLiteral("LaserButtonEnabled"),
-             [this](const QString& v) {
-                 const bool on = nxr::toBool(v);
-                 m_state.laserButtonEnabled = on;
-                 m_viewButtons->SetProperty(QStringLiteral("ButtonEnabled"), nxr::joinItemValue(vvb_LaserOn, fromBool(on)));
-             },
-             [this] { return m_viewButtons->GetProperty(QStringLiteral("LaserOnOffButtonEnabled")); })
-        .add(QStringLiteral("LaserOn"),
-             [this](const QString& v) { m_viewButtons->SetProperty(QStringLiteral("LaserOn"), v); },
-             [this] { return m_viewButtons->GetProperty(QStringLiteral("LaserOn")); })
+        .add(
+            QStringLiteral("LiveMode"), [this](const QString& v) { m_loading->setLiveMode(nxr::toBool(v)); },
+            [this] { return fromBool(m_state.liveModeOn); })
+        .add(
+            QStringLiteral("LaserButtonEnabled"),
+            [this](const QString& v) {
+                const bool on = nxr::toBool(v);
+                m_state.laserButtonEnabled = on;
+                m_viewButtons->SetProperty(QStringLiteral("ButtonEnabled"),
+                                           nxr::joinItemValue(vvb_LaserOn, fromBool(on)));
+            },
+            [this] { return m_viewButtons->GetProperty(QStringLiteral("LaserOnOffButtonEnabled")); })
+        .add(
+            QStringLiteral("LaserOn"),
+            [this](const QString& v) { m_viewButtons->SetProperty(QStringLiteral("LaserOn"), v); },
+            [this] { return m_viewButtons->GetProperty(QStringLiteral("LaserOn")); })
         .addWriteOnly(QStringLiteral("RefreshDisplay"), [this](const QString&) { RefreshDisplay(); })
-        .add(QStringLiteral("ColorMode"),
-             [this](const QString& v) {
-                 const bool on = nxr::toBool(v);
-                 m_state.colorMode = on;
-                 if (!on) {
-                     m_lead->convertToGrey();
-                     RefreshDisplay();
-                 }
-             },
-             [this] { return fromBool(m_state.colorMode); })
-        .addWriteOnly(QStringLiteral("MinPairWidth"), [this](const QString& v) { m_minPairWidth = nxr::toDouble(v); })
-        .addWriteOnly(QStringLiteral("MaxPairWidth"), [this](const QString& v) { m_maxPairWidth = nxr::toDouble(v); })
+        .add(
+            QStringLiteral("ColorMode"),
+            [this](const QString& v) {
+                const bool on = nxr::toBool(v);
+                m_state.colorMode = on;
+                if (!on) {
+                    m_lead->convertToGrey();
+                    RefreshDisplay();
+                }
+            },
+            [this] { return fromBool(m_state.colorMode); })
+        .addWriteOnly(QStringLiteral("MinPairWidth"),
+                      [this](const QString& v) { m_minPairWidth = nxr::toDouble(v); })
+        .addWriteOnly(QStringLiteral("MaxPairWidth"),
+                      [this](const QString& v) { m_maxPairWidth = nxr::toDouble(v); })
         .addReadOnly(QStringLiteral("LastErrorString"), [this] { return core().lastError(); })
         .addReadOnly(QStringLiteral("Height"), [this] { return QString::number(height()); })
         .addReadOnly(QStringLiteral("Width"), [this] { return QString::number(width()); })
@@ -357,7 +371,8 @@ bool NXRImageDisplay::toolbarFlag(const QString& key)
 void NXRImageDisplay::setButtonsVisible(std::initializer_list<int> buttons, bool visible)
 {
     for (int button : buttons)
-        m_viewButtons->SetProperty(QStringLiteral("ButtonVisible"), nxr::joinItemValue(button, fromBool(visible)));
+        m_viewButtons->SetProperty(QStringLiteral("ButtonVisible"),
+                                   nxr::joinItemValue(button, fromBool(visible)));
 }
 
 bool NXRImageDisplay::ImageCaptureButtonsVisible()
@@ -509,8 +524,9 @@ void NXRImageDisplay::Resize(int vlng_Width, int vlng_Height)
         resize(vlng_Width, vlng_Height);
         UserControl_Resize();
     } catch (const Failure& f) {
-        core().reportError(QStringLiteral("Resize"), QStringLiteral("Error in Resize(") + QString::number(vlng_Width) +
-                                                         QStringLiteral(", ") + QString::number(vlng_Height) +
+        core().reportError(QStringLiteral("Resize"), QStringLiteral("Error in Resize(") +
+                                                         QString::number(vlng_Width) + QStringLiteral(", ") +
+                                                         QString::number(vlng_Height) +
                                                          QStringLiteral("): ") + f.description());
     }
 }
@@ -519,7 +535,8 @@ void NXRImageDisplay::ZoomTo(int VLng_Top, int VLng_Left, int vlng_Height, int v
 {
     core().guard(QStringLiteral("ZoomTo"), [&] {
         const float zoom = m_viewport->optimalZoom(vlng_Height, vlng_Width, true, false);
-        [[maybe_unused]] const float set = m_viewport->focusedZoom(zoom, VLng_Left + vlng_Width / 2.0, VLng_Top + vlng_Height / 2.0);
+        [[maybe_unused]] const float set =
+            m_viewport->focusedZoom(zoom, VLng_Left + vlng_Width / 2.0, VLng_Top + vlng_Height / 2.0);
         NXR_TRACE(kClass, QStringLiteral("ZoomTo"), QStringLiteral("new zoom=") + fromSingle(set));
         raiseZoomChanged();
     });
@@ -560,14 +577,16 @@ void NXRImageDisplay::setWaitOnDisplay(bool value)
 void NXRImageDisplay::LoadLocalImage(const QString& vstr_FilePath)
 {
     core().guard(QStringLiteral("LoadLocalImage"), [&] {
-        NXR_TRACE(kClass, QStringLiteral("LoadLocalImage"), QStringLiteral("Entered, vstr_FilePath = ") + vstr_FilePath);
+        NXR_TRACE(kClass, QStringLiteral("LoadLocalImage"),
+                  QStringLiteral("Entered, vstr_FilePath = ") + vstr_FilePath);
         const QFileInfo info(vstr_FilePath);
         if (!info.isFile())
             throw Failure(QStringLiteral("file ") + vstr_FilePath + QStringLiteral(" does not exist"));
         QImageReader reader(vstr_FilePath);
         const QImage image = reader.read();
         if (image.isNull())
-            throw Failure(QStringLiteral("file ") + vstr_FilePath + QStringLiteral(" does not contain image"));
+            throw Failure(QStringLiteral("file ") + vstr_FilePath +
+                          QStringLiteral(" does not contain image"));
         m_tempLead->setBitmap(image);
         m_originalFilename = info.fileName();
         m_loading->loader().images().insert(nxr::ImageList::kCurrent, image);
@@ -593,8 +612,8 @@ void NXRImageDisplay::showImage(const QImage& image, bool keepViewIfSameSize)
         NXR_TRACE(kClass, QStringLiteral("msub_ResetAndShowListImage"), QStringLiteral("reset zoom etc."));
         const float zoom = m_viewport->fitImage();
         NXR_TRACE(kClass, QStringLiteral("msub_ResetAndShowListImage"),
-                  QStringLiteral("raising event OnZoomChanged(") + fromSingle(zoom) + QStringLiteral("), old zoom=") +
-                      fromSingle(oldZoom));
+                  QStringLiteral("raising event OnZoomChanged(") + fromSingle(zoom) +
+                      QStringLiteral("), old zoom=") + fromSingle(oldZoom));
         m_statusBar->UpdateStatusBar(zoom);
         Q_EMIT OnZoomChanged(zoom);
     } else if (!shown.isNull()) {
@@ -656,6 +675,12 @@ void NXRImageDisplay::EnableOMIViewButton(int button, bool enable)
 void NXRImageDisplay::RefreshDisplay()
 {
     m_viewport->repaintViews();
+}
+
+void NXRImageDisplay::msub_OutputLEADDims()
+{
+    for ([[maybe_unused]] const QString& line : m_viewport->dimensionLines())
+        NXR_TRACE(kClass, QStringLiteral("msub_OutputLEADDims"), line);
 }
 
 void NXRImageDisplay::flashOKCancel()

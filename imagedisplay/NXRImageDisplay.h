@@ -41,10 +41,12 @@ class NXR_EXPORT NXRImageDisplay : public nxr::ScriptableWidget
     Q_PROPERTY(float Zoom READ Zoom WRITE setZoom)
     Q_PROPERTY(int ImageHeight READ ImageHeight)
     Q_PROPERTY(int ImageWidth READ ImageWidth)
-    Q_PROPERTY(bool ImageCaptureButtonsVisible READ ImageCaptureButtonsVisible WRITE setImageCaptureButtonsVisible)
+    Q_PROPERTY(
+        bool ImageCaptureButtonsVisible READ ImageCaptureButtonsVisible WRITE setImageCaptureButtonsVisible)
     Q_PROPERTY(bool WindowResetButtonVisible READ WindowResetButtonVisible WRITE setWindowResetButtonVisible)
     Q_PROPERTY(bool OpenSaveButtonsVisible READ OpenSaveButtonsVisible WRITE setOpenSaveButtonsVisible)
-    Q_PROPERTY(QString OverrideImageLabelCaption READ OverrideImageLabelCaption WRITE setOverrideImageLabelCaption)
+    Q_PROPERTY(
+        QString OverrideImageLabelCaption READ OverrideImageLabelCaption WRITE setOverrideImageLabelCaption)
     Q_PROPERTY(int OverrideImageLabelColor READ OverrideImageLabelColor WRITE setOverrideImageLabelColor)
     Q_PROPERTY(bool HourglassCursor READ HourglassCursor WRITE setHourglassCursor)
     Q_PROPERTY(bool ProgressCursor READ ProgressCursor WRITE setProgressCursor)
@@ -149,6 +151,8 @@ public:
     // Sends "ButtonEnabled" = "<button>, True|False" to the tool bar.
     void EnableOMIViewButton(int button, bool enable);
     void RefreshDisplay();
+    // Writes the view's rectangles to the trace (the hidden cmd_Debug button does the same).
+    void msub_OutputLEADDims();
     // Flashes the OK/Cancel bar to remind the user to finish the editing.
     void flashOKCancel();
 
@@ -212,6 +216,7 @@ private:
     QLabel* m_lblOKCancel = nullptr;
     QPushButton* m_cmdOK = nullptr;
     QPushButton* m_cmdCancel = nullptr;
+    QPushButton* m_cmdDebug = nullptr;
     QTimer* m_tmrLiveMode = nullptr;
     QTimer* m_tmrImageRefresh = nullptr;
     QTimer* m_tmrFlashOKCancel = nullptr;

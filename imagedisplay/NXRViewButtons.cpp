@@ -89,6 +89,12 @@ void NXRViewButtons::createButtons()
             m_cursorOptions[size_t(option++)] = b;
             m_cursorGroup->addButton(b, number);
             connect(b, &QToolButton::clicked, this, [this, number] { Q_EMIT OnButtonClicked(number); });
+        } else if (number == vvb_ContinuousAcquire) {
+            // Pressed or released is the page's to say (key "Live"), not the click's.
+            connect(b, &QToolButton::clicked, this, [this, b, number] {
+                b->setChecked(m_liveShown);
+                Q_EMIT OnButtonClicked(number);
+            });
         } else if (number == vvb_CrosshairOn || number == vvb_LaserOn) {
             connect(b, &QToolButton::clicked, this,
                     [this, number](bool checked) { Q_EMIT OnButtonClicked(checked ? number : number + 1); });
@@ -112,14 +118,13 @@ QAbstractButton* NXRViewButtons::buttonControl(int button) const
     return m_controls[size_t(controlIndex(button))];
 }
 
-template <typename Body>
-void NXRViewButtons::applying(const QString& key, Body&& body)
+template <typename Body> void NXRViewButtons::applying(const QString& key, Body&& body)
 {
     try {
         body();
     } catch (const Failure& f) {
-        core().reportError(kSetProperty, QStringLiteral("Error setting ") + key + QStringLiteral(" property: ") +
-                                             f.description());
+        core().reportError(kSetProperty, QStringLiteral("Error setting ") + key +
+                                             QStringLiteral(" property: ") + f.description());
     }
 }
 
@@ -128,8 +133,8 @@ bool NXRViewButtons::parseButtonValue(const QString& key, const QString& value, 
     const qsizetype comma = value.indexOf(QLatin1Char(','));
     if (comma < 0) {
         core().reportError(kSetProperty, QStringLiteral("Error setting ") + key +
-                                             QStringLiteral(" property: invalid PropertyValue argument (") + value +
-                                             QLatin1Char(')'));
+                                             QStringLiteral(" property: invalid PropertyValue argument (") +
+                                             value + QLatin1Char(')'));
         return false;
     }
     try {
@@ -137,8 +142,8 @@ bool NXRViewButtons::parseButtonValue(const QString& key, const QString& value, 
         *flag = nxr::toBool(value.mid(comma + 1).trimmed());
     } catch (const Failure&) {
         core().reportError(kSetProperty, QStringLiteral("Error setting ") + key +
-                                             QStringLiteral(" property: could not parse Button or Value (") + value +
-                                             QLatin1Char(')'));
+                                             QStringLiteral(" property: could not parse Button or Value (") +
+                                             value + QLatin1Char(')'));
         return false;
     }
     return true;
@@ -185,11 +190,16 @@ void NXRViewButtons::addKeys()
     auto enabled = [this](int button) { return fromBool(buttonControl(button)->isEnabled()); };
 
     properties()
-        .add(QStringLiteral("AcquireEnabled"),
-             boolKey(QStringLiteral("AcquireEnabled"), [this](bool on) { setButtonEnabled(vvb_Acquire, on); }),
-             [enabled] { return enabled(vvb_Acquire); })
+        .add(
+            QStringLiteral("AcquireEnabled"),
+            boolKey(QStringLiteral("AcquireEnabled"), [this](bool on) { setButtonEnabled(vvb_Acquire, on); }),
+            [enabled] { return enabled(vvb_Acquire); })
         .add(QStringLiteral("Live"),
-             boolKey(QStringLiteral("Live"), [this](bool on) { buttonControl(vvb_ContinuousAcquire)->setChecked(on); }),
+             boolKey(QStringLiteral("Live"),
+                     [this](bool on) {
+                         m_liveShown = on;
+                         buttonControl(vvb_ContinuousAcquire)->setChecked(on);
+                     }),
              [this] { return fromBool(buttonControl(vvb_ContinuousAcquire)->isChecked()); })
         .add(QStringLiteral("LiveEnabled"),
              boolKey(QStringLiteral("LiveEnabled"),
@@ -199,9 +209,10 @@ void NXRViewButtons::addKeys()
                       buttonKey(QStringLiteral("ButtonEnabled"), &NXRViewButtons::setButtonEnabled))
         .addWriteOnly(QStringLiteral("ButtonVisible"),
                       buttonKey(QStringLiteral("ButtonVisible"), &NXRViewButtons::setButtonVisible))
-        .add(QStringLiteral("LaserOn"),
-             [this](const QString& v) { buttonControl(vvb_LaserOn)->setChecked(v == QLatin1String("True")); },
-             [this] { return fromBool(buttonControl(vvb_LaserOn)->isChecked()); })
+        .add(
+            QStringLiteral("LaserOn"),
+            [this](const QString& v) { buttonControl(vvb_LaserOn)->setChecked(v == QLatin1String("True")); },
+            [this] { return fromBool(buttonControl(vvb_LaserOn)->isChecked()); })
         .addWriteOnly(QStringLiteral("HourglassCursor"), boolKey(QStringLiteral("HourglassCursor"),
                                                                  [this](bool on) {
                                                                      if (on)
@@ -216,17 +227,19 @@ void NXRViewButtons::addKeys()
                                                                     else
                                                                         unsetCursor();
                                                                 }))
-        .add(QStringLiteral("ActiveMouseCursor"),
-             [this](const QString& v) {
-                 const int mode = nxr::toInteger(v);
-                 if (mode < 1 || mode > 4)
-                     throw Failure(QStringLiteral("Invalid property value"));
-                 m_cursorOptions[size_t(mode - 1)]->setChecked(true);
-             },
-             [this] { return QString::number(m_cursorGroup->checkedId() - vvb_MouseModePointer + 1); })
+        .add(
+            QStringLiteral("ActiveMouseCursor"),
+            [this](const QString& v) {
+                const int mode = nxr::toInteger(v);
+                if (mode < 1 || mode > 4)
+                    throw Failure(QStringLiteral("Invalid property value"));
+                m_cursorOptions[size_t(mode - 1)]->setChecked(true);
+            },
+            [this] { return QString::number(m_cursorGroup->checkedId() - vvb_MouseModePointer + 1); })
         .addReadOnly(QStringLiteral("LastErrorString"), [this] { return core().lastError(); })
-        .addReadOnly(QStringLiteral("ImageCaptureButtonsVisible"),
-                     [this] { return fromBool(visibleFlag(vvb_ContinuousAcquire) && visibleFlag(vvb_Acquire)); })
+        .addReadOnly(
+            QStringLiteral("ImageCaptureButtonsVisible"),
+            [this] { return fromBool(visibleFlag(vvb_ContinuousAcquire) && visibleFlag(vvb_Acquire)); })
         .addReadOnly(QStringLiteral("WindowResetButtonVisible"),
                      [this] { return fromBool(visibleFlag(vvb_WindowReset)); })
         .addReadOnly(QStringLiteral("OpenSaveButtonsVisible"),
@@ -255,7 +268,8 @@ void NXRViewButtons::layoutButtons()
     // Square buttons as tall as the bar, narrower when the row would not fit.
     const int side = std::max(1, std::min(height(), width() / count));
     NXR_TRACE(kClass, QStringLiteral("UserControl_Resize"),
-              QStringLiteral("new button h=") + QString::number(side) + QStringLiteral(", w=") + QString::number(side));
+              QStringLiteral("new button h=") + QString::number(side) + QStringLiteral(", w=") +
+                  QString::number(side));
     int x = 0;
     const int iconSide = std::max(8, side - 8);
     for (const ButtonSpec& spec : kButtons) {

@@ -44,11 +44,11 @@ private:
     void setButtonEnabled(int button, bool enabled);
     void setButtonVisible(int button, bool visible);
     // Runs a key's body; a failure is reported as "Error setting <key> property: " + details.
-    template <typename Body>
-    void applying(const QString& key, Body&& body);
+    template <typename Body> void applying(const QString& key, Body&& body);
     bool visibleFlag(int button) const;
 
     std::array<QAbstractButton*, 20> m_controls{};
     std::array<QAbstractButton*, 4> m_cursorOptions{};
     QButtonGroup* m_cursorGroup = nullptr;
+    bool m_liveShown = false;
 };

@@ -13,7 +13,8 @@ const QString kClass = QStringLiteral("NXRImageDisplay");
 const char kTag[] = "Tag";
 } // namespace
 
-ToolbarClickHandler::ToolbarClickHandler(const DisplayState& state, QObject* parent) : QObject(parent), m_state(state)
+ToolbarClickHandler::ToolbarClickHandler(const DisplayState& state, QObject* parent)
+    : QObject(parent), m_state(state)
 {
     m_timer = new QTimer(this);
     m_timer->setObjectName(QStringLiteral("tmr_ButtonClickEvent"));
@@ -36,8 +37,8 @@ void ToolbarClickHandler::setAction(int button, std::function<void()> action)
 
 void ToolbarClickHandler::handle(int button)
 {
-    NXR_TRACE(kClass, QStringLiteral("msub_HandleNXRViewButtonClick"), QStringLiteral("Entered(") +
-                                                                          QString::number(button) + QLatin1Char(')'));
+    NXR_TRACE(kClass, QStringLiteral("msub_HandleNXRViewButtonClick"),
+              QStringLiteral("Entered(") + QString::number(button) + QLatin1Char(')'));
     if (button >= 0 && button < int(m_actions.size()) && m_actions[size_t(button)])
         m_actions[size_t(button)]();
     if (m_after)

@@ -65,8 +65,12 @@ void drawButton(QPainter& p, int button)
         arrowHead(p, QPointF(2, 16), QPointF(-1, 0));
         arrowHead(p, QPointF(30, 16), QPointF(1, 0));
         break;
-    case vvb_MouseModeZoomIn: magnifier(p, true); break;
-    case vvb_MouseModeZoomOut: magnifier(p, false); break;
+    case vvb_MouseModeZoomIn:
+        magnifier(p, true);
+        break;
+    case vvb_MouseModeZoomOut:
+        magnifier(p, false);
+        break;
     case vvb_FitImage: // corners of a frame around a picture
         p.drawRect(QRectF(9, 10, 14, 12));
         for (const QPointF& c : {QPointF(3, 3), QPointF(29, 3), QPointF(3, 29), QPointF(29, 29)}) {
@@ -110,8 +114,8 @@ void drawButton(QPainter& p, int button)
     }
     case vvb_Open: { // folder
         p.setBrush(QColor(240, 200, 90));
-        p.drawPolygon(QPolygonF({QPointF(3, 8), QPointF(12, 8), QPointF(15, 11), QPointF(29, 11), QPointF(29, 26),
-                                 QPointF(3, 26)}));
+        p.drawPolygon(QPolygonF({QPointF(3, 8), QPointF(12, 8), QPointF(15, 11), QPointF(29, 11),
+                                 QPointF(29, 26), QPointF(3, 26)}));
         break;
     }
     case vvb_Save: // disk
@@ -131,7 +135,8 @@ void drawButton(QPainter& p, int button)
         p.setBrush(QColor(210, 30, 30));
         p.drawEllipse(QRectF(11, 11, 10, 10));
         break;
-    default: break;
+    default:
+        break;
     }
 }
 
@@ -139,8 +144,8 @@ void drawButton(QPainter& p, int button)
 
 QIcon ViewButtonIcons::icon(int button)
 {
-    if (button == vvb_PixelGrid || button == vvb_SubpixelGrid || button == vvb_Accept || button == vvb_Cancel ||
-        button < 0 || button > vvb_LaserOff)
+    if (button == vvb_PixelGrid || button == vvb_SubpixelGrid || button == vvb_Accept ||
+        button == vvb_Cancel || button < 0 || button > vvb_LaserOff)
         return QIcon();
     if (button == vvb_CrosshairOff)
         button = vvb_CrosshairOn;

@@ -188,7 +188,8 @@ QPoint ViewMaths::scrollMaximum() const
 {
     const QSizeF s = scaledSize();
     const QSize v = visibleSize();
-    return QPoint(std::max(0, wholePixels(s.width()) - v.width()), std::max(0, wholePixels(s.height()) - v.height()));
+    return QPoint(std::max(0, wholePixels(s.width()) - v.width()),
+                  std::max(0, wholePixels(s.height()) - v.height()));
 }
 
 QPoint ViewMaths::scrollPosition() const
@@ -246,7 +247,11 @@ float ViewMaths::focusedZoom(double zoom, double x, double y)
 
 float ViewMaths::anchoredZoom(double zoom, const QPointF& screen)
 {
-    const QPointF image = toImage(screen);
+    return anchoredZoom(zoom, screen, toImage(screen));
+}
+
+float ViewMaths::anchoredZoom(double zoom, const QPointF& screen, const QPointF& image)
+{
     setSafeZoom(zoom);
     setOriginClamped(screen.x() - image.x() * scale(), screen.y() - image.y() * scale());
     return m_zoom;

@@ -92,6 +92,8 @@ public:
     float focusedZoom(double zoom, double x, double y);
     // setSafeZoom, keeping the image point under `screen` under it where the scroll limits allow.
     float anchoredZoom(double zoom, const QPointF& screen);
+    // As above for a given image point (to anchor a run of steps to the point of the first).
+    float anchoredZoom(double zoom, const QPointF& screen, const QPointF& image);
 
     QPointF toImage(const QPointF& screen) const;
     QPointF toScreen(const QPointF& image) const;

@@ -12,6 +12,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -61,8 +62,8 @@ protected:
 
     void wheel(QPoint at, int notches)
     {
-        QWheelEvent e(at, lead()->mapToGlobal(at), QPoint(), QPoint(0, 120 * notches), Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
+        QWheelEvent e(at, lead()->mapToGlobal(at), QPoint(), QPoint(0, 120 * notches), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
         QApplication::sendEvent(lead(), &e);
     }
     void mouse(QEvent::Type type, QPoint at, Qt::MouseButton button, Qt::MouseButtons held)
@@ -97,9 +98,15 @@ TEST_F(Display, UnknownKeysRaiseOneErrorEachAndChangeNothing)
 
 TEST_F(Display, KeysOfLaterFeaturesAreAcceptedNow)
 {
-    for (auto [key, value] : {std::pair{"FTPPortNo", "2121"}, {"HTTPPortNo", "8080"}, {"EnableLogImageLoad", "True"},
-                              {"MinPairWidth", "2.5"}, {"MaxPairWidth", "40"}, {"AutoZoom", "whatever"},
-                              {"RefreshDisplay", ""}, {"FontName", "DejaVu Sans"}, {"FontSize", "11"}})
+    for (auto [key, value] : {std::pair{"FTPPortNo", "2121"},
+                              {"HTTPPortNo", "8080"},
+                              {"EnableLogImageLoad", "True"},
+                              {"MinPairWidth", "2.5"},
+                              {"MaxPairWidth", "40"},
+                              {"AutoZoom", "whatever"},
+                              {"RefreshDisplay", ""},
+                              {"FontName", "DejaVu Sans"},
+                              {"FontSize", "11"}})
         display->SetProperty(key, value);
     EXPECT_EQ(errors->count(), 0) << display->LastErrorString().toStdString();
     display->SetProperty("LiveMode", "True");
@@ -215,7 +222,8 @@ TEST_F(Display, LoadLocalImageShowsAFileAndReportsBadOnes)
     f.write("not an image");
     f.close();
     display->LoadLocalImage(notAnImage);
-    EXPECT_EQ(display->LastErrorString(), "Error in LoadLocalImage: file " + notAnImage + " does not contain image");
+    EXPECT_EQ(display->LastErrorString(),
+              "Error in LoadLocalImage: file " + notAnImage + " does not contain image");
     display->LoadLocalImage(dir.filePath("missing.png"));
     EXPECT_EQ(display->LastErrorString(),
               "Error in LoadLocalImage: file " + dir.filePath("missing.png") + " does not exist");
@@ -274,13 +282,13 @@ TEST_F(Display, DefaultZoomAndFitOutsideEditing)
     click(vvb_DefaultZoom);
     EXPECT_EQ(display->Zoom(), 100.0f);
     // centred on the image centre
-    const QPointF centre = maths().toImage(QPointF(maths().visibleSize().width() / 2.0,
-                                                   maths().visibleSize().height() / 2.0));
+    const QPointF centre =
+        maths().toImage(QPointF(maths().visibleSize().width() / 2.0, maths().visibleSize().height() / 2.0));
     EXPECT_NEAR(centre.x(), 1296, 1.0);
     EXPECT_NEAR(centre.y(), 972, 1.0);
     click(vvb_FitImage);
-    EXPECT_EQ(display->Zoom(), nxr::ViewMaths::fitZoom(maths().usableArea().height(), maths().usableArea().width(),
-                                                       1944, 2592, false));
+    EXPECT_EQ(display->Zoom(), nxr::ViewMaths::fitZoom(maths().usableArea().height(),
+                                                       maths().usableArea().width(), 1944, 2592, false));
     ASSERT_EQ(pageClicks->count(), 2);
     EXPECT_EQ(pageClicks->at(0).at(0).toString(), "ZoomDefault");
     EXPECT_EQ(pageClicks->at(1).at(0).toString(), "ZoomFitImage");
@@ -383,8 +391,8 @@ TEST_F(Display, WheelZoomKeepsThePointUnderTheCursor)
         wheel(at, -2);
         EXPECT_EQ(display->Zoom(), 200.0f);
         now = maths().toScreen(before);
-        EXPECT_NEAR(now.x(), device.x(), 1.0);
-        EXPECT_NEAR(now.y(), device.y(), 1.0);
+        EXPECT_NEAR(now.x(), device.x(), 0.5);
+        EXPECT_NEAR(now.y(), device.y(), 0.5);
         EXPECT_EQ(zooms->count(), 3);
     }
     // At the top limit the wheel changes nothing and raises nothing.
@@ -406,12 +414,12 @@ TEST_F(Display, PanDragMovesTheImageWithTheMouse)
     mouse(QEvent::MouseMove, QPoint(180, 190), Qt::NoButton, Qt::LeftButton);
     mouse(QEvent::MouseMove, QPoint(150, 170), Qt::NoButton, Qt::LeftButton);
     mouse(QEvent::MouseButtonRelease, QPoint(150, 170), Qt::LeftButton, Qt::NoButton);
-    const int r = int(lead()->deviceRatio());
-    EXPECT_EQ(maths().scrollPosition(), QPoint(500 + 50 * r, 400 + 30 * r));
-    EXPECT_EQ(display->viewport().horizontalBar()->value(), 500 + 50 * r);
+    const QPoint moved = (QPointF(50, 30) * lead()->deviceRatio()).toPoint();
+    EXPECT_EQ(maths().scrollPosition(), QPoint(500, 400) + moved);
+    EXPECT_EQ(display->viewport().horizontalBar()->value(), 500 + moved.x());
     // Moving without the button does not pan.
     mouse(QEvent::MouseMove, QPoint(10, 10), Qt::NoButton, Qt::NoButton);
-    EXPECT_EQ(maths().scrollPosition(), QPoint(500 + 50 * r, 400 + 30 * r));
+    EXPECT_EQ(maths().scrollPosition(), QPoint(500, 400) + moved);
 }
 
 TEST_F(Display, ScrollBarsScrollWithinTheLimits)
@@ -444,6 +452,40 @@ TEST_F(Display, PixelUnderTheCursorInTheStatusBar)
     display->showImage(grey);
     mouse(QEvent::MouseMove, logical(device), Qt::NoButton, Qt::NoButton);
     EXPECT_EQ(display->statusBar()->pixelLabelText(), "x=37, y=21: 77");
+}
+
+TEST_F(Display, AtHundredPercentOneImagePixelCoversOneDevicePixel)
+{
+    QImage checker(64, 48, QImage::Format_Grayscale8);
+    for (int y = 0; y < 48; ++y)
+        for (int x = 0; x < 64; ++x)
+            checker.scanLine(y)[x] = ((x + y) % 2) ? 255 : 0;
+    display->showImage(checker, false);
+    display->setZoom(100);
+    lead()->repaint();
+    const QImage shot = lead()->grab().toImage();
+    EXPECT_EQ(shot.size(), maths().visibleSize()); // the view's device pixels
+    const QPoint o = maths().origin();
+    for (int y = 0; y < 48; y += 7)
+        for (int x = 0; x < 64; x += 5)
+            ASSERT_EQ(qGray(shot.pixel(o.x() + x, o.y() + y)), ((x + y) % 2) ? 255 : 0) << x << "," << y;
+    EXPECT_NE(qGray(shot.pixel(o.x() - 1, o.y())), 255); // background beside the image
+}
+
+TEST_F(Display, DiagnosticDumpOfTheViewRectangles)
+{
+    display->showImage(testImage(2592, 1944));
+    display->setZoom(50);
+    display->viewport().setScrollPosition(QPoint(100, 60));
+    const QStringList lines = display->viewport().dimensionLines();
+    ASSERT_EQ(lines.size(), 4);
+    EXPECT_EQ(lines[0], "Scale (L, T) (W, H)    = (-100, -60) (1296, 972)");
+    EXPECT_EQ(lines[1], "Source (L, T) (W, H)   = (0, 0) (2592, 1944)");
+    EXPECT_TRUE(lines[2].startsWith("Dest. l(L, T) (W, H)    = (-100, -60)"));
+    const QSize vis = maths().visibleSize();
+    EXPECT_EQ(
+        lines[3],
+        QString("SrcClip l(L, T) (W, H)  = (200, 120) (%1, %2)").arg(vis.width() * 2).arg(vis.height() * 2));
 }
 
 // ---- layout and methods ----
@@ -500,6 +542,62 @@ TEST_F(Display, MouseEventsOnTheMaskGoToTheMaskHook)
     const QPointF expected = maths().toImage(QPointF(50, 40) * mask->deviceRatio());
     EXPECT_NEAR(downs[0].x(), expected.x(), 1e-9);
     EXPECT_EQ(display->GetProperty("Zoom"), QString::number(double(mask->zoom()), 'g', 7));
+}
+
+// ---- the raster view on its own ----
+
+class PaintCounter : public QObject
+{
+public:
+    int paints = 0;
+    bool eventFilter(QObject*, QEvent* e) override
+    {
+        if (e->type() == QEvent::Paint)
+            ++paints;
+        return false;
+    }
+};
+
+TEST(RasterViewTest, AutoRepaintOffHoldsRepaintsUntilSwitchedOn)
+{
+    nxr::RasterView view;
+    view.resize(200, 150);
+    view.setBitmap(testImage(100, 80));
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+    PaintCounter counter;
+    view.installEventFilter(&counter);
+    QTest::qWait(20);
+    counter.paints = 0;
+    view.setAutoRepaint(false);
+    view.setView(300.0f, QPoint(-10, -10));
+    view.setBitmap(testImage(120, 90));
+    QTest::qWait(50);
+    EXPECT_EQ(counter.paints, 0);
+    view.setAutoRepaint(true);
+    QTest::qWait(50);
+    EXPECT_GE(counter.paints, 1);
+    const int before = counter.paints;
+    view.setOrigin(QPoint(-20, -20));
+    QTest::qWait(50);
+    EXPECT_GT(counter.paints, before);
+}
+
+TEST(RasterViewTest, PainterOnTheBitmapDrawsIntoIt)
+{
+    nxr::RasterView view;
+    QImage grey(40, 30, QImage::Format_Grayscale8);
+    grey.fill(10);
+    view.setBitmap(grey);
+    {
+        auto painter = view.bitmapPainter();
+        painter->fillRect(QRect(5, 5, 4, 4), QColor(255, 0, 0));
+    }
+    EXPECT_EQ(view.bitmap().pixel(6, 6), qRgb(255, 0, 0));
+    EXPECT_EQ(qGray(view.bitmap().pixel(0, 0)), 10);
+    EXPECT_EQ(view.bitmapWidth(), 40);
+    view.convertToGrey();
+    EXPECT_EQ(view.bitmap().format(), QImage::Format_Grayscale8);
 }
 
 } // namespace

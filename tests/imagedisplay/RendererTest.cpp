@@ -59,8 +59,8 @@ TEST_P(NearestAtAndAbove100, EveryScreenPixelShowsTheImagePixelUnderItsCentre)
     const int scaledH = int(std::ceil(23 * s - 1e-6));
     for (int Y = 0; Y < view.height(); ++Y)
         for (int X = 0; X < view.width(); ++X) {
-            const bool inside = X >= origin.x() && X < origin.x() + scaledW && Y >= origin.y() &&
-                                Y < origin.y() + scaledH;
+            const bool inside =
+                X >= origin.x() && X < origin.x() + scaledW && Y >= origin.y() && Y < origin.y() + scaledH;
             QRgb expected = kBackground.rgb();
             if (inside) {
                 const int x = std::min(36, int(std::floor((X + 0.5 - origin.x()) / s)));
@@ -95,6 +95,23 @@ TEST(RendererReduction, HalfZoomShowsTheMeanOfEachTwoByTwoBlock)
     EXPECT_EQ(RasterRenderer::levelForZoom(25.0f), 2);
     EXPECT_EQ(RasterRenderer::levelForZoom(6.25f), 4);
     EXPECT_EQ(RasterRenderer::levelForZoom(400.0f), 0);
+}
+
+TEST(RendererReduction, ColourChannelsAreAveragedSeparately)
+{
+    QImage src(3, 2, QImage::Format_RGB32); // odd width: the last column repeats its edge
+    src.setPixel(0, 0, qRgb(255, 0, 10));
+    src.setPixel(1, 0, qRgb(255, 255, 20));
+    src.setPixel(0, 1, qRgb(254, 1, 30));
+    src.setPixel(1, 1, qRgb(0, 255, 41));
+    src.setPixel(2, 0, qRgb(7, 8, 9));
+    src.setPixel(2, 1, qRgb(9, 8, 7));
+    RasterRenderer r;
+    r.setImage(src);
+    const QImage& half = r.level(1);
+    ASSERT_EQ(half.size(), QSize(2, 1));
+    EXPECT_EQ(half.pixel(0, 0), qRgb(191, 128, 25)); // (764+2)/4, (511+2)/4, (101+2)/4
+    EXPECT_EQ(half.pixel(1, 0), qRgb(8, 8, 8));
 }
 
 TEST(RendererReduction, SmallZoomsKeepTheImageExtentAndColours)

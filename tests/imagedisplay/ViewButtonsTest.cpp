@@ -54,11 +54,13 @@ TEST_F(ViewButtons, ButtonKeysReportTheirOwnTextsAndChangeNothing)
     };
     const Case cases[] = {
         {"ButtonEnabled", "16", "Error setting ButtonEnabled property: invalid PropertyValue argument (16)"},
-        {"ButtonEnabled", "x, True", "Error setting ButtonEnabled property: could not parse Button or Value (x, True)"},
+        {"ButtonEnabled", "x, True",
+         "Error setting ButtonEnabled property: could not parse Button or Value (x, True)"},
         {"ButtonEnabled", "16, maybe",
          "Error setting ButtonEnabled property: could not parse Button or Value (16, maybe)"},
         {"ButtonVisible", "13", "Error setting ButtonVisible property: invalid PropertyValue argument (13)"},
-        {"ButtonVisible", ",True", "Error setting ButtonVisible property: could not parse Button or Value (,True)"},
+        {"ButtonVisible", ",True",
+         "Error setting ButtonVisible property: could not parse Button or Value (,True)"},
         {"ButtonEnabled", "25, False", "Error setting ButtonEnabled property: no such button (25)"},
         {"AcquireEnabled", "sometimes", "Error setting AcquireEnabled property: Type mismatch"},
         {"LiveEnabled", "", "Error setting LiveEnabled property: Type mismatch"},
@@ -145,6 +147,8 @@ TEST_F(ViewButtons, StateKeys)
 
 TEST_F(ViewButtons, ClicksReportTheButtonNumber)
 {
+    control(vvb_ContinuousAcquire)->click(); // stays released until the page says "Live"
+    EXPECT_FALSE(control(vvb_ContinuousAcquire)->isChecked());
     control(vvb_Acquire)->click();
     control(vvb_MouseModeZoomOut)->click();
     control(vvb_CrosshairOn)->click(); // checks
@@ -152,8 +156,8 @@ TEST_F(ViewButtons, ClicksReportTheButtonNumber)
     control(vvb_LaserOn)->click();
     control(vvb_LaserOn)->click();
     control(vvb_Open)->click();
-    const QList<int> expected = {vvb_Acquire,    vvb_MouseModeZoomOut, vvb_CrosshairOn, vvb_CrosshairOff,
-                                 vvb_LaserOn,    vvb_LaserOff,         vvb_Open};
+    const QList<int> expected = {vvb_ContinuousAcquire, vvb_Acquire, vvb_MouseModeZoomOut, vvb_CrosshairOn,
+                                 vvb_CrosshairOff,      vvb_LaserOn, vvb_LaserOff,         vvb_Open};
     ASSERT_EQ(clicks->count(), expected.size());
     for (int i = 0; i < expected.size(); ++i)
         EXPECT_EQ(clicks->at(i).at(0).toInt(), expected[i]);

@@ -1,10 +1,10 @@
 // The zoom, scroll and coordinate model of the image display, without a screen.
 
-#include "imagedisplay/DisplayLayout.h"
-#include "imagedisplay/NXRStatusBar.h"
-#include "imagedisplay/NXEViewButtons.h"
-#include "imagedisplay/ToolbarClickHandler.h"
 #include "imagedisplay/ViewMaths.h"
+#include "imagedisplay/DisplayLayout.h"
+#include "imagedisplay/NXEViewButtons.h"
+#include "imagedisplay/NXRStatusBar.h"
+#include "imagedisplay/ToolbarClickHandler.h"
 
 #include <gtest/gtest.h>
 
@@ -91,7 +91,8 @@ TEST_P(Fit, WholeImageFitsWithoutScrollBarsAndIsCentred)
 {
     const FitCase c = GetParam();
     ViewMaths v = makeView(c.image, c.area, 100);
-    const float zoom = ViewMaths::fitZoom(c.area.height(), c.area.width(), c.image.height(), c.image.width(), false);
+    const float zoom =
+        ViewMaths::fitZoom(c.area.height(), c.area.width(), c.image.height(), c.image.width(), false);
     EXPECT_FLOAT_EQ(zoom, c.expected);
     v.focusedZoom(zoom, c.image.width() / 2.0, c.image.height() / 2.0);
     EXPECT_FALSE(v.horizontalBarNeeded());
@@ -137,7 +138,8 @@ TEST_P(RoundTrip, ScreenImageScreenAndBack)
     ViewMaths v = makeView(QSize(2592, 1944), QSize(783, 517), zoom);
     const QPoint max = v.scrollMaximum();
     v.setScrollPosition(QPoint(int(max.x() * fraction), int(max.y() * fraction)));
-    for (const QPointF screen : {QPointF(0, 0), QPointF(17.5, 300.25), QPointF(782, 516), QPointF(-40, 1000)}) {
+    for (const QPointF screen :
+         {QPointF(0, 0), QPointF(17.5, 300.25), QPointF(782, 516), QPointF(-40, 1000)}) {
         const QPointF back = v.toScreen(v.toImage(screen));
         EXPECT_NEAR(back.x(), screen.x(), 1e-9);
         EXPECT_NEAR(back.y(), screen.y(), 1e-9);
@@ -161,8 +163,8 @@ TEST_P(RoundTrip, ScreenImageScreenAndBack)
 }
 
 INSTANTIATE_TEST_SUITE_P(Grid, RoundTrip,
-                         ::testing::Combine(::testing::Values(1.0f, 6.25f, 12.5f, float(100.0 / 3.0), 50.0f, 100.0f,
-                                                              150.0f, 200.0f, 400.0f, 1600.0f),
+                         ::testing::Combine(::testing::Values(1.0f, 6.25f, 12.5f, float(100.0 / 3.0), 50.0f,
+                                                              100.0f, 150.0f, 200.0f, 400.0f, 1600.0f),
                                             ::testing::Values(0.0, 0.37, 0.5, 1.0)));
 
 // ---- scroll bars and limits ----
@@ -250,7 +252,8 @@ TEST_P(Anchor, WheelZoomKeepsThePointUnderTheCursor)
 }
 
 INSTANTIATE_TEST_SUITE_P(Grid, Anchor,
-                         ::testing::Combine(::testing::Values(QSize(2592, 1944), QSize(8000, 1800), QSize(1800, 8000)),
+                         ::testing::Combine(::testing::Values(QSize(2592, 1944), QSize(8000, 1800),
+                                                              QSize(1800, 8000)),
                                             ::testing::Values(1, 2, 3, -1)));
 
 TEST(ViewMathsWheel, AtTheZoomLimitsNothingMoves)
@@ -355,20 +358,19 @@ TEST_P(Passing, NameThePageHears)
 
 INSTANTIATE_TEST_SUITE_P(
     Rules, Passing,
-    ::testing::Values(PassCase{vvb_ContinuousAcquire, false, false, false, "LiveMode"},
-                      PassCase{vvb_ContinuousAcquire, false, true, false, "Snap"},
-                      PassCase{vvb_Acquire, false, false, false, "Snap"},
-                      PassCase{vvb_Acquire, true, false, false, ""}, // the snap that ended live mode
-                      PassCase{vvb_Acquire, true, true, false, "Snap"}, PassCase{vvb_Open, false, false, false, ""},
-                      PassCase{vvb_Save, false, false, false, "Save"},
-                      PassCase{vvb_MouseModePan, false, false, false, ""},
-                      PassCase{vvb_MouseModeZoomOut, false, false, false, ""},
-                      PassCase{vvb_FitImage, false, false, false, "ZoomFitImage"},
-                      PassCase{vvb_FitImage, false, false, true, ""}, PassCase{vvb_FitImage, true, true, false, ""},
-                      PassCase{vvb_LaserOn, false, false, true, "LaserOn"},
-                      PassCase{vvb_LaserOff, true, true, false, "LaserOff"},
-                      PassCase{vvb_Save, false, false, true, ""}, PassCase{vvb_PixelGrid, false, false, false, "Unknown"},
-                      PassCase{42, false, false, true, ""}));
+    ::testing::Values(
+        PassCase{vvb_ContinuousAcquire, false, false, false, "LiveMode"},
+        PassCase{vvb_ContinuousAcquire, false, true, false, "Snap"},
+        PassCase{vvb_Acquire, false, false, false, "Snap"},
+        PassCase{vvb_Acquire, true, false, false, ""}, // the snap that ended live mode
+        PassCase{vvb_Acquire, true, true, false, "Snap"}, PassCase{vvb_Open, false, false, false, ""},
+        PassCase{vvb_Save, false, false, false, "Save"}, PassCase{vvb_MouseModePan, false, false, false, ""},
+        PassCase{vvb_MouseModeZoomOut, false, false, false, ""},
+        PassCase{vvb_FitImage, false, false, false, "ZoomFitImage"},
+        PassCase{vvb_FitImage, false, false, true, ""}, PassCase{vvb_FitImage, true, true, false, ""},
+        PassCase{vvb_LaserOn, false, false, true, "LaserOn"},
+        PassCase{vvb_LaserOff, true, true, false, "LaserOff"}, PassCase{vvb_Save, false, false, true, ""},
+        PassCase{vvb_PixelGrid, false, false, false, "Unknown"}, PassCase{42, false, false, true, ""}));
 
 TEST(StatusBarText, ZoomFormat)
 {

@@ -1,0 +1,581 @@
+#!/usr/bin/python3
+"""Robot controller simulator: the controller's FTP and HTTP file services on 127.0.0.1.
+
+Serves a folder tree of controller devices (MC:, UD1:, MCV:, UT1:, TD:, MD:, MDB:, FR:) the way
+the controller does:
+
+  FTP   device paths as the controller takes them (RETR MC:\\A\\B.PNG, cwd MC:\\A), LIST in the
+        controller's nine-field long form, NLST, NLST at "\\" answering the device names, STOR.
+  HTTP  GET /MC/A/B.PNG serves MC:\\A\\B.PNG; a missing file answers an error page whose first
+        line holds "<HTML>" (status 200, as the controller's web server does).
+
+Control endpoints on the HTTP port (for tests and demos):
+
+  GET /__sim/ping                      "ok"
+  GET /__sim/fault?name=value[&...]    switch faults on (see FAULTS), answers the fault table
+  GET /__sim/reset                     all faults off
+  GET /__sim/snap[?w=&h=&color=&format=&path=]
+                                       the camera takes a new synthetic image and writes it to a
+                                       controller path (default MC:\\CAMERA\\SNAP.JPG); answers the path
+  GET /__sim/log                       the protocol log so far;  GET /__sim/log/clear empties it
+  GET /__sim/restart?down=SECONDS      the controller goes down (every connection dropped,
+                                       nothing listening) and comes back on the same ports
+
+Every command and reply is written to the protocol log (passwords masked), one line each:
+"FTP> RETR MC:\\A\\B.PNG", "FTP< 226 Transfer complete.", "HTTP> GET /MC/A/B.PNG", "HTTP< 200".
+
+When both services listen, one line goes to standard output:
+    NXRSIM READY ftp=<port> http=<port> root=<folder> log=<file>
+"""
+
+import argparse
+import io
+import logging
+import os
+import random
+import re
+import shutil
+import socket
+import sys
+import tempfile
+import threading
+import time
+import urllib.parse
+import zlib
+import struct
+from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
+
+from pyftpdlib.authorizers import AuthenticationFailed, DummyAuthorizer
+from pyftpdlib.filesystems import AbstractedFS
+from pyftpdlib.handlers import FTPHandler
+from pyftpdlib.servers import FTPServer
+
+DEVICES = ["MC", "UD1", "MCV", "UT1", "TD", "MD", "MDB", "FR"]
+
+# Fault switches and their "off" values.
+FAULTS = {
+    "refuse_login": 0,   # 1: every FTP login is refused (530)
+    "reply421": 0,       # N: the next N FTP commands are answered 421 and the connection closed
+    "drop_after": -1,    # N: file transfers (FTP RETR, HTTP GET) are cut after N bytes
+    "stall_after": -1,   # N: HTTP GET sends N bytes and then nothing; FTP RETR/LIST/NLST get no reply
+    "html_error": 0,     # 1: HTTP answers the error page even for present files
+    "lowercase_list": 0, # 1: LIST lines come in lower case
+    "http_down": 0,      # 1: HTTP file requests are answered 503 with no page
+    "rate": 0,           # N: HTTP GET sends at most N bytes per second (a slow link)
+}
+
+CONTROLLER_PATH = re.compile(r"^([A-Za-z][A-Za-z0-9]*):(.*)$")
+BAD_PATH_CHARS = set('*?"<>|')
+
+
+class State:
+    def __init__(self, root, log_path):
+        self.root = root
+        self.lock = threading.Lock()
+        self.faults = dict(FAULTS)
+        self.log_path = log_path
+        self.log_file = open(log_path, "a", buffering=1, encoding="utf-8", newline="\n")
+        self.snap_counter = 0
+
+    def log(self, line):
+        with self.lock:
+            self.log_file.write(line.replace("\r", "\\r").replace("\n", "\\n") + "\n")
+
+    def fault(self, name):
+        with self.lock:
+            return self.faults[name]
+
+    def take_421(self):
+        with self.lock:
+            if self.faults["reply421"] > 0:
+                self.faults["reply421"] -= 1
+                return True
+            return False
+
+
+STATE = None
+
+
+def mask_command(line):
+    if line[:4].upper() == "PASS":
+        return "PASS ******"
+    return line
+
+
+def resolve_ci(root, parts):
+    """Maps path pieces onto the folder tree case-insensitively (the controller ignores case)."""
+    current = root
+    for part in parts:
+        if part in ("", "."):
+            continue
+        if part == "..":
+            raise ValueError("path leaves the device tree")
+        candidate = os.path.join(current, part)
+        if not os.path.exists(candidate) and os.path.isdir(current):
+            lower = part.lower()
+            for entry in os.listdir(current):
+                if entry.lower() == lower:
+                    candidate = os.path.join(current, entry)
+                    break
+        current = candidate
+    return current
+
+
+def controller_to_virtual(path, cwd="/"):
+    """MC:\\A\\B.PNG -> /MC/A/B.PNG; "\\" -> "/"; relative names join the current folder."""
+    path = path.strip()
+    m = CONTROLLER_PATH.match(path)
+    if m:
+        rest = m.group(2).replace("\\", "/").strip("/")
+        virtual = "/" + m.group(1).upper() + ("/" + rest if rest else "")
+    else:
+        p = path.replace("\\", "/")
+        virtual = p if p.startswith("/") else cwd.rstrip("/") + "/" + p
+    parts = []
+    for piece in virtual.split("/"):
+        if piece in ("", "."):
+            continue
+        if piece == "..":
+            if parts:
+                parts.pop()
+            continue
+        parts.append(piece)
+    return "/" + "/".join(parts)
+
+
+class ControllerFS(AbstractedFS):
+    def ftpnorm(self, ftppath):
+        return controller_to_virtual(ftppath, self.cwd)
+
+    def ftp2fs(self, ftppath):
+        virtual = self.ftpnorm(ftppath)
+        try:
+            return os.path.normpath(resolve_ci(self.root, virtual.split("/")))
+        except ValueError:
+            return self.root
+
+    def format_list(self, basedir, listing, ignore_err=True):
+        lower = STATE.fault("lowercase_list")
+        for name in listing:
+            full = os.path.join(basedir, name)
+            try:
+                st = os.stat(full)
+            except OSError:
+                if ignore_err:
+                    continue
+                raise
+            isdir = os.path.isdir(full)
+            perms = "drwxrwxrwx" if isdir else "-rw-rw-rw-"
+            stamp = time.strftime("%b %d %H:%M", time.localtime(st.st_mtime))
+            line = "%s   1 root     root     %10d %s %s\r\n" % (perms, 0 if isdir else st.st_size, stamp, name)
+            if lower:
+                line = line.lower()
+            yield line.encode("utf8")
+
+
+class ControllerAuthorizer(DummyAuthorizer):
+    def validate_authentication(self, username, password, handler):
+        if STATE.fault("refuse_login"):
+            raise AuthenticationFailed("Login refused.")
+        return super().validate_authentication(username, password, handler)
+
+
+class ControllerFTPHandler(FTPHandler):
+    abstracted_fs = ControllerFS
+    banner = "Controller FTP server ready."
+    _drop_on_complete = False
+    auth_failed_timeout = 0.1
+
+    def pre_process_command(self, line, cmd, arg):
+        STATE.log("FTP> " + mask_command(line))
+        if STATE.take_421():
+            self.respond("421 Service not available, closing control connection.")
+            self.close_when_done()
+            return
+        if cmd in ("RETR", "LIST", "NLST") and STATE.fault("stall_after") >= 0:
+            STATE.log("FTP: stalling on " + cmd)
+            return
+        if cmd in ("CWD", "XCWD", "RETR", "STOR", "LIST", "NLST") and any(c in BAD_PATH_CHARS for c in arg):
+            self.respond("501 Syntax error in parameters or arguments.")
+            return
+        return super().pre_process_command(line, cmd, arg)
+
+    def respond(self, resp, logfun=None):
+        STATE.log("FTP< " + resp)
+        if self._drop_on_complete and resp.startswith("226"):
+            self._drop_on_complete = False
+            STATE.log("FTP: dropping the connection")
+            self.close()
+            return
+        return super().respond(resp) if logfun is None else super().respond(resp, logfun)
+
+    def ftp_NLST(self, path):
+        if os.path.normpath(path) == os.path.normpath(self.fs.root):
+            names = sorted(d for d in os.listdir(self.fs.root) if os.path.isdir(os.path.join(self.fs.root, d)))
+            data = "".join(n + ":\r\n" for n in names)
+            self.push_dtp_data(data.encode("utf8"), cmd="NLST")
+            return path
+        return super().ftp_NLST(path)
+
+    def ftp_RETR(self, file):
+        limit = STATE.fault("drop_after")
+        if limit < 0:
+            return super().ftp_RETR(file)
+        try:
+            with open(file, "rb") as fh:
+                data = fh.read(limit)
+        except OSError as err:
+            self.respond("550 %s." % err.strerror)
+            return
+        self._drop_on_complete = True
+        self.push_dtp_data(data, cmd="RETR")
+        return file
+
+    def ftp_STOR(self, file, mode="w"):
+        folder = os.path.dirname(file)
+        if not os.path.isdir(folder):
+            self.respond("550 No such folder.")
+            return
+        return super().ftp_STOR(file, mode)
+
+
+def error_page(path):
+    return ("<HTML>\r\n<HEAD><TITLE>Controller error</TITLE></HEAD>\r\n"
+            "<BODY><H1>File not found</H1><P>%s</P></BODY>\r\n</HTML>\r\n" % path).encode("latin-1", "replace")
+
+
+CONTENT_TYPES = {".png": "image/png", ".jpg": "image/jpeg", ".gif": "image/gif", ".bmp": "image/bmp",
+                 ".txt": "text/plain", ".htm": "text/html", ".html": "text/html"}
+
+
+class ControllerHTTPHandler(BaseHTTPRequestHandler):
+    protocol_version = "HTTP/1.1"
+    server_version = "ControllerWeb/1.0"
+
+    def log_message(self, fmt, *args):
+        pass
+
+    def _send(self, status, body, ctype="text/plain"):
+        STATE.log("HTTP< %d" % status)
+        self.send_response(status)
+        self.send_header("Content-Type", ctype)
+        self.send_header("Content-Length", str(len(body)))
+        self.end_headers()
+        if self.command != "HEAD":
+            self.wfile.write(body)
+
+    def do_HEAD(self):
+        self.do_GET()
+
+    def do_GET(self):
+        STATE.log("HTTP> %s %s" % (self.command, self.path))
+        url = urllib.parse.urlsplit(self.path)
+        path = urllib.parse.unquote(url.path)
+        if path.startswith("/__sim/"):
+            return self.control(path[len("/__sim/"):], urllib.parse.parse_qs(url.query))
+        if path == "/":
+            return self._send(200, b"<html><body>controller</body></html>\r\n", "text/html")
+        if STATE.fault("http_down"):
+            return self._send(503, b"")
+        try:
+            local = resolve_ci(STATE.root, path.split("/"))
+        except ValueError:
+            local = None
+        if local is None or not os.path.isfile(local) or STATE.fault("html_error"):
+            return self._send(200, error_page(path), "text/html")
+        self.serve_file(local)
+
+    def serve_file(self, local):
+        size = os.path.getsize(local)
+        drop = STATE.fault("drop_after")
+        stall = STATE.fault("stall_after")
+        STATE.log("HTTP< 200")
+        self.send_response(200)
+        self.send_header("Content-Type", CONTENT_TYPES.get(os.path.splitext(local)[1].lower(), "application/octet-stream"))
+        self.send_header("Content-Length", str(size))
+        self.end_headers()
+        if self.command == "HEAD":
+            return
+        self.wfile.flush()
+        rate = STATE.fault("rate")
+        with open(local, "rb") as fh:
+            if rate > 0 and drop < 0 and stall < 0:
+                step = max(1, rate // 20)
+                while True:
+                    block = fh.read(step)
+                    if not block:
+                        return
+                    self.wfile.write(block)
+                    self.wfile.flush()
+                    time.sleep(0.05)
+            if drop < 0 and stall < 0:
+                self.connection.sendfile(fh)
+                return
+            cut = drop if drop >= 0 else stall
+            self.wfile.write(fh.read(cut))
+            self.wfile.flush()
+        if drop >= 0:
+            STATE.log("HTTP: dropping the connection")
+            self.close_connection = True
+            self.connection.shutdown(socket.SHUT_RDWR)
+            return
+        STATE.log("HTTP: stalling")
+        deadline = time.time() + 120
+        while STATE.fault("stall_after") >= 0 and time.time() < deadline:
+            time.sleep(0.05)
+        self.close_connection = True
+
+    def control(self, what, query):
+        if what == "ping":
+            return self._send(200, b"ok\n")
+        if what == "reset":
+            with STATE.lock:
+                STATE.faults = dict(FAULTS)
+            return self._send(200, b"ok\n")
+        if what == "fault":
+            with STATE.lock:
+                for name, values in query.items():
+                    if name not in FAULTS:
+                        return self._send(400, ("unknown fault %s\n" % name).encode())
+                    STATE.faults[name] = int(values[-1])
+                table = "".join("%s=%s\n" % kv for kv in sorted(STATE.faults.items()))
+            return self._send(200, table.encode())
+        if what == "log":
+            with STATE.lock:
+                STATE.log_file.flush()
+                with open(STATE.log_path, "rb") as fh:
+                    body = fh.read()
+            return self._send(200, body)
+        if what == "log/clear":
+            with STATE.lock:
+                STATE.log_file.truncate(0)
+                STATE.log_file.seek(0)
+            return self._send(200, b"ok\n")
+        if what == "snap":
+            arg = lambda k, d: query.get(k, [d])[-1]
+            try:
+                path = snap(arg("path", "MC:\\CAMERA\\SNAP.JPG"), int(arg("w", 640)), int(arg("h", 480)),
+                            arg("color", "1") not in ("0", "false", "False"), arg("format", ""))
+            except ValueError as err:
+                return self._send(400, (str(err) + "\n").encode())
+            return self._send(200, (path + "\n").encode())
+        if what == "restart":
+            down = float(query.get("down", ["1"])[-1])
+            self._send(200, b"restarting\n")
+            self.wfile.flush()
+            threading.Thread(target=restart, args=(down,), daemon=True).start()
+            return
+        return self._send(404, b"unknown control\n")
+
+
+# ---------------------------------------------------------------- images
+
+def write_png(path, width, height, color, pixel):
+    """Writes a PNG without any imaging library (used when PIL is missing)."""
+    channels = 3 if color else 1
+    rows = bytearray()
+    for y in range(height):
+        rows.append(0)
+        for x in range(width):
+            v = pixel(x, y)
+            rows.extend(v[:channels])
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data) & 0xFFFFFFFF)
+    header = struct.pack(">IIBBBBB", width, height, 8, 2 if color else 0, 0, 0, 0)
+    with open(path, "wb") as fh:
+        fh.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(bytes(rows), 6))
+                 + chunk(b"IEND", b""))
+
+
+def make_image(path, width, height, color, frame):
+    """A synthetic camera picture: a gradient, a moving disc and a frame counter bar code."""
+    ext = os.path.splitext(path)[1].lower()
+    try:
+        from PIL import Image, ImageDraw
+    except ImportError:
+        Image = None
+    if Image is None:
+        if ext != ".png":
+            raise ValueError("JPEG needs python3-pil")
+        cx, cy, r = (frame * 37) % width, height // 2, max(8, height // 8)
+        write_png(path, width, height, color,
+                  lambda x, y: (255, 255, 255) if (x - cx) ** 2 + (y - cy) ** 2 < r * r
+                  else ((x * 255 // width), (y * 255 // height), (frame * 16) & 255))
+        return
+    mode = "RGB" if color else "L"
+    grad_x = Image.linear_gradient("L").resize((width, height)).rotate(90 if frame % 2 else 0)
+    if color:
+        grad_y = Image.linear_gradient("L").resize((width, height))
+        blue = Image.new("L", (width, height), (frame * 23) & 255)
+        img = Image.merge("RGB", (grad_x, grad_y, blue))
+    else:
+        img = grad_x
+    draw = ImageDraw.Draw(img)
+    r = max(8, min(width, height) // 8)
+    cx = r + (frame * 41) % max(1, width - 2 * r)
+    cy = r + (frame * 29) % max(1, height - 2 * r)
+    draw.ellipse((cx - r, cy - r, cx + r, cy + r), fill=(255, 255, 255) if color else 255)
+    bar = max(4, width // 64)
+    for bit in range(16):
+        on = (frame >> bit) & 1
+        fill = (0, 0, 0) if not on else ((255, 0, 0) if color else 255)
+        if not color:
+            fill = 255 if on else 0
+        draw.rectangle((bit * bar, 0, bit * bar + bar - 2, bar * 2), fill=fill)
+    draw.text((10, height - 20), "frame %d" % frame, fill=(255, 255, 0) if color else 255)
+    if ext in (".jpg", ".jpeg"):
+        img.save(path, "JPEG", quality=85)
+    else:
+        img.convert(mode).save(path, "PNG")
+
+
+def controller_local_path(path):
+    virtual = controller_to_virtual(path)
+    parts = virtual.strip("/").split("/")
+    if not parts or parts[0] not in DEVICES or len(parts) < 2:
+        raise ValueError("not a controller file path: %s" % path)
+    return os.path.join(STATE.root, *parts)
+
+
+SNAP_SIZES = [(640, 480), (1024, 768), (1280, 1024), (1600, 1200), (2592, 1944)]
+
+
+def snap(path, width, height, color, fmt):
+    if not (640 <= width <= 2592 and 480 <= height <= 1944):
+        raise ValueError("size out of range (640x480 to 2592x1944)")
+    if fmt:
+        base, _ = os.path.splitext(path)
+        path = base + (".PNG" if fmt.lower() == "png" else ".JPG")
+    local = controller_local_path(path)
+    os.makedirs(os.path.dirname(local), exist_ok=True)
+    with STATE.lock:
+        STATE.snap_counter += 1
+        frame = STATE.snap_counter
+    tmp = local + ".tmp"
+    # make_image picks the format from the extension of the final name
+    make_image(local + ".tmp" + os.path.splitext(local)[1], width, height, color, frame)
+    os.replace(tmp + os.path.splitext(local)[1], local)
+    STATE.log("CAMERA snap %d -> %s (%dx%d %s)" % (frame, path, width, height, "colour" if color else "grey"))
+    return path
+
+
+# ---------------------------------------------------------------- sample tree
+
+def populate(root, big_mb):
+    def text(path, body):
+        local = controller_local_path(path)
+        os.makedirs(os.path.dirname(local), exist_ok=True)
+        if not os.path.exists(local):
+            with open(local, "w", newline="") as fh:
+                fh.write(body)
+
+    def image(path, w, h, color, frame):
+        local = controller_local_path(path)
+        os.makedirs(os.path.dirname(local), exist_ok=True)
+        if not os.path.exists(local):
+            make_image(local, w, h, color, frame)
+
+    for dev in DEVICES:
+        os.makedirs(os.path.join(root, dev), exist_ok=True)
+    text("MC:\\SUMMARY.DG", "CONTROLLER SUMMARY\r\nSOFTWARE V9.40P/01\r\n")
+    text("MC:\\VISION\\TOOLS.TXT", "LOCATOR1\r\nBLOB2\r\nCALIB3\r\n")
+    text("MD:\\ERRALL.LS", "ERROR LOG\r\nNO ERRORS\r\n")
+    text("MDB:\\DIAG.TXT", "DIAGNOSTICS OK\r\n")
+    text("FR:\\README.TXT", "FROM DEVICE\r\n")
+    text("TD:\\TEMP.TXT", "TEMPORARY\r\n")
+    text("UT1:\\NOTES.TXT", "USB NOTES\r\n")
+    for dev in ("UD1", "MCV"):
+        os.makedirs(os.path.join(root, dev, "IMAGES"), exist_ok=True)
+    image("MC:\\CAMERA\\SNAP.JPG", 640, 480, True, 0)
+    image("MC:\\VISION\\GREY640.PNG", 640, 480, False, 1)
+    image("MC:\\VISION\\COLOR800.JPG", 800, 600, True, 2)
+    image("MCV:\\IMAGES\\LOG0001.PNG", 640, 480, False, 3)
+    image("UD1:\\IMAGES\\LOG0002.JPG", 640, 480, True, 4)
+    if big_mb > 0:
+        local = controller_local_path("MD:\\BIG.BIN")
+        if not os.path.exists(local) or os.path.getsize(local) != big_mb * 1024 * 1024:
+            block = os.urandom(1024 * 1024)
+            with open(local, "wb") as fh:
+                for i in range(big_mb):
+                    fh.write(block[i % 251:] + block[:i % 251])
+
+
+# ---------------------------------------------------------------- main
+
+RESTART_ARGS = None
+
+
+def restart(down):
+    time.sleep(0.1)
+    STATE.log("CONTROLLER going down for %.1f s" % down)
+    STATE.log_file.flush()
+    # Sockets are not inherited over exec: every connection drops and nothing listens until the
+    # new process has waited `down` seconds and bound the same ports again.
+    args = RESTART_ARGS + ["--start-delay", str(down), "--keep-root"]
+    os.execv(sys.executable, [sys.executable, os.path.abspath(__file__)] + args)
+
+
+def main():
+    global STATE, RESTART_ARGS
+    parser = argparse.ArgumentParser(description="Robot controller simulator (FTP + HTTP file services).",
+                                     epilog=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--ftp-port", type=int, default=2121, help="FTP port, 0 picks a free one (default 2121)")
+    parser.add_argument("--http-port", type=int, default=8080, help="HTTP port, 0 picks a free one (default 8080)")
+    parser.add_argument("--user", default="robot", help="FTP user name (default robot)")
+    parser.add_argument("--password", default="robot", help="FTP password (default robot)")
+    parser.add_argument("--anonymous", action="store_true", help="also accept anonymous FTP logins")
+    parser.add_argument("--root", help="device tree folder (default: a new temporary folder)")
+    parser.add_argument("--log", help="protocol log file (default: protocol.log beside the device tree)")
+    parser.add_argument("--big-file-mb", type=int, default=0, help="also create MD:\\BIG.BIN of this many MiB")
+    parser.add_argument("--keep-root", action="store_true", help="do not remove the device tree at exit")
+    parser.add_argument("--start-delay", type=float, default=0.0, help=argparse.SUPPRESS)
+    args = parser.parse_args()
+
+    logging.basicConfig(level=logging.ERROR)
+    if args.start_delay > 0:
+        time.sleep(args.start_delay)
+
+    made_root = False
+    if args.root:
+        root = os.path.abspath(args.root)
+        os.makedirs(root, exist_ok=True)
+    else:
+        root = tempfile.mkdtemp(prefix="nxrsim-")
+        made_root = True
+    log_path = args.log or os.path.join(os.path.dirname(root), os.path.basename(root) + "-protocol.log")
+    STATE = State(os.path.realpath(root), log_path)
+    populate(STATE.root, args.big_file_mb)
+
+    authorizer = ControllerAuthorizer()
+    authorizer.add_user(args.user, args.password, STATE.root, perm="elradfmwMT")
+    if args.anonymous:
+        authorizer.add_anonymous(STATE.root, perm="elr")
+    ControllerFTPHandler.authorizer = authorizer
+    ControllerFTPHandler.use_sendfile = True
+    ftp = FTPServer(("127.0.0.1", args.ftp_port), ControllerFTPHandler)
+    ftp.max_cons = 256
+
+    ThreadingHTTPServer.allow_reuse_address = True
+    ThreadingHTTPServer.daemon_threads = True
+    http = ThreadingHTTPServer(("127.0.0.1", args.http_port), ControllerHTTPHandler)
+    threading.Thread(target=http.serve_forever, daemon=True).start()
+
+    ftp_port = ftp.socket.getsockname()[1]
+    http_port = http.server_address[1]
+    RESTART_ARGS = ["--ftp-port", str(ftp_port), "--http-port", str(http_port), "--user", args.user,
+                    "--password", args.password, "--root", STATE.root, "--log", log_path,
+                    "--big-file-mb", str(args.big_file_mb)] + (["--anonymous"] if args.anonymous else [])
+    STATE.log("CONTROLLER up ftp=%d http=%d" % (ftp_port, http_port))
+    print("NXRSIM READY ftp=%d http=%d root=%s log=%s" % (ftp_port, http_port, STATE.root, log_path), flush=True)
+    try:
+        ftp.serve_forever(handle_exit=True)
+    except KeyboardInterrupt:
+        pass
+    finally:
+        http.shutdown()
+        if made_root and not args.keep_root:
+            shutil.rmtree(STATE.root, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,237 @@
+// The controller client against the simulator, over real FTP and HTTP.
+
+#include "ControllerSimulator.h"
+#include "TransferTestSupport.h"
+#include "transfer/ControllerClient.h"
+
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+using nxr::ControllerClient;
+using nxr::TransferError;
+using namespace nxr::test;
+
+namespace {
+
+class ControllerClientTest : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        sim = new ControllerSimulator();
+        ASSERT_TRUE(sim->start()) << sim->errorText().toStdString();
+    }
+    static void TearDownTestSuite()
+    {
+        delete sim;
+        sim = nullptr;
+    }
+    void SetUp() override
+    {
+        ASSERT_TRUE(sim->isRunning());
+        ASSERT_TRUE(sim->resetFaults());
+        ASSERT_TRUE(sim->clearLog());
+        ASSERT_TRUE(local.isValid());
+        client = ControllerClient::create();
+        client->setTimeouts({3000, 1000, 1000});
+    }
+    void connectBoth()
+    {
+        client->FtpConnect(sim->host(), sim->user(), sim->password(), sim->ftpPort());
+        client->HttpConnect(sim->host(), sim->user(), sim->password(), sim->httpPort());
+    }
+    QString localFile(const QString& name) const { return local.filePath(name); }
+
+    static ControllerSimulator* sim;
+    QTemporaryDir local;
+    std::shared_ptr<ControllerClient> client;
+};
+
+ControllerSimulator* ControllerClientTest::sim = nullptr;
+
+TEST_F(ControllerClientTest, SessionsStayOpenAndPathsGoUnchanged)
+{
+    connectBoth();
+    EXPECT_EQ(client->FtpState(), 1);
+    EXPECT_EQ(client->HttpState(), 1);
+
+    client->FtpGetFile("MC:\\VISION\\TOOLS.TXT", localFile("a.txt"));
+    client->FtpGetFile("mc:\\vision\\GREY640.PNG", localFile("b.png"));
+    client->HttpGetFile("/MC/VISION/TOOLS.TXT", localFile("c.txt"));
+    client->HttpGetFile("/MC/VISION/TOOLS.TXT", localFile("d.txt"));
+    EXPECT_EQ(readAll(localFile("a.txt")), sim->readFile("MC:\\VISION\\TOOLS.TXT"));
+    EXPECT_EQ(readAll(localFile("b.png")), sim->readFile("MC:\\VISION\\GREY640.PNG"));
+    EXPECT_EQ(readAll(localFile("c.txt")), readAll(localFile("a.txt")));
+
+    const QStringList ftp = sim->logLines("FTP> ");
+    EXPECT_EQ(countOf(ftp, "RETR MC:\\VISION\\TOOLS.TXT"), 1);
+    EXPECT_EQ(countOf(ftp, "RETR mc:\\vision\\GREY640.PNG"), 1);
+    EXPECT_EQ(countStarting(ftp, "CWD"), 0) << ftp.join('\n').toStdString();
+    EXPECT_EQ(countStarting(ftp, "USER"), 1) << "one FTP login for all transfers";
+    EXPECT_EQ(countStarting(sim->logLines("HTTP> "), "GET /MC/VISION/TOOLS.TXT"), 2);
+    EXPECT_EQ(client->FtpState(), 1);
+    EXPECT_EQ(client->HttpState(), 1);
+}
+
+TEST_F(ControllerClientTest, CommandsListingsAndFolderChange)
+{
+    connectBoth();
+    QString response;
+    client->FtpCommand("LIST MC:\\VISION\r\n", 2, -1, response);
+    EXPECT_TRUE(response.contains("TOOLS.TXT")) << response.toStdString();
+    EXPECT_EQ(response.split("\r\n", Qt::SkipEmptyParts).first().split(' ', Qt::SkipEmptyParts).size(), 9);
+
+    client->FtpCommand("cwd MC:\\VISION\r\n", 2, 0, response);
+    EXPECT_TRUE(response.startsWith("250")) << response.toStdString();
+    client->FtpCommand("NLST\r\n", 2, -1, response);
+    EXPECT_TRUE(response.contains("GREY640.PNG")) << "the folder change holds on the open session";
+
+    client->FtpCommand("cwd \\\r\n", 2, 0, response);
+    client->FtpCommand("NLST", 2, -1, response);
+    for (const char* device : {"MC:", "UD1:", "MCV:", "UT1:", "TD:", "MD:", "MDB:", "FR:"})
+        EXPECT_TRUE(response.split("\r\n").contains(device)) << device;
+
+    try {
+        client->FtpCommand("cwd MC:\\NO_SUCH\r\n", 2, 0, response);
+        FAIL() << "cwd into a missing folder succeeded";
+    } catch (const TransferError& e) {
+        EXPECT_EQ(e.number(), 550) << e.description().toStdString();
+    }
+}
+
+TEST_F(ControllerClientTest, LineBreaksAndNulAreRefusedBeforeAnythingIsSent)
+{
+    connectBoth();
+    ASSERT_TRUE(sim->clearLog());
+    QString response;
+    const QString bad[] = {"NOOP\r\nDELE MC:\\SUMMARY.DG", "cwd MC:\\A\nDELE X", QString("cwd MC:\\A") + QChar(0) + "X",
+                           "LIST MC:\\A\r\n\r\n"};
+    for (const QString& command : bad)
+        EXPECT_THROW(client->FtpCommand(command, 2, 0, response), TransferError);
+    EXPECT_THROW(client->FtpGetFile("MC:\\A\rB.TXT", localFile("x")), TransferError);
+    EXPECT_THROW(client->HttpGetFile("/MC/A\n.TXT", localFile("x")), TransferError);
+    EXPECT_THROW(client->FtpPutFile(localFile("x"), "MC:\\X\r\nDELE Y"), TransferError);
+    EXPECT_THROW(client->FtpConnect(sim->host(), "robot\r\nDELE X", "pw", sim->ftpPort()), TransferError);
+    EXPECT_TRUE(sim->logLines("FTP> ").isEmpty()) << sim->logLines().join('\n').toStdString();
+    EXPECT_TRUE(sim->readFile("MC:\\SUMMARY.DG").size() > 0);
+}
+
+TEST_F(ControllerClientTest, UploadWritesTheControllerFile)
+{
+    connectBoth();
+    QFile f(localFile("up.txt"));
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("uploaded data\r\n");
+    f.close();
+    client->FtpPutFile(localFile("up.txt"), "UD1:\\IMAGES\\UP.TXT");
+    EXPECT_EQ(sim->readFile("UD1:\\IMAGES\\UP.TXT"), QByteArray("uploaded data\r\n"));
+    EXPECT_EQ(countOf(sim->logLines("FTP> "), "STOR UD1:\\IMAGES\\UP.TXT"), 1);
+    EXPECT_THROW(client->FtpPutFile(localFile("missing.txt"), "UD1:\\IMAGES\\X.TXT"), TransferError);
+}
+
+TEST_F(ControllerClientTest, DroppedDownloadsLeaveNoFile)
+{
+    connectBoth();
+    ASSERT_TRUE(sim->writeFile("MC:\\BIG\\DATA.BIN", QByteArray(200000, 'x')));
+    ASSERT_TRUE(sim->setFault("drop_after", 5000));
+    EXPECT_THROW(client->HttpGetFile("/MC/BIG/DATA.BIN", localFile("data.bin")), TransferError);
+    EXPECT_TRUE(filesIn(local.path()).isEmpty()) << filesIn(local.path()).join(',').toStdString();
+    connectBoth();
+    EXPECT_THROW(client->FtpGetFile("MC:\\BIG\\DATA.BIN", localFile("data.bin")), TransferError);
+    EXPECT_TRUE(filesIn(local.path()).isEmpty()) << filesIn(local.path()).join(',').toStdString();
+
+    // An earlier complete copy under the final name survives a failed fetch of a newer one.
+    ASSERT_TRUE(sim->resetFaults());
+    connectBoth();
+    client->FtpGetFile("MC:\\BIG\\DATA.BIN", localFile("data.bin"));
+    ASSERT_TRUE(sim->setFault("drop_after", 10));
+    EXPECT_THROW(client->FtpGetFile("MC:\\BIG\\DATA.BIN", localFile("data.bin")), TransferError);
+    EXPECT_EQ(readAll(localFile("data.bin")).size(), 200000);
+    EXPECT_EQ(filesIn(local.path()), QStringList{"data.bin"});
+}
+
+TEST_F(ControllerClientTest, StalledServerTimesOutWhileTheEventLoopRuns)
+{
+    connectBoth();
+    ASSERT_TRUE(sim->writeFile("MC:\\BIG\\STALL.BIN", QByteArray(100000, 'y')));
+    ASSERT_TRUE(sim->setFault("stall_after", 1000));
+    int ticks = 0;
+    QTimer ticker;
+    QObject::connect(&ticker, &QTimer::timeout, [&] { ++ticks; });
+    ticker.start(20);
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_THROW(client->HttpGetFile("/MC/BIG/STALL.BIN", localFile("s.bin")), TransferError);
+    EXPECT_LT(clock.elapsed(), 8000);
+    EXPECT_GT(ticks, 10) << "timers fire while a transfer waits";
+
+    clock.restart();
+    connectBoth();
+    try {
+        client->FtpGetFile("MC:\\BIG\\STALL.BIN", localFile("s.bin"));
+        FAIL() << "a stalled FTP server did not time out";
+    } catch (const TransferError& e) {
+        EXPECT_LT(clock.elapsed(), 8000) << e.description().toStdString();
+    }
+    EXPECT_TRUE(filesIn(local.path()).isEmpty());
+    EXPECT_EQ(client->FtpState(), 0);
+}
+
+TEST_F(ControllerClientTest, RefusedLoginAnd421AreErrorsWithoutCredentials)
+{
+    ASSERT_TRUE(sim->setFault("refuse_login", 1));
+    try {
+        client->FtpConnect(sim->host(), "operator7", "Secr3tPw", sim->ftpPort());
+        FAIL() << "login was not refused";
+    } catch (const TransferError& e) {
+        EXPECT_FALSE(e.description().contains("Secr3tPw"));
+        EXPECT_FALSE(e.description().contains("operator7"));
+    }
+    EXPECT_EQ(client->FtpState(), 0);
+    ASSERT_TRUE(sim->resetFaults());
+    connectBoth();
+    ASSERT_TRUE(sim->setFault("reply421", 1));
+    EXPECT_THROW(client->FtpGetFile("MC:\\VISION\\TOOLS.TXT", localFile("t.txt")), TransferError);
+    EXPECT_FALSE(QFile::exists(localFile("t.txt")));
+}
+
+TEST_F(ControllerClientTest, StatesTellTheTruthAfterTheControllerWentAway)
+{
+    connectBoth();
+    ASSERT_EQ(client->FtpState(), 1);
+    ASSERT_TRUE(sim->restart(0.5));
+    EXPECT_EQ(client->FtpState(), 0) << "the old control connection is dead";
+    EXPECT_EQ(client->HttpState(), 0);
+    connectBoth();
+    EXPECT_EQ(client->FtpState(), 1);
+    client->FtpGetFile("MC:\\VISION\\TOOLS.TXT", localFile("t.txt"));
+    EXPECT_TRUE(QFile::exists(localFile("t.txt")));
+}
+
+TEST_F(ControllerClientTest, PingProbesTheHost)
+{
+    client->setProbePorts(sim->ftpPort(), sim->httpPort());
+    EXPECT_TRUE(client->Ping(sim->host()));
+    // A port nobody listens on still answers (refuses): the host is there.
+    client->setProbePorts(1, 1);
+    EXPECT_TRUE(client->Ping(sim->host()));
+    EXPECT_FALSE(client->Ping("bad host"));
+    EXPECT_THROW(client->FtpConnect("bad/host", "u", "p", 21), TransferError);
+}
+
+TEST_F(ControllerClientTest, CloseConnectionsDuringATransferEndsIt)
+{
+    connectBoth();
+    ASSERT_TRUE(sim->writeFile("MC:\\BIG\\SLOW.BIN", QByteArray(100000, 'z')));
+    ASSERT_TRUE(sim->setFault("stall_after", 100));
+    client->setTimeouts({3000, 20000, 1000});
+    QTimer::singleShot(200, [this] { client->CloseConnections(); });
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_THROW(client->HttpGetFile("/MC/BIG/SLOW.BIN", localFile("slow.bin")), TransferError);
+    EXPECT_LT(clock.elapsed(), 5000);
+    EXPECT_TRUE(filesIn(local.path()).isEmpty());
+}
+
+} // namespace

@@ -1,0 +1,111 @@
+// One download and one listing against a real third-party FTP daemon (vsftpd) with plain Unix
+// paths, so that the client is not tuned to the simulator only.
+
+#include "TransferTestSupport.h"
+#include "frame/Globals.h"
+#include "transfer/ConnectionPool.h"
+#include "transfer/ControllerClient.h"
+#include "transfer/NXRFileTransferObject.h"
+
+#include <QProcess>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+using namespace nxr::test;
+
+namespace {
+
+const char* kDaemon = "/usr/sbin/vsftpd";
+
+quint16 freePort()
+{
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost, 0);
+    return server.serverPort();
+}
+
+class ThirdPartyFtpTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!QFile::exists(kDaemon))
+            GTEST_SKIP() << "vsftpd is not installed";
+        qputenv("TMPDIR", temp.path().toUtf8());
+        root = temp.filePath("root");
+        ASSERT_TRUE(QDir().mkpath(root + "/pub/sub"));
+        ASSERT_TRUE(QDir().mkpath(temp.filePath("empty")));
+        QFile hello(root + "/pub/hello.txt");
+        ASSERT_TRUE(hello.open(QIODevice::WriteOnly));
+        hello.write("hello from a real daemon\n");
+        hello.close();
+        QFile image(root + "/pub/Picture.PNG");
+        ASSERT_TRUE(image.open(QIODevice::WriteOnly));
+        image.write(QByteArray(70000, '\x42'));
+        image.close();
+
+        port = freePort();
+        // Runs as the launching user, without chroot or privilege separation: fine for a test.
+        const QString config = QStringLiteral("listen=YES\nlisten_ipv6=NO\nlisten_address=127.0.0.1\nlisten_port=%1\n"
+                                              "background=NO\nrun_as_launching_user=YES\nanonymous_enable=YES\n"
+                                              "anon_root=%2\nno_anon_password=YES\nlocal_enable=NO\nwrite_enable=NO\n"
+                                              "seccomp_sandbox=NO\nsecure_chroot_dir=%3\nxferlog_enable=NO\n"
+                                              "pasv_enable=YES\npasv_address=127.0.0.1\ncheck_shell=NO\n")
+                                   .arg(port)
+                                   .arg(root, temp.filePath("empty"));
+        QFile conf(temp.filePath("vsftpd.conf"));
+        ASSERT_TRUE(conf.open(QIODevice::WriteOnly));
+        conf.write(config.toUtf8());
+        conf.close();
+        daemon.setProcessChannelMode(QProcess::ForwardedChannels);
+        daemon.start(kDaemon, {temp.filePath("vsftpd.conf")});
+        ASSERT_TRUE(daemon.waitForStarted(5000));
+        bool listening = false;
+        for (int i = 0; i < 100 && !listening; ++i) {
+            QTcpSocket probe;
+            probe.connectToHost("127.0.0.1", port);
+            listening = probe.waitForConnected(100);
+            if (!listening)
+                QThread::msleep(50);
+        }
+        ASSERT_TRUE(listening) << "vsftpd did not start listening";
+    }
+    void TearDown() override
+    {
+        nxr::ConnectionPool::instance().clear();
+        if (daemon.state() != QProcess::NotRunning) {
+            daemon.terminate();
+            if (!daemon.waitForFinished(3000)) {
+                daemon.kill();
+                daemon.waitForFinished(3000);
+            }
+        }
+    }
+
+    QTemporaryDir temp;
+    QString root;
+    quint16 port = 0;
+    QProcess daemon;
+};
+
+TEST_F(ThirdPartyFtpTest, DownloadAndListingWithUnixPaths)
+{
+    NXRFileTransferObject o;
+    o.setFTPPortNo(port);
+    o.setHTTPPortNo(freePort()); // no web server there: the copy goes by FTP alone
+    const QString file = root + "/pub/hello.txt";
+    ASSERT_TRUE(o.CopyFile("127.0.0.1", file, "anonymous", "guest", "hello.txt")) << o.LastErrorString().toStdString();
+    EXPECT_EQ(readAll(o.lastLocalPath()), QByteArray("hello from a real daemon\n"));
+    EXPECT_EQ(o.lastLocalPath(), nxr::Globals::storageFolder() + "/hello.txt");
+
+    ASSERT_TRUE(o.ConnectRobot("Dialog", "127.0.0.1", "anonymous", "guest"));
+    EXPECT_EQ(o.client()->HttpState(), 0);
+    EXPECT_EQ(o.FileListing(root + "/pub"), QStringList({"PICTURE.PNG", "HELLO.TXT"}));
+    EXPECT_EQ(o.FolderListing(root + "/pub"), QStringList({"SUB"}));
+    o.DisconnectRobot(false);
+}
+
+} // namespace

@@ -1,0 +1,824 @@
+#include "transfer/ControllerClient.h"
+
+#include "frame/Trace.h"
+
+#include <QAbstractSocket>
+#include <QByteArray>
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+#include <QPointer>
+#include <QRegularExpression>
+#include <QSocketNotifier>
+#include <QTcpSocket>
+#include <QUrl>
+
+#include <curl/curl.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <mutex>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace nxr {
+
+namespace {
+
+ControllerClient::Timeouts g_defaultTimeouts;
+
+// Byte buffers for downloads: bigger than the library's default, so a fast link needs fewer
+// rounds through the event loop.
+constexpr long kBufferSize = 128 * 1024;
+
+void globalInit()
+{
+    static std::once_flag once;
+    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
+}
+
+QString percentEncoded(const QString& text, const QByteArray& keep = {})
+{
+    return QString::fromLatin1(QUrl::toPercentEncoding(text, keep));
+}
+
+void checkHost(const QString& host)
+{
+    static const QRegularExpression valid(QStringLiteral("^[A-Za-z0-9._-]+$"));
+    if (host.isEmpty())
+        throw TransferError(CURLE_URL_MALFORMAT, QStringLiteral("No host given"));
+    if (!valid.match(host).hasMatch())
+        throw TransferError(CURLE_URL_MALFORMAT, QStringLiteral("Invalid host name (") + host + QLatin1Char(')'));
+}
+
+int stallSeconds(int ms)
+{
+    return qMax(1, (ms + 999) / 1000);
+}
+
+} // namespace
+
+// A transfer in progress: its easy handle, where its data goes, and how it ended.
+struct ControllerClient::Transfer
+{
+    CURL* easy = nullptr;
+    bool done = false;
+    CURLcode code = CURLE_OK;
+    char errorBuffer[CURL_ERROR_SIZE] = {};
+    QEventLoop* loop = nullptr;
+    // Sinks and sources.
+    int fd = -1;
+    QByteArray body;
+    bool collectBody = false;
+    // FTP dialogue: the last reply line, and (when tracking a command) the reply to it.
+    QByteArray lastReply;
+    QByteArray trackedCommand;
+    QByteArray trackedReply;
+    bool trackedSent = false;
+    long responseCode = 0;
+    curl_socket_t activeSocket = CURL_SOCKET_BAD;
+    curl_slist* quote = nullptr;
+
+    ~Transfer()
+    {
+        if (easy)
+            curl_easy_cleanup(easy);
+        if (quote)
+            curl_slist_free_all(quote);
+    }
+};
+
+// The C callbacks handed to libcurl.
+struct ControllerClientCallbacks
+{
+    static int socket(CURL*, curl_socket_t s, int what, void* userp, void*)
+    {
+        auto* self = static_cast<ControllerClient*>(userp);
+        auto& watches = self->m_watches;
+        auto it = watches.find(s);
+        if (what == CURL_POLL_REMOVE) {
+            if (it != watches.end()) {
+                for (QSocketNotifier* n : {it->second.read, it->second.write}) {
+                    if (n) {
+                        n->setEnabled(false);
+                        n->deleteLater();
+                    }
+                }
+                watches.erase(it);
+            }
+            return 0;
+        }
+        if (it == watches.end())
+            it = watches.emplace(s, ControllerClient::Watch{}).first;
+        ControllerClient::Watch& w = it->second;
+        const bool wantRead = what == CURL_POLL_IN || what == CURL_POLL_INOUT;
+        const bool wantWrite = what == CURL_POLL_OUT || what == CURL_POLL_INOUT;
+        if (wantRead && !w.read) {
+            w.read = new QSocketNotifier(qintptr(s), QSocketNotifier::Read, self);
+            QObject::connect(w.read, &QSocketNotifier::activated, self,
+                             [self, s] { self->socketAction(s, CURL_CSELECT_IN); });
+        }
+        if (wantWrite && !w.write) {
+            w.write = new QSocketNotifier(qintptr(s), QSocketNotifier::Write, self);
+            QObject::connect(w.write, &QSocketNotifier::activated, self,
+                             [self, s] { self->socketAction(s, CURL_CSELECT_OUT); });
+        }
+        if (w.read)
+            w.read->setEnabled(wantRead);
+        if (w.write)
+            w.write->setEnabled(wantWrite);
+        return 0;
+    }
+
+    static int timer(CURLM*, long timeoutMs, void* userp)
+    {
+        auto* self = static_cast<ControllerClient*>(userp);
+        if (timeoutMs < 0)
+            self->m_timer.stop();
+        else
+            self->m_timer.start(int(qMin<long>(timeoutMs, 1L << 30)));
+        return 0;
+    }
+
+    static curl_socket_t openSocket(void* clientp, curlsocktype, curl_sockaddr* address)
+    {
+        auto* self = static_cast<ControllerClient*>(clientp);
+        const int fd = ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+        if (fd >= 0)
+            self->m_openSockets.insert(fd);
+        return fd < 0 ? CURL_SOCKET_BAD : fd;
+    }
+
+    static int closeSocket(void* clientp, curl_socket_t s)
+    {
+        auto* self = static_cast<ControllerClient*>(clientp);
+        self->m_openSockets.erase(s);
+        return ::close(s);
+    }
+
+    static size_t writeToFile(char* data, size_t size, size_t count, void* userp)
+    {
+        auto* t = static_cast<ControllerClient::Transfer*>(userp);
+        const size_t total = size * count;
+        size_t done = 0;
+        while (done < total) {
+            const ssize_t n = ::write(t->fd, data + done, total - done);
+            if (n < 0) {
+                if (errno == EINTR)
+                    continue;
+                return 0;
+            }
+            done += size_t(n);
+        }
+        return total;
+    }
+
+    static size_t writeToBody(char* data, size_t size, size_t count, void* userp)
+    {
+        auto* t = static_cast<ControllerClient::Transfer*>(userp);
+        t->body.append(data, qsizetype(size * count));
+        return size * count;
+    }
+
+    static size_t readFromFile(char* buffer, size_t size, size_t count, void* userp)
+    {
+        auto* t = static_cast<ControllerClient::Transfer*>(userp);
+        for (;;) {
+            const ssize_t n = ::read(t->fd, buffer, size * count);
+            if (n >= 0)
+                return size_t(n);
+            if (errno != EINTR)
+                return CURL_READFUNC_ABORT;
+        }
+    }
+
+    static size_t header(char* data, size_t size, size_t count, void* userp)
+    {
+        auto* t = static_cast<ControllerClient::Transfer*>(userp);
+        const QByteArray line = QByteArray(data, qsizetype(size * count)).trimmed();
+        // FTP replies: "ddd text" ends a reply ("ddd-" continues it).
+        if (line.size() >= 4 && std::isdigit(uchar(line[0])) && std::isdigit(uchar(line[1])) &&
+            std::isdigit(uchar(line[2])) && line[3] == ' ') {
+            t->lastReply = line;
+            if (t->trackedSent && t->trackedReply.isEmpty())
+                t->trackedReply = line;
+        }
+        return size * count;
+    }
+
+    // Watches the FTP dialogue to pick out the reply to one command.
+    static int debug(CURL*, curl_infotype type, char* data, size_t size, void* userp)
+    {
+        auto* t = static_cast<ControllerClient::Transfer*>(userp);
+        if (type == CURLINFO_HEADER_OUT && !t->trackedCommand.isEmpty()) {
+            const QByteArray sent = QByteArray(data, qsizetype(size)).trimmed();
+            if (sent == t->trackedCommand) {
+                t->trackedSent = true;
+                t->trackedReply.clear();
+            }
+        }
+        return 0;
+    }
+};
+
+ControllerClient::Timeouts ControllerClient::defaultTimeouts()
+{
+    return g_defaultTimeouts;
+}
+
+void ControllerClient::setDefaultTimeouts(const Timeouts& timeouts)
+{
+    g_defaultTimeouts = timeouts;
+}
+
+std::shared_ptr<ControllerClient> ControllerClient::create()
+{
+    return std::shared_ptr<ControllerClient>(new ControllerClient());
+}
+
+ControllerClient::ControllerClient() : m_timeouts(g_defaultTimeouts)
+{
+    globalInit();
+    m_timer.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, [this] { socketAction(CURL_SOCKET_TIMEOUT, 0); });
+    connect(&m_kick, &QTimer::timeout, this, [this] { kick(); });
+}
+
+// The transfer library at times moves an FTP transfer into a state (opening the data connection
+// right after the passive-mode reply) in which it watches no socket and asks for no early timer,
+// and would sit there until its connect timeout. While transfers run, it is therefore also run
+// over all its transfers now and then: often while it watches no socket, rarely otherwise.
+void ControllerClient::kick()
+{
+    if (!m_multi || m_active.empty()) {
+        m_kick.stop();
+        return;
+    }
+    int running = 0;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    curl_multi_socket_all(static_cast<CURLM*>(m_multi), &running);
+#pragma GCC diagnostic pop
+    processDone();
+    updateKick();
+}
+
+void ControllerClient::updateKick()
+{
+    if (!m_multi || m_active.empty()) {
+        m_kick.stop();
+        return;
+    }
+    const int interval = m_watches.empty() ? 5 : 50;
+    if (!m_kick.isActive() || m_kick.interval() != interval)
+        m_kick.start(interval);
+}
+
+ControllerClient::~ControllerClient()
+{
+    resetMulti();
+}
+
+void ControllerClient::checkLine(const QString& text, const char* what)
+{
+    for (const QChar c : text) {
+        if (c == QLatin1Char('\r') || c == QLatin1Char('\n') || c == QChar(0))
+            throw TransferError(CURLE_URL_MALFORMAT,
+                                QStringLiteral("Refused: the %1 holds a line break or NUL character").arg(QLatin1String(what)));
+    }
+}
+
+void ControllerClient::setProbePorts(quint16 ftpPort, quint16 httpPort)
+{
+    m_probeFtpPort = ftpPort;
+    m_probeHttpPort = httpPort;
+}
+
+void ControllerClient::ensureMulti()
+{
+    if (m_multi)
+        return;
+    CURLM* multi = curl_multi_init();
+    if (!multi)
+        throw TransferError(CURLE_OUT_OF_MEMORY, QStringLiteral("Cannot create a transfer handle"));
+    curl_multi_setopt(multi, CURLMOPT_SOCKETFUNCTION, &ControllerClientCallbacks::socket);
+    curl_multi_setopt(multi, CURLMOPT_SOCKETDATA, this);
+    curl_multi_setopt(multi, CURLMOPT_TIMERFUNCTION, &ControllerClientCallbacks::timer);
+    curl_multi_setopt(multi, CURLMOPT_TIMERDATA, this);
+    curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, 8L);
+    m_multi = multi;
+}
+
+void ControllerClient::abortAll()
+{
+    const std::set<Transfer*> active = m_active;
+    for (Transfer* t : active) {
+        curl_multi_remove_handle(static_cast<CURLM*>(m_multi), t->easy);
+        t->code = CURLE_ABORTED_BY_CALLBACK;
+        qstrncpy(t->errorBuffer, "The connection was closed", sizeof t->errorBuffer);
+        t->done = true;
+        if (t->loop)
+            t->loop->quit();
+    }
+    m_active.clear();
+    m_busyFtp = 0;
+    m_busyHttp = 0;
+}
+
+void ControllerClient::resetMulti()
+{
+    if (m_multi) {
+        abortAll();
+        // Cut every connection first: closing the cache would otherwise say goodbye to each
+        // server and wait for its answer, which a hung controller never sends.
+        for (const long long s : m_openSockets)
+            ::shutdown(int(s), SHUT_RDWR);
+        curl_multi_cleanup(static_cast<CURLM*>(m_multi));
+        m_multi = nullptr;
+    }
+    for (auto& [s, w] : m_watches) {
+        delete w.read;
+        delete w.write;
+    }
+    m_watches.clear();
+    m_timer.stop();
+    m_kick.stop();
+    m_ftp.up = false;
+    m_ftp.socket = -1;
+    m_http.up = false;
+    m_http.socket = -1;
+}
+
+QString ControllerClient::ftpUrl(const Session& s, const QString& path) const
+{
+    return QStringLiteral("ftp://") + s.host + QLatin1Char(':') + QString::number(s.port) + QLatin1Char('/') +
+           percentEncoded(path);
+}
+
+void* ControllerClient::newEasy(Transfer& t, const Session& session, bool ftp, const QString& url)
+{
+    CURL* easy = curl_easy_init();
+    if (!easy)
+        throw TransferError(CURLE_OUT_OF_MEMORY, QStringLiteral("Cannot create a transfer handle"));
+    t.easy = easy;
+    const QByteArray urlBytes = url.toUtf8();
+    curl_easy_setopt(easy, CURLOPT_URL, urlBytes.constData());
+    curl_easy_setopt(easy, CURLOPT_PRIVATE, &t);
+    curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, t.errorBuffer);
+    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, ftp ? "ftp" : "http");
+    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 0L);
+    curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, long(m_timeouts.connectMs));
+    curl_easy_setopt(easy, CURLOPT_LOW_SPEED_LIMIT, 1L);
+    curl_easy_setopt(easy, CURLOPT_LOW_SPEED_TIME, long(stallSeconds(m_timeouts.stallMs)));
+    curl_easy_setopt(easy, CURLOPT_MAXAGE_CONN, 24L * 3600L);
+    curl_easy_setopt(easy, CURLOPT_TCP_KEEPALIVE, 1L);
+    curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, kBufferSize);
+    curl_easy_setopt(easy, CURLOPT_OPENSOCKETFUNCTION, &ControllerClientCallbacks::openSocket);
+    curl_easy_setopt(easy, CURLOPT_OPENSOCKETDATA, this);
+    curl_easy_setopt(easy, CURLOPT_CLOSESOCKETFUNCTION, &ControllerClientCallbacks::closeSocket);
+    curl_easy_setopt(easy, CURLOPT_CLOSESOCKETDATA, this);
+    curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &ControllerClientCallbacks::header);
+    curl_easy_setopt(easy, CURLOPT_HEADERDATA, &t);
+    if (qEnvironmentVariableIsSet("NXR_CURL_VERBOSE"))
+        curl_easy_setopt(easy, CURLOPT_VERBOSE, 1L);
+    if (ftp) {
+        const QByteArray user = session.user.toUtf8();
+        const QByteArray password = session.password.toUtf8();
+        if (!user.isEmpty()) {
+            curl_easy_setopt(easy, CURLOPT_USERNAME, user.constData());
+            curl_easy_setopt(easy, CURLOPT_PASSWORD, password.constData());
+        }
+        curl_easy_setopt(easy, CURLOPT_FTP_FILEMETHOD, long(CURLFTPMETHOD_NOCWD));
+        curl_easy_setopt(easy, CURLOPT_FTP_SKIP_PASV_IP, 1L);
+        curl_easy_setopt(easy, CURLOPT_SERVER_RESPONSE_TIMEOUT, long(stallSeconds(m_timeouts.stallMs)));
+    } else {
+        curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_1_1));
+        if (!session.user.isEmpty()) {
+            const QByteArray user = session.user.toUtf8();
+            const QByteArray password = session.password.toUtf8();
+            curl_easy_setopt(easy, CURLOPT_HTTPAUTH, long(CURLAUTH_BASIC));
+            curl_easy_setopt(easy, CURLOPT_USERNAME, user.constData());
+            curl_easy_setopt(easy, CURLOPT_PASSWORD, password.constData());
+        }
+    }
+    return easy;
+}
+
+void ControllerClient::run(Transfer& t)
+{
+    ensureMulti();
+    const CURLMcode added = curl_multi_add_handle(static_cast<CURLM*>(m_multi), t.easy);
+    if (added != CURLM_OK)
+        throw TransferError(CURLE_FAILED_INIT, QString::fromLatin1(curl_multi_strerror(added)));
+    m_active.insert(&t);
+    updateKick();
+    if (!t.done) {
+        QEventLoop loop;
+        t.loop = &loop;
+        loop.exec();
+        t.loop = nullptr;
+    }
+    if (m_closeWhenIdle && m_active.empty())
+        QTimer::singleShot(0, this, [keep = shared_from_this()] {
+            if (keep->m_closeWhenIdle && keep->m_active.empty())
+                keep->CloseConnections();
+        });
+}
+
+void ControllerClient::closeWhenIdle()
+{
+    if (m_active.empty()) {
+        CloseConnections();
+        return;
+    }
+    m_closeWhenIdle = true;
+}
+
+void ControllerClient::socketAction(long long s, int events)
+{
+    if (!m_multi)
+        return;
+    int running = 0;
+    curl_multi_socket_action(static_cast<CURLM*>(m_multi), curl_socket_t(s), events, &running);
+    processDone();
+    updateKick();
+}
+
+void ControllerClient::processDone()
+{
+    int queued = 0;
+    while (m_multi) {
+        CURLMsg* msg = curl_multi_info_read(static_cast<CURLM*>(m_multi), &queued);
+        if (!msg)
+            break;
+        if (msg->msg != CURLMSG_DONE)
+            continue;
+        Transfer* t = nullptr;
+        curl_easy_getinfo(msg->easy_handle, CURLINFO_PRIVATE, reinterpret_cast<char**>(&t));
+        const CURLcode code = msg->data.result;
+        if (!t || !m_active.count(t)) {
+            curl_multi_remove_handle(static_cast<CURLM*>(m_multi), msg->easy_handle);
+            continue;
+        }
+        t->code = code;
+        curl_socket_t active = CURL_SOCKET_BAD;
+        if (curl_easy_getinfo(t->easy, CURLINFO_ACTIVESOCKET, &active) == CURLE_OK)
+            t->activeSocket = active;
+        curl_easy_getinfo(t->easy, CURLINFO_RESPONSE_CODE, &t->responseCode);
+        curl_multi_remove_handle(static_cast<CURLM*>(m_multi), t->easy);
+        m_active.erase(t);
+        t->done = true;
+        if (t->loop)
+            t->loop->quit();
+    }
+}
+
+bool ControllerClient::socketAlive(long long s) const
+{
+    if (s < 0 || !m_openSockets.count(s))
+        return false;
+    pollfd p{};
+    p.fd = int(s);
+    p.events = POLLIN | POLLPRI | POLLRDHUP;
+    const int n = ::poll(&p, 1, 0);
+    if (n < 0)
+        return false;
+    // An idle session has nothing to say: readable means closed, reset or a farewell ("421").
+    return n == 0;
+}
+
+void ControllerClient::finish(Transfer& t, Session& session, bool ftp)
+{
+    if (t.code == CURLE_OK) {
+        session.up = true;
+        session.socket = t.activeSocket;
+        return;
+    }
+    switch (t.code) {
+    case CURLE_COULDNT_RESOLVE_HOST:
+    case CURLE_COULDNT_CONNECT:
+    case CURLE_OPERATION_TIMEDOUT:
+    case CURLE_LOGIN_DENIED:
+    case CURLE_WEIRD_SERVER_REPLY:
+    case CURLE_SEND_ERROR:
+    case CURLE_RECV_ERROR:
+    case CURLE_GOT_NOTHING:
+    case CURLE_ABORTED_BY_CALLBACK:
+    case CURLE_PARTIAL_FILE:
+        session.up = false;
+        session.socket = -1;
+        break;
+    default:
+        if (t.activeSocket != CURL_SOCKET_BAD)
+            session.socket = t.activeSocket;
+        break;
+    }
+    fail(t, session, ftp);
+}
+
+void ControllerClient::fail(const Transfer& t, const Session& session, bool ftp) const
+{
+    int number = int(t.code);
+    QString text;
+    const QByteArray reply = !t.trackedReply.isEmpty() ? t.trackedReply : t.lastReply;
+    const int replyCode = reply.left(3).toInt();
+    if (ftp && replyCode >= 400 && t.code != CURLE_OPERATION_TIMEDOUT && t.code != CURLE_ABORTED_BY_CALLBACK) {
+        number = replyCode;
+        text = QString::fromUtf8(reply);
+    } else if (!ftp && t.code == CURLE_HTTP_RETURNED_ERROR && t.responseCode > 0) {
+        number = int(t.responseCode);
+        text = QStringLiteral("HTTP error ") + QString::number(t.responseCode);
+    } else {
+        text = QString::fromUtf8(t.errorBuffer).trimmed();
+        if (text.isEmpty())
+            text = QString::fromUtf8(curl_easy_strerror(t.code));
+    }
+    QStringList secrets;
+    if (!session.password.isEmpty())
+        secrets << session.password;
+    if (session.user.size() >= 2)
+        secrets << session.user;
+    throw TransferError(number, scrubCredentials(text, secrets));
+}
+
+void ControllerClient::FtpConnect(const QString& host, const QString& user, const QString& password, quint16 port,
+                                  int /*flag*/)
+{
+    auto keep = shared_from_this();
+    checkHost(host);
+    checkLine(user, "user name");
+    checkLine(password, "password");
+    m_ftp.host = host;
+    m_ftp.user = user;
+    m_ftp.password = password;
+    m_ftp.port = port;
+    m_ftp.configured = true;
+    m_probeFtpPort = port;
+    Transfer t;
+    newEasy(t, m_ftp, true, ftpUrl(m_ftp, QString()));
+    // One harmless command, so that a session that is already open is checked too (and the
+    // library does not measure its reply time from the session's last exchange).
+    t.quote = curl_slist_append(nullptr, "NOOP");
+    curl_easy_setopt(t.easy, CURLOPT_QUOTE, t.quote);
+    curl_easy_setopt(t.easy, CURLOPT_NOBODY, 1L);
+    ++m_busyFtp;
+    run(t);
+    m_busyFtp = qMax(0, m_busyFtp - 1);
+    finish(t, m_ftp, true);
+}
+
+void ControllerClient::HttpConnect(const QString& host, const QString& user, const QString& password, quint16 port)
+{
+    auto keep = shared_from_this();
+    checkHost(host);
+    checkLine(user, "user name");
+    checkLine(password, "password");
+    m_http.host = host;
+    m_http.user = user;
+    m_http.password = password;
+    m_http.port = port;
+    m_http.configured = true;
+    m_probeHttpPort = port;
+    Transfer t;
+    newEasy(t, m_http, false, QStringLiteral("http://") + host + QLatin1Char(':') + QString::number(port) + QLatin1Char('/'));
+    curl_easy_setopt(t.easy, CURLOPT_NOBODY, 1L);
+    ++m_busyHttp;
+    run(t);
+    m_busyHttp = qMax(0, m_busyHttp - 1);
+    finish(t, m_http, false);
+}
+
+void ControllerClient::Disconnect()
+{
+    auto keep = shared_from_this();
+    resetMulti();
+}
+
+void ControllerClient::CloseConnections()
+{
+    auto keep = shared_from_this();
+    m_closeWhenIdle = false;
+    resetMulti();
+    m_ftp.configured = false;
+    m_http.configured = false;
+}
+
+long ControllerClient::FtpState()
+{
+    if (m_busyFtp > 0)
+        return m_ftp.up ? 1 : 0;
+    if (m_ftp.up && !socketAlive(m_ftp.socket)) {
+        m_ftp.up = false;
+        m_ftp.socket = -1;
+    }
+    return m_ftp.up ? 1 : 0;
+}
+
+long ControllerClient::HttpState()
+{
+    if (m_busyHttp > 0)
+        return m_http.up ? 1 : 0;
+    if (m_http.up && !socketAlive(m_http.socket)) {
+        m_http.up = false;
+        m_http.socket = -1;
+    }
+    return m_http.up ? 1 : 0;
+}
+
+bool ControllerClient::Ping(const QString& host)
+{
+    auto keep = shared_from_this();
+    checkLine(host, "host");
+    static const QRegularExpression valid(QStringLiteral("^[A-Za-z0-9._-]+$"));
+    if (!valid.match(host).hasMatch())
+        return false;
+    const quint16 ports[] = {m_probeFtpPort, m_probeHttpPort};
+    for (const quint16 port : ports) {
+        QTcpSocket socket;
+        QEventLoop loop;
+        QTimer timer;
+        timer.setSingleShot(true);
+        bool answered = false;
+        connect(&socket, &QTcpSocket::connected, &loop, [&] {
+            answered = true;
+            loop.quit();
+        });
+        connect(&socket, &QTcpSocket::errorOccurred, &loop, [&](QAbstractSocket::SocketError error) {
+            answered = error == QAbstractSocket::ConnectionRefusedError;
+            loop.quit();
+        });
+        connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+        timer.start(m_timeouts.pingMs);
+        socket.connectToHost(host, port);
+        if (socket.state() != QAbstractSocket::UnconnectedState || !answered)
+            loop.exec();
+        socket.abort();
+        if (answered)
+            return true;
+    }
+    return false;
+}
+
+void ControllerClient::download(Session& session, bool ftp, const QString& url, const QString& localPath, int overwrite)
+{
+    if (localPath.isEmpty())
+        throw TransferError(CURLE_WRITE_ERROR, QStringLiteral("No local file name given"));
+    const QFileInfo target(localPath);
+    if (overwrite == 0 && target.exists())
+        throw TransferError(CURLE_WRITE_ERROR, QStringLiteral("The local file exists: ") + localPath);
+    // Into a fresh name beside the target, renamed over it only when complete.
+    QByteArray pattern = QFile::encodeName(target.absolutePath() + QStringLiteral("/.") + target.fileName() +
+                                           QStringLiteral(".part-XXXXXX"));
+    const int fd = ::mkstemp(pattern.data());
+    if (fd < 0)
+        throw TransferError(CURLE_WRITE_ERROR, QStringLiteral("Cannot write into ") + target.absolutePath() +
+                                                   QStringLiteral(": ") + QString::fromLocal8Bit(strerror(errno)));
+    ::fcntl(fd, F_SETFD, FD_CLOEXEC);
+    ::fchmod(fd, 0644);
+    Transfer t;
+    t.fd = fd;
+    bool ok = false;
+    try {
+        newEasy(t, session, ftp, url);
+        curl_easy_setopt(t.easy, CURLOPT_WRITEFUNCTION, &ControllerClientCallbacks::writeToFile);
+        curl_easy_setopt(t.easy, CURLOPT_WRITEDATA, &t);
+        if (!ftp)
+            curl_easy_setopt(t.easy, CURLOPT_FAILONERROR, 1L);
+        int& busy = ftp ? m_busyFtp : m_busyHttp;
+        ++busy;
+        run(t);
+        busy = qMax(0, busy - 1);
+        ok = t.code == CURLE_OK;
+        if (::close(fd) != 0 && ok) {
+            ok = false;
+            t.code = CURLE_WRITE_ERROR;
+        }
+        t.fd = -1;
+        if (ok && ::rename(pattern.constData(), QFile::encodeName(localPath).constData()) != 0) {
+            const QString why = QString::fromLocal8Bit(strerror(errno));
+            ::unlink(pattern.constData());
+            throw TransferError(CURLE_WRITE_ERROR, QStringLiteral("Cannot write ") + localPath + QStringLiteral(": ") + why);
+        }
+    } catch (...) {
+        if (t.fd >= 0)
+            ::close(t.fd);
+        ::unlink(pattern.constData());
+        throw;
+    }
+    if (!ok)
+        ::unlink(pattern.constData());
+    finish(t, session, ftp);
+}
+
+void ControllerClient::FtpGetFile(const QString& remotePath, const QString& localPath, int overwrite, int /*reserved*/)
+{
+    auto keep = shared_from_this();
+    checkLine(remotePath, "controller path");
+    checkLine(localPath, "local path");
+    if (!m_ftp.configured)
+        throw TransferError(CURLE_FAILED_INIT, QStringLiteral("The FTP session is not open"));
+    if (remotePath.isEmpty())
+        throw TransferError(CURLE_REMOTE_FILE_NOT_FOUND, QStringLiteral("No controller path given"));
+    download(m_ftp, true, ftpUrl(m_ftp, remotePath), localPath, overwrite);
+}
+
+void ControllerClient::HttpGetFile(const QString& remoteUrlPath, const QString& localPath, int overwrite)
+{
+    auto keep = shared_from_this();
+    checkLine(remoteUrlPath, "URL path");
+    checkLine(localPath, "local path");
+    if (!m_http.configured)
+        throw TransferError(CURLE_FAILED_INIT, QStringLiteral("The HTTP session is not open"));
+    QString path = remoteUrlPath;
+    if (!path.startsWith(QLatin1Char('/')))
+        path.prepend(QLatin1Char('/'));
+    const QString url = QStringLiteral("http://") + m_http.host + QLatin1Char(':') + QString::number(m_http.port) +
+                        percentEncoded(path, QByteArrayLiteral("/"));
+    download(m_http, false, url, localPath, overwrite);
+}
+
+void ControllerClient::FtpCommand(const QString& commandLine, int /*type*/, int flag, QString& response)
+{
+    auto keep = shared_from_this();
+    QString command = commandLine;
+    if (command.endsWith(QStringLiteral("\r\n")))
+        command.chop(2);
+    checkLine(command, "command");
+    if (command.trimmed().isEmpty())
+        throw TransferError(CURLE_URL_MALFORMAT, QStringLiteral("No command given"));
+    if (!m_ftp.configured)
+        throw TransferError(CURLE_FAILED_INIT, QStringLiteral("The FTP session is not open"));
+    Transfer t;
+    newEasy(t, m_ftp, true, ftpUrl(m_ftp, QString()));
+    const QByteArray bytes = command.toUtf8();
+    t.trackedCommand = bytes.trimmed();
+    if (!qEnvironmentVariableIsSet("NXR_CURL_VERBOSE")) {
+        curl_easy_setopt(t.easy, CURLOPT_DEBUGFUNCTION, &ControllerClientCallbacks::debug);
+        curl_easy_setopt(t.easy, CURLOPT_DEBUGDATA, &t);
+    }
+    curl_easy_setopt(t.easy, CURLOPT_VERBOSE, 1L);
+    if (flag != 0) {
+        curl_easy_setopt(t.easy, CURLOPT_CUSTOMREQUEST, bytes.constData());
+        curl_easy_setopt(t.easy, CURLOPT_WRITEFUNCTION, &ControllerClientCallbacks::writeToBody);
+        curl_easy_setopt(t.easy, CURLOPT_WRITEDATA, &t);
+    } else {
+        t.quote = curl_slist_append(nullptr, bytes.constData());
+        curl_easy_setopt(t.easy, CURLOPT_QUOTE, t.quote);
+        curl_easy_setopt(t.easy, CURLOPT_NOBODY, 1L);
+    }
+    ++m_busyFtp;
+    run(t);
+    m_busyFtp = qMax(0, m_busyFtp - 1);
+    finish(t, m_ftp, true);
+    if (flag != 0) {
+        // Listings travel as text and the transfer library hands them over with bare LF line
+        // ends; give them back the CR LF the controller sent.
+        QByteArray body = t.body;
+        body.replace("\r\n", "\n");
+        body.replace("\n", "\r\n");
+        response = QString::fromUtf8(body);
+    } else {
+        response = QString::fromUtf8(t.trackedReply);
+    }
+}
+
+void ControllerClient::FtpPutFile(const QString& localPath, const QString& remotePath, int /*type*/)
+{
+    auto keep = shared_from_this();
+    checkLine(localPath, "local path");
+    checkLine(remotePath, "controller path");
+    if (!m_ftp.configured)
+        throw TransferError(CURLE_FAILED_INIT, QStringLiteral("The FTP session is not open"));
+    if (remotePath.isEmpty())
+        throw TransferError(CURLE_URL_MALFORMAT, QStringLiteral("No controller path given"));
+    const int fd = ::open(QFile::encodeName(localPath).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        throw TransferError(CURLE_READ_ERROR, QStringLiteral("Cannot read ") + localPath + QStringLiteral(": ") +
+                                                  QString::fromLocal8Bit(strerror(errno)));
+    struct stat st {};
+    ::fstat(fd, &st);
+    Transfer t;
+    t.fd = fd;
+    try {
+        newEasy(t, m_ftp, true, ftpUrl(m_ftp, remotePath));
+        curl_easy_setopt(t.easy, CURLOPT_UPLOAD, 1L);
+        curl_easy_setopt(t.easy, CURLOPT_READFUNCTION, &ControllerClientCallbacks::readFromFile);
+        curl_easy_setopt(t.easy, CURLOPT_READDATA, &t);
+        curl_easy_setopt(t.easy, CURLOPT_INFILESIZE_LARGE, curl_off_t(st.st_size));
+        ++m_busyFtp;
+        run(t);
+        m_busyFtp = qMax(0, m_busyFtp - 1);
+    } catch (...) {
+        ::close(fd);
+        throw;
+    }
+    ::close(fd);
+    finish(t, m_ftp, true);
+}
+
+} // namespace nxr
