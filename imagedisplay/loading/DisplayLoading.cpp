@@ -4,6 +4,7 @@
 #include "imagedisplay/NXEViewButtons.h"
 #include "imagedisplay/NXRImageDisplay.h"
 #include "imagedisplay/ToolbarClickHandler.h"
+#include "imagedisplay/loading/TransferFiles.h"
 
 namespace nxr {
 
@@ -41,17 +42,26 @@ ControllerFiles* DisplayLoading::files()
 {
     if (m_filesOverride)
         return m_filesOverride;
+    if (!m_transferFiles) {
+        m_transferFiles = std::make_unique<TransferFiles>();
+        m_transferFiles->setFtpPort(m_ftpPort);
+        m_transferFiles->setHttpPort(m_httpPort);
+    }
     return m_transferFiles.get();
 }
 
 void DisplayLoading::setFtpPort(int port)
 {
     m_ftpPort = port;
+    if (m_transferFiles)
+        m_transferFiles->setFtpPort(port);
 }
 
 void DisplayLoading::setHttpPort(int port)
 {
     m_httpPort = port;
+    if (m_transferFiles)
+        m_transferFiles->setHttpPort(port);
 }
 
 void DisplayLoading::LoadImage(const QString& server, const QString& path, const QString& userName,

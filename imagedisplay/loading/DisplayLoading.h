@@ -17,6 +17,8 @@ class NXRImageDisplay;
 
 namespace nxr {
 
+class TransferFiles;
+
 class NXR_EXPORT DisplayLoading
 {
 public:
@@ -48,7 +50,7 @@ public:
 private:
     NXRImageDisplay& m_display;
     DisplaySurface m_surface;
-    std::unique_ptr<ControllerFiles> m_transferFiles;
+    std::unique_ptr<TransferFiles> m_transferFiles;
     ControllerFiles* m_filesOverride = nullptr;
     int m_ftpPort = 21;
     int m_httpPort = 80;
