@@ -1,12 +1,24 @@
-// Vision setup page: the camera image with the view tool bar. Zoom, scroll and pan work from the
-// tool bar, the mouse wheel (anchored at the cursor) and the mouse modes.
+// Vision setup page: the camera image of the controller with the view tool bar and a status line.
 //
-// Until the page loads images from the controller it shows the sample image of the repository's
-// test data (or the file given with --script-arg image=PATH).
+// With a controller (--script-arg server=HOST, and ftpPort/httpPort/user/password when they are not
+// the defaults) the operator works the camera from the tool bar: Snap takes a picture and shows it,
+// Live streams pictures (zoom and pan keep working while they arrive; Snap ends live mode), Save
+// writes the shown image back to the controller (savePath, MC:\CAMERA\SAVED.PNG by default). The
+// camera is the controller simulator's (its /__sim/snap request takes a picture); cameraUrl= names
+// another request that answers the path of a new picture. The status line tells what happened,
+// LastErrorString included.
+//
+// Without a controller the page shows the sample image of the repository's test data (or the file
+// given with --script-arg image=PATH).
 //
 // With --script-arg check=1 the page checks itself headless: it zooms with the wheel and the
 // tool bar, verifies the display's answers and ends the run with exit code 0 (or 1 and the
 // reason on the console).
+//
+// Headless with a controller (or with --script-arg demo=1) the page runs the operator's round by
+// itself: snap, live mode with zooming and moving the view while pictures stream, live mode ended,
+// save; it writes a screenshot after each step into shots= (default: the current folder), says
+// where, and exits 0 when every step worked.
 
 function pageFolder() {
     var url = (typeof host !== "undefined" && host.pageUrl) ? String(host.pageUrl) : "";
@@ -24,23 +36,138 @@ function sampleImagePath() {
     return pageFolder() + "/../../tests/data/sample-part.png";
 }
 
+var args = (typeof host !== "undefined" && host.args) ? host.args : {};
+var controller = args.server ? {
+    server: String(args.server),
+    user: args.user !== undefined ? String(args.user) : "robot",
+    password: args.password !== undefined ? String(args.password) : "robot",
+    httpPort: args.httpPort ? String(args.httpPort) : "80",
+    savePath: args.savePath ? String(args.savePath) : "MC:\\CAMERA\\SAVED.PNG",
+    size: args.size ? String(args.size) : "1280x1024",
+} : null;
+
 var zoomEvents = [];
 var pageButtons = [];
+var frames = 0;
+
+function status(text) {
+    statusLine.text = text;
+    console.log(text);
+}
 
 display.OnError.connect(function () {
-    console.log("display error: " + display.LastErrorString);
+    status("Error: " + display.LastErrorString);
 });
 display.OnZoomChanged.connect(function (zoom) {
     zoomEvents.push(zoom);
     console.log("zoom " + zoom + "%");
 });
+display.OnLiveModeToggled.connect(function (on) {
+    status(on ? "Live mode on: pictures stream from the camera; Snap ends it"
+              : "Live mode off after " + frames + " pictures");
+});
 display.OnButtonClicked.connect(function (name) {
     pageButtons.push(name);
-    console.log("tool bar: " + name);
+    if (name !== "Snap" || display.GetProperty("LiveMode") !== "True")
+        console.log("tool bar: " + name);
+    if (!controller)
+        return;
+    if (name === "Snap")
+        snap();
+    else if (name === "Save")
+        save();
 });
 
+// The camera takes a picture; the answer is its path on the controller.
+function takePicture() {
+    var url = args.cameraUrl ? String(args.cameraUrl) : "http://" + controller.server + ":" + controller.httpPort +
+        "/__sim/snap?w=" + controller.size.split("x")[0] + "&h=" + controller.size.split("x")[1] + "&color=1";
+    var request = new XMLHttpRequest();
+    request.open("GET", url, false);
+    request.send();
+    if (request.status !== 200) {
+        status("Camera did not answer (" + request.status + " " + request.statusText + ")");
+        return "";
+    }
+    return String(request.responseText).trim();
+}
+
+// Snap: a new picture, shown; in live mode the display asks for the next one by itself.
+function snap() {
+    var path = takePicture();
+    if (!path)
+        return;
+    var before = display.LastErrorString;
+    display.LoadImage(controller.server, path, controller.user, controller.password);
+    ++frames;
+    if (display.LastErrorString === before || display.GetProperty("LiveMode") === "True") {
+        if (display.GetProperty("LiveMode") !== "True" || frames % 25 === 0)
+            status((display.GetProperty("LiveMode") === "True" ? "Live: " : "Snapped ") + path + " (" +
+                   display.ImageWidth + " x " + display.ImageHeight + ", " + frames + " pictures, zoom " +
+                   display.Zoom.toFixed(1) + "%)");
+    }
+}
+
+function save() {
+    var before = display.LastErrorString;
+    display.SaveCurrentImage(controller.server, controller.savePath, controller.user, controller.password);
+    if (display.LastErrorString === before)
+        status("Saved the image to " + controller.savePath);
+}
+
 display.Caption = "Camera 1";
-display.LoadLocalImage(sampleImagePath());
+if (controller) {
+    if (args.ftpPort)
+        display.SetProperty("FTPPortNo", String(args.ftpPort));
+    display.SetProperty("HTTPPortNo", controller.httpPort);
+    status("Controller " + controller.server + ": Snap takes a picture, Live streams them");
+} else {
+    display.LoadLocalImage(sampleImagePath());
+}
+
+// The operator's round, headless: every step ends with a screenshot.
+function demoRound() {
+    var folder = args.shots ? String(args.shots) : ".";
+    var shots = [];
+    function shot(name) {
+        var file = folder + "/vision-setup-" + name + ".png";
+        host.screenshot(file);
+        shots.push(file);
+    }
+    snap();
+    host.wait(200);
+    shot("1-snap");
+
+    // Live mode, as the live button starts it: on, then the first picture.
+    display.SetProperty("LiveMode", "True");
+    snap();
+    host.wait(1500);
+    // Zoom in twice with the wheel over the disc area while pictures stream, then move the view.
+    host.wheel(display, display.width / 3, display.height / 2, 1);
+    host.wait(400);
+    host.wheel(display, display.width / 3, display.height / 2, 1);
+    host.wait(800);
+    shot("2-live-zoomed");
+    // Pan: the pan tool of the tool bar (fourth button), then a drag across the image.
+    host.click(display, 91, 31);
+    host.drag(display, display.width / 2, display.height / 2, display.width / 4, display.height / 3);
+    host.wait(800);
+    shot("3-live-panned");
+    var liveFrames = frames;
+
+    // End live mode (the operator presses Snap, which ends it once the running load is done).
+    display.AbortLiveMode();
+    host.wait(300);
+    save();
+    host.wait(100);
+    shot("4-saved");
+    var ok = liveFrames > 3 && display.GetProperty("LiveMode") === "False" &&
+             display.LastErrorString === "";
+    console.log("vision-setup demo " + (ok ? "done" : "FAILED") + ": " + liveFrames + " pictures, last error '" +
+                display.LastErrorString + "'");
+    console.log("screenshots: " + shots.join(", "));
+    host.exit(ok ? 0 : 1);
+}
 
 function selfCheck() {
     var failures = [];
@@ -81,5 +208,7 @@ function selfCheck() {
     }
 }
 
-if (typeof host !== "undefined" && host.args && host.args.check === "1")
+if (args.check === "1")
     setTimeout(selfCheck, 200);
+else if (controller && (args.demo === "1" || host.headless))
+    setTimeout(demoRound, 200);
