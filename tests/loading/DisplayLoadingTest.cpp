@@ -15,8 +15,10 @@
 #include "imagedisplay/loading/ImageFile.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QSignalSpy>
 #include <QTest>
+#include <QWheelEvent>
 
 #include <gtest/gtest.h>
 
@@ -223,6 +225,44 @@ TEST_F(DisplayLoadingTest, ZoomClicksDuringALiveLoadAreAppliedInOrderAfterIt)
                 ViewMaths::integerZoom(ViewMaths::integerZoom(start * 2.0, true) * 2.0, true) / 2.0, 0.01);
     display->AbortLiveMode();
     EXPECT_EQ(display->GetProperty("LiveMode"), "False");
+}
+
+TEST_F(DisplayLoadingTest, PanAndZoomMadeWhileLiveImagesStreamAreKept)
+{
+    put("MC:\\E2E\\F0.PNG", pattern(1280, 1024, 10, false));
+    put("MC:\\E2E\\F1.PNG", pattern(1280, 1024, 11, false));
+    int frames = 0;
+    QObject::connect(display.get(), &NXRImageDisplay::OnButtonClicked, [&](const QString& name) {
+        if (name == "Snap")
+            load(QString("MC:\\E2E\\F%1.PNG").arg(++frames % 2));
+    });
+    display->SetProperty("LiveMode", "True");
+    load("MC:\\E2E\\F0.PNG");
+    ASSERT_TRUE(waitFor([&] { return frames >= 2; }));
+
+    // The operator zooms in with the wheel and drags the image with the pan tool.
+    const QSize lead = display->leadView()->deviceSize();
+    const QPoint middle(lead.width() / 2, lead.height() / 2);
+    const float fitted = display->Zoom();
+    QWheelEvent wheel(middle, display->leadView()->mapToGlobal(middle), QPoint(), QPoint(0, 120),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(display->leadView(), &wheel);
+    const QPoint zoomedAt = display->viewport().maths().scrollPosition();
+    display->mouse().setMouseMode(MouseDispatcher::Pan);
+    QTest::mousePress(display->leadView(), Qt::LeftButton, {}, middle);
+    QTest::mouseMove(display->leadView(), middle - QPoint(120, 90));
+    QTest::mouseRelease(display->leadView(), Qt::LeftButton, {}, middle - QPoint(120, 90));
+    const float zoom = display->Zoom();
+    const QPoint scroll = display->viewport().maths().scrollPosition();
+    ASSERT_GT(zoom, fitted);
+    ASSERT_EQ(scroll, zoomedAt + QPoint(120, 90)); // the image followed the mouse
+
+    const int seen = frames;
+    ASSERT_TRUE(waitFor([&] { return frames >= seen + 4; }));
+    EXPECT_FLOAT_EQ(display->Zoom(), zoom);
+    EXPECT_EQ(display->viewport().maths().scrollPosition(), scroll);
+    display->AbortLiveMode();
+    EXPECT_EQ(errors, 0) << display->LastErrorString().toStdString();
 }
 
 TEST_F(DisplayLoadingTest, SaveRoundTripPerFormatAndNoImageToSave)
