@@ -16,6 +16,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QFile>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWheelEvent>
@@ -275,15 +276,21 @@ TEST_F(DisplayLoadingTest, SaveRoundTripPerFormatAndNoImageToSave)
         const QImage img = pattern(200, 150, 7, grey);
         put("MC:\\E2E\\SRC.PNG", img);
         load("MC:\\E2E\\SRC.PNG");
-        for (const char* name :
-             {"MC:\\E2E\\OUT.PNG", "MC:\\E2E\\OUT.BMP", "MC:\\E2E\\OUT.GIF", "MC:\\E2E\\OUT.JPG"}) {
+        for (const char* name : {"MC:\\E2E\\OUT.PNG", "MC:\\E2E\\OUT.BMP", "MC:\\E2E\\OUT.GIF",
+                                 "MC:\\E2E\\OUT.JPG", "MC:\\E2E\\OUT"}) {
             SCOPED_TRACE(std::string(name) + (grey ? " grey" : " colour"));
             display->SaveCurrentImage(sim->host(), name, sim->user(), sim->password());
             ASSERT_EQ(errors, 1) << display->LastErrorString().toStdString();
             const QString local = sim->localPathOf(name);
             const QImage back = ImageFile::read(local);
             EXPECT_EQ(back.format(), img.format());
-            if (QString(name).endsWith(".JPG") || (!grey && QString(name).endsWith(".GIF")))
+            if (QString(name).endsWith("OUT")) { // no extension: written as JPEG
+                QFile file(local);
+                ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+                EXPECT_EQ(file.read(2), QByteArray("\xFF\xD8", 2));
+            }
+            if (QString(name).endsWith(".JPG") || QString(name).endsWith("OUT") ||
+                (!grey && QString(name).endsWith(".GIF")))
                 EXPECT_EQ(back.size(), img.size());
             else
                 EXPECT_EQ(back, img);

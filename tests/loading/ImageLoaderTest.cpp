@@ -51,84 +51,6 @@ protected:
     ImageLoader loader{surface, live, core, [this] { return &files; }};
 };
 
-TEST_F(ImageLoaderTest, LoadShowsTheImageFitsItOnceAndRecordsTheFileNames)
-{
-    const QImage img = pattern(320, 240, 1);
-    put("MC:\\VISION\\snap.png", img);
-    QSignalSpy zoom(&loader, &ImageLoader::zoomChanged);
-    load("MC:\\VISION\\snap.png");
-    EXPECT_EQ(errors, 0) << core.lastError().toStdString();
-    EXPECT_EQ(surface.image, img);
-    EXPECT_EQ(surface.landing, img);
-    EXPECT_EQ(loader.images().image("current"), img);
-    EXPECT_EQ(loader.originalFilename(), "snap.png");
-    EXPECT_EQ(loader.currentImageFilename(), Globals::storageFolder() + "/MC/VISION/image.PNG");
-    EXPECT_EQ(loader.hostName(), "robot");
-    ASSERT_EQ(zoom.count(), 1);
-    EXPECT_FLOAT_EQ(zoom[0][0].toFloat(), 200.0f); // 320 x 240 into 640 x 480
-}
-
-TEST_F(ImageLoaderTest, EqualSizeKeepsZoomAndScrollOtherSizeRefitsAndSignalsOnce)
-{
-    put("MC:\\V\\a.png", pattern(320, 240, 1));
-    put("MC:\\V\\b.png", pattern(320, 240, 2));
-    put("MC:\\V\\c.png", pattern(1280, 960, 3));
-    QSignalSpy zoom(&loader, &ImageLoader::zoomChanged);
-    load("MC:\\V\\a.png");
-    surface.zoomValue = 400.0f; // the operator zoomed and panned
-    surface.scroll = QPointF(37, 12);
-    load("MC:\\V\\b.png");
-    EXPECT_EQ(surface.image, pattern(320, 240, 2));
-    EXPECT_FLOAT_EQ(surface.zoomValue, 400.0f);
-    EXPECT_EQ(surface.scroll, QPointF(37, 12));
-    EXPECT_EQ(zoom.count(), 1);
-
-    load("MC:\\V\\c.png");
-    EXPECT_FLOAT_EQ(surface.zoomValue, 50.0f);
-    EXPECT_EQ(surface.scroll, QPointF());
-    ASSERT_EQ(zoom.count(), 2);
-    EXPECT_FLOAT_EQ(zoom[1][0].toFloat(), 50.0f);
-    EXPECT_EQ(errors, 0);
-}
-
-TEST_F(ImageLoaderTest, EmptyPathClearsTheDisplayWithoutError)
-{
-    put("MC:\\V\\a.png", pattern(64, 48, 1));
-    load("MC:\\V\\a.png");
-    load("");
-    EXPECT_TRUE(surface.image.isNull());
-    EXPECT_TRUE(surface.landing.isNull());
-    EXPECT_FALSE(loader.images().contains("current"));
-    EXPECT_EQ(loader.currentImageFilename(), "");
-    EXPECT_EQ(surface.reinitializations, 1);
-    EXPECT_EQ(errors, 0);
-    EXPECT_EQ(files.downloads, 1);
-}
-
-TEST_F(ImageLoaderTest, PathWithoutImageExtensionIsStoredAsImagePng)
-{
-    const QImage img = pattern(50, 40, 9, true);
-    put("MC:\\CAM\\LASTSNAP", img, ImageFileFormat::Jpeg); // what arrives decides the decoder
-    load("MC:\\CAM\\LASTSNAP");
-    EXPECT_EQ(errors, 0) << core.lastError().toStdString();
-    EXPECT_EQ(loader.currentImageFilename(), Globals::storageFolder() + "/MC/CAM/image.PNG");
-    EXPECT_TRUE(QFileInfo::exists(loader.currentImageFilename()));
-    EXPECT_EQ(surface.image.format(), QImage::Format_Grayscale8);
-}
-
-TEST_F(ImageLoaderTest, NonImageOutsideLiveModeGivesTheMessageAndAnEmptyDisplay)
-{
-    put("MC:\\V\\a.png", pattern(64, 48, 1));
-    load("MC:\\V\\a.png");
-    files.put("MC:\\V\\page.png", "<HTML><BODY>Not found</BODY></HTML>");
-    load("MC:\\V\\page.png");
-    EXPECT_EQ(errors, 1);
-    EXPECT_EQ(core.lastError(), "Error in mflng_LoadNewImage: file MC:\\V\\page.png does not contain image");
-    EXPECT_TRUE(surface.image.isNull());
-    EXPECT_FALSE(loader.images().contains("current"));
-    EXPECT_EQ(surface.reinitializations, 1);
-}
-
 TEST_F(ImageLoaderTest, CorruptImageInLiveModeKeepsTheLastImageAndAsksForTheNext)
 {
     const QImage img = pattern(64, 48, 1);
@@ -156,37 +78,6 @@ TEST_F(ImageLoaderTest, FailedCopyReportsTheTransferReasonWithoutThePassword)
     EXPECT_FALSE(core.lastError().contains("s3cret!"));
     EXPECT_EQ(files.lastPassword, "s3cret!");
     EXPECT_TRUE(surface.image.isNull());
-}
-
-TEST_F(ImageLoaderTest, SaveRoundTripPerFormatAndNoImageToSave)
-{
-    loader.saveImage("robot", "MC:\\V\\out.png", "operator", "s3cret!");
-    EXPECT_EQ(errors, 1);
-    EXPECT_EQ(core.lastError(), "Error in msub_SaveImage: No image to save");
-    EXPECT_EQ(files.uploads, 0);
-
-    for (bool grey : {true, false}) {
-        const QImage img = pattern(90, 70, 4, grey);
-        put("MC:\\V\\src.png", img);
-        load("MC:\\V\\src.png");
-        for (const char* name : {"MC:\\V\\OUT.PNG", "MC:\\V\\OUT.BMP", "MC:\\V\\OUT.GIF", "MC:\\V\\OUT"}) {
-            SCOPED_TRACE(name);
-            loader.saveImage("robot", name, "operator", "s3cret!");
-            const QImage back = ImageFile::read(files.fileFor(name));
-            EXPECT_EQ(back.format(), img.format());
-            if (QString(name).endsWith("OUT")) {
-                // No extension: written as JPEG.
-                QFile f(files.fileFor(name));
-                f.open(QIODevice::ReadOnly);
-                EXPECT_TRUE(f.read(2) == QByteArray("\xFF\xD8", 2));
-            } else if (grey || !QString(name).endsWith(".GIF")) {
-                EXPECT_EQ(back, img);
-            }
-        }
-    }
-    EXPECT_EQ(errors, 1);
-    // Saving does not disturb the file the shown image came from.
-    EXPECT_EQ(ImageFile::read(loader.currentImageFilename()), pattern(90, 70, 4, false));
 }
 
 TEST_F(ImageLoaderTest, WaitOnDisplayDecidesWhetherTheRepaintPrecedesTheReturn)

@@ -177,18 +177,6 @@ TEST_F(LiveModeTest, TickWaitsWhileBusyAndStopsWhenLiveModeIsOff)
     EXPECT_FALSE(live.timer().isActive());
 }
 
-TEST_F(LiveModeTest, ClearQueueDropsDeferredClicks)
-{
-    live.setBusy(true);
-    live.deferMouseDown(1, 0, 1, 1);
-    live.deferMouseDown(1, 0, 2, 2);
-    EXPECT_EQ(live.queuedCount(), 2);
-    live.clearQueue();
-    live.setBusy(false);
-    live.processQueue();
-    EXPECT_TRUE(surface.replayed.empty());
-}
-
 } // namespace
 
 namespace {
