@@ -18,15 +18,16 @@
 namespace nxr::testing {
 
 // Points the temporary folder (and so the library's storage folder) at a fresh folder of this
-// process, before the storage folder is first used.
+// process, before the storage folder is first used; the folder goes when the process ends.
 inline QString usePrivateTempFolder()
 {
-    static const QString folder = [] {
+    static QString folder;
+    if (folder.isEmpty()) {
         QByteArray templ = QDir::tempPath().toLocal8Bit() + "/nxr-loading-XXXXXX";
-        const char* made = mkdtemp(templ.data());
-        qputenv("TMPDIR", made);
-        return QString::fromLocal8Bit(made);
-    }();
+        folder = QString::fromLocal8Bit(mkdtemp(templ.data()));
+        qputenv("TMPDIR", QFile::encodeName(folder));
+        std::atexit([] { QDir(folder).removeRecursively(); });
+    }
     return folder;
 }
 
