@@ -533,3 +533,88 @@ QStringList NXRFileTransferObject::listing(const QString& path, bool files)
     m_folderNames = parsed.folders;
     return files ? m_fileNames : m_folderNames;
 }
+
+// ---------------------------------------------------------------- page script members
+
+namespace {
+const QString kScriptKey = QStringLiteral("Page");
+} // namespace
+
+template <typename Body>
+void NXRFileTransferObject::forScript(const QString& routine, const QString& server, const QString& user,
+                                      const QString& password, Body&& body)
+{
+    const bool ownConnection = !m_client;
+    core().guard(routine, [&] {
+        ControllerClient::checkLine(server, "server");
+        if (ownConnection) {
+            QString error;
+            if (!connectRobotImpl(kScriptKey, server, user, password, &error))
+                throw FixedTextFailure{error};
+        }
+        body();
+    });
+    if (ownConnection && m_client) {
+        nxr::gsub_FreeFTPObject(m_poolKey, m_slotServer, false);
+        m_client.reset();
+        m_slotServer.clear();
+        m_poolKey.clear();
+    }
+}
+
+QStringList NXRFileTransferObject::ListFiles(const QString& vstr_FileServer, const QString& vstr_Path,
+                                             const QString& vstr_FTPUserName, const QString& vstr_FTPPassword)
+{
+    QStringList result;
+    try {
+        forScript(QStringLiteral("ListFiles"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
+                  [&] { result = FileListing(vstr_Path); });
+    } catch (const FixedTextFailure& f) {
+        core().reportError(QStringLiteral("ListFiles"), f.text);
+    }
+    return result;
+}
+
+QStringList NXRFileTransferObject::ListFolders(const QString& vstr_FileServer, const QString& vstr_Path,
+                                               const QString& vstr_FTPUserName, const QString& vstr_FTPPassword)
+{
+    QStringList result;
+    try {
+        forScript(QStringLiteral("ListFolders"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
+                  [&] { result = FolderListing(vstr_Path); });
+    } catch (const FixedTextFailure& f) {
+        core().reportError(QStringLiteral("ListFolders"), f.text);
+    }
+    return result;
+}
+
+QString NXRFileTransferObject::ListDrives(const QString& vstr_FileServer, const QString& vstr_FTPUserName,
+                                         const QString& vstr_FTPPassword)
+{
+    QString result;
+    try {
+        forScript(QStringLiteral("ListDrives"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
+                  [&] { result = DriveList(); });
+    } catch (const FixedTextFailure& f) {
+        core().reportError(QStringLiteral("ListDrives"), f.text);
+    }
+    return result;
+}
+
+bool NXRFileTransferObject::UploadCachedFile(const QString& vstr_FileServer, const QString& vstr_CachedFilename,
+                                             const QString& vstr_FilePath, const QString& vstr_FTPUserName,
+                                             const QString& vstr_FTPPassword)
+{
+    bool done = false;
+    try {
+        forScript(QStringLiteral("UploadCachedFile"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword, [&] {
+            const QString local = localPathFor(QString(), vstr_CachedFilename);
+            if (!QFileInfo(local).isFile())
+                throw Failure(QStringLiteral("The cache holds no file ") + vstr_CachedFilename);
+            done = UploadFile(m_poolKey, local, vstr_FileServer, vstr_FilePath, vstr_FTPUserName, vstr_FTPPassword, -1);
+        });
+    } catch (const FixedTextFailure& f) {
+        core().reportError(QStringLiteral("UploadCachedFile"), f.text);
+    }
+    return done;
+}
