@@ -52,7 +52,8 @@ void checkHost(const QString& host)
     if (host.isEmpty())
         throw TransferError(CURLE_URL_MALFORMAT, QStringLiteral("No host given"));
     if (!valid.match(host).hasMatch())
-        throw TransferError(CURLE_URL_MALFORMAT, QStringLiteral("Invalid host name (") + host + QLatin1Char(')'));
+        throw TransferError(CURLE_URL_MALFORMAT,
+                            QStringLiteral("Invalid host name (") + host + QLatin1Char(')'));
 }
 
 int stallSeconds(int ms)
@@ -288,7 +289,8 @@ void ControllerClient::checkLine(const QString& text, const char* what)
     for (const QChar c : text) {
         if (c == QLatin1Char('\r') || c == QLatin1Char('\n') || c == QChar(0))
             throw TransferError(CURLE_URL_MALFORMAT,
-                                QStringLiteral("Refused: the %1 holds a line break or NUL character").arg(QLatin1String(what)));
+                                QStringLiteral("Refused: the %1 holds a line break or NUL character")
+                                    .arg(QLatin1String(what)));
     }
 }
 
@@ -527,7 +529,8 @@ void ControllerClient::fail(const Transfer& t, const Session& session, bool ftp)
     QString text;
     const QByteArray reply = !t.trackedReply.isEmpty() ? t.trackedReply : t.lastReply;
     const int replyCode = reply.left(3).toInt();
-    if (ftp && replyCode >= 400 && t.code != CURLE_OPERATION_TIMEDOUT && t.code != CURLE_ABORTED_BY_CALLBACK) {
+    if (ftp && replyCode >= 400 && t.code != CURLE_OPERATION_TIMEDOUT &&
+        t.code != CURLE_ABORTED_BY_CALLBACK) {
         number = replyCode;
         text = QString::fromUtf8(reply);
     } else if (!ftp && t.code == CURLE_HTTP_RETURNED_ERROR && t.responseCode > 0) {
@@ -546,8 +549,8 @@ void ControllerClient::fail(const Transfer& t, const Session& session, bool ftp)
     throw TransferError(number, scrubCredentials(text, secrets));
 }
 
-void ControllerClient::FtpConnect(const QString& host, const QString& user, const QString& password, quint16 port,
-                                  int /*flag*/)
+void ControllerClient::FtpConnect(const QString& host, const QString& user, const QString& password,
+                                  quint16 port, int /*flag*/)
 {
     auto keep = shared_from_this();
     checkHost(host);
@@ -572,7 +575,8 @@ void ControllerClient::FtpConnect(const QString& host, const QString& user, cons
     finish(t, m_ftp, true);
 }
 
-void ControllerClient::HttpConnect(const QString& host, const QString& user, const QString& password, quint16 port)
+void ControllerClient::HttpConnect(const QString& host, const QString& user, const QString& password,
+                                   quint16 port)
 {
     auto keep = shared_from_this();
     checkHost(host);
@@ -585,7 +589,8 @@ void ControllerClient::HttpConnect(const QString& host, const QString& user, con
     m_http.configured = true;
     m_probeHttpPort = port;
     Transfer t;
-    newEasy(t, m_http, false, QStringLiteral("http://") + host + QLatin1Char(':') + QString::number(port) + QLatin1Char('/'));
+    newEasy(t, m_http, false,
+            QStringLiteral("http://") + host + QLatin1Char(':') + QString::number(port) + QLatin1Char('/'));
     curl_easy_setopt(t.easy, CURLOPT_NOBODY, 1L);
     ++m_busyHttp;
     run(t);
@@ -664,7 +669,8 @@ bool ControllerClient::Ping(const QString& host)
     return false;
 }
 
-void ControllerClient::download(Session& session, bool ftp, const QString& url, const QString& localPath, int overwrite)
+void ControllerClient::download(Session& session, bool ftp, const QString& url, const QString& localPath,
+                                int overwrite)
 {
     if (localPath.isEmpty())
         throw TransferError(CURLE_WRITE_ERROR, QStringLiteral("No local file name given"));
@@ -677,7 +683,8 @@ void ControllerClient::download(Session& session, bool ftp, const QString& url, 
     const int fd = ::mkstemp(pattern.data());
     if (fd < 0)
         throw TransferError(CURLE_WRITE_ERROR, QStringLiteral("Cannot write into ") + target.absolutePath() +
-                                                   QStringLiteral(": ") + QString::fromLocal8Bit(strerror(errno)));
+                                                   QStringLiteral(": ") +
+                                                   QString::fromLocal8Bit(strerror(errno)));
     ::fcntl(fd, F_SETFD, FD_CLOEXEC);
     ::fchmod(fd, 0644);
     Transfer t;
@@ -702,7 +709,8 @@ void ControllerClient::download(Session& session, bool ftp, const QString& url, 
         if (ok && ::rename(pattern.constData(), QFile::encodeName(localPath).constData()) != 0) {
             const QString why = QString::fromLocal8Bit(strerror(errno));
             ::unlink(pattern.constData());
-            throw TransferError(CURLE_WRITE_ERROR, QStringLiteral("Cannot write ") + localPath + QStringLiteral(": ") + why);
+            throw TransferError(CURLE_WRITE_ERROR,
+                                QStringLiteral("Cannot write ") + localPath + QStringLiteral(": ") + why);
         }
     } catch (...) {
         if (t.fd >= 0)
@@ -715,7 +723,8 @@ void ControllerClient::download(Session& session, bool ftp, const QString& url, 
     finish(t, session, ftp);
 }
 
-void ControllerClient::FtpGetFile(const QString& remotePath, const QString& localPath, int overwrite, int /*reserved*/)
+void ControllerClient::FtpGetFile(const QString& remotePath, const QString& localPath, int overwrite,
+                                  int /*reserved*/)
 {
     auto keep = shared_from_this();
     checkLine(remotePath, "controller path");
@@ -737,8 +746,8 @@ void ControllerClient::HttpGetFile(const QString& remoteUrlPath, const QString& 
     QString path = remoteUrlPath;
     if (!path.startsWith(QLatin1Char('/')))
         path.prepend(QLatin1Char('/'));
-    const QString url = QStringLiteral("http://") + m_http.host + QLatin1Char(':') + QString::number(m_http.port) +
-                        percentEncoded(path, QByteArrayLiteral("/"));
+    const QString url = QStringLiteral("http://") + m_http.host + QLatin1Char(':') +
+                        QString::number(m_http.port) + percentEncoded(path, QByteArrayLiteral("/"));
     download(m_http, false, url, localPath, overwrite);
 }
 
@@ -798,9 +807,12 @@ void ControllerClient::FtpPutFile(const QString& localPath, const QString& remot
         throw TransferError(CURLE_URL_MALFORMAT, QStringLiteral("No controller path given"));
     const int fd = ::open(QFile::encodeName(localPath).constData(), O_RDONLY | O_CLOEXEC);
     if (fd < 0)
-        throw TransferError(CURLE_READ_ERROR, QStringLiteral("Cannot read ") + localPath + QStringLiteral(": ") +
+        throw TransferError(CURLE_READ_ERROR, QStringLiteral("Cannot read ") + localPath +
+                                                  QStringLiteral(": ") +
                                                   QString::fromLocal8Bit(strerror(errno)));
-    struct stat st {};
+    struct stat st
+    {
+    };
     ::fstat(fd, &st);
     Transfer t;
     t.fd = fd;

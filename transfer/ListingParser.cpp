@@ -29,8 +29,8 @@ DirectoryListing parseLongListing(const QString& response)
         QString name = fields.last();
         if (name.endsWith(kEndMarker))
             name.chop(kEndMarker.size());
-        if (name.isEmpty() || name == kEndMarker || name == QLatin1String("..") || name == QLatin1String(".") ||
-            name.contains(QLatin1Char('*')))
+        if (name.isEmpty() || name == kEndMarker || name == QLatin1String("..") ||
+            name == QLatin1String(".") || name.contains(QLatin1Char('*')))
             continue;
         (line.startsWith(QLatin1Char('D')) ? result.folders : result.files).append(name);
     }

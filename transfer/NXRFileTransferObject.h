@@ -90,7 +90,8 @@ public:
 
     // Takes a pooled connection under poolKey and connects it (FTP and HTTP). False when the host
     // does not answer or no session came up (LastErrorString tells).
-    bool ConnectRobot(const QString& poolKey, const QString& server, const QString& user, const QString& password);
+    bool ConnectRobot(const QString& poolKey, const QString& server, const QString& user,
+                      const QString& password);
     // Gives the connection back to the pool when it is connected (force: see ConnectionPool).
     void DisconnectRobot(bool force);
     // FTP upload of the local file pathA to the controller path pathB, with the retry rule
@@ -118,8 +119,8 @@ public:
 private:
     bool connected() const;
     void dropRetiredClient();
-    bool copyFileBody(const QString& server, const QString& filePath, const QString& user, const QString& password,
-                      const QString& newFilename);
+    bool copyFileBody(const QString& server, const QString& filePath, const QString& user,
+                      const QString& password, const QString& newFilename);
     bool httpDownload(const QString& remote, const QString& localPath, QString* why);
     void reconnectForPorts();
     bool ensureFtpConnection(const QString& routine, const QString& server, const QString& user,
@@ -133,8 +134,8 @@ private:
                    const QString& user, const QString& password, bool raise501AtOnce, Operation&& operation);
     QStringList listing(const QString& path, bool files);
     template <typename Body>
-    void forScript(const QString& routine, const QString& server, const QString& user, const QString& password,
-                   Body&& body);
+    void forScript(const QString& routine, const QString& server, const QString& user,
+                   const QString& password, Body&& body);
     void trace(const QString& routine, const QString& message) const;
 
     std::shared_ptr<nxr::ControllerClient> m_client;

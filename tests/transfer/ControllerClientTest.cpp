@@ -1,8 +1,8 @@
 // The controller client against the simulator, over real FTP and HTTP.
 
+#include "transfer/ControllerClient.h"
 #include "ControllerSimulator.h"
 #include "TransferTestSupport.h"
-#include "transfer/ControllerClient.h"
 
 #include <QTimer>
 
@@ -105,8 +105,8 @@ TEST_F(ControllerClientTest, LineBreaksAndNulAreRefusedBeforeAnythingIsSent)
     connectBoth();
     ASSERT_TRUE(sim->clearLog());
     QString response;
-    const QString bad[] = {"NOOP\r\nDELE MC:\\SUMMARY.DG", "cwd MC:\\A\nDELE X", QString("cwd MC:\\A") + QChar(0) + "X",
-                           "LIST MC:\\A\r\n\r\n"};
+    const QString bad[] = {"NOOP\r\nDELE MC:\\SUMMARY.DG", "cwd MC:\\A\nDELE X",
+                           QString("cwd MC:\\A") + QChar(0) + "X", "LIST MC:\\A\r\n\r\n"};
     for (const QString& command : bad)
         EXPECT_THROW(client->FtpCommand(command, 2, 0, response), TransferError);
     EXPECT_THROW(client->FtpGetFile("MC:\\A\rB.TXT", localFile("x")), TransferError);

@@ -58,8 +58,10 @@ TEST(TransferDemoPage, CopiesListsAndUploadsOnTheSimulator)
     QJSEngine engine;
     engine.installExtensions(QJSEngine::ConsoleExtension);
     PageHostStub host;
-    host.m_args = {{"ftp", QString::number(sim.ftpPort())}, {"http", QString::number(sim.httpPort())},
-                   {"user", sim.user()}, {"password", sim.password()}};
+    host.m_args = {{"ftp", QString::number(sim.ftpPort())},
+                   {"http", QString::number(sim.httpPort())},
+                   {"user", sim.user()},
+                   {"password", sim.password()}};
     engine.globalObject().setProperty("host", engine.newQObject(&host));
     QJSEngine::setObjectOwnership(&host, QJSEngine::CppOwnership);
     for (QWidget* w : page->findChildren<QWidget*>()) {
