@@ -379,6 +379,33 @@ TEST_F(FileTransferObjectTest, ReentrantCopiesShareTheConnectionSafely)
     EXPECT_EQ(readAll(inner.lastLocalPath()), sim->readFile("MC:\\VISION\\TOOLS.TXT"));
 }
 
+TEST_F(FileTransferObjectTest, ScriptMembersReportInsteadOfThrowing)
+{
+    NXRFileTransferObject o;
+    usePorts(o);
+    QSignalSpy errors(&o, &NXRFileTransferObject::OnError);
+    EXPECT_EQ(o.ListFiles(sim->host(), "MC:\\VISION", sim->user(), sim->password()),
+              QStringList({"COLOR800.JPG", "GREY640.PNG", "TOOLS.TXT"}));
+    EXPECT_TRUE(o.ListDrives(sim->host(), sim->user(), sim->password()).contains("MDB:"));
+    EXPECT_EQ(ConnectionPool::instance().usedSlots(), 0);
+
+    ASSERT_TRUE(copy(o, "MC:\\VISION\\TOOLS.TXT", "mine.txt"));
+    EXPECT_TRUE(o.UploadCachedFile(sim->host(), "mine.txt", "TD:\\MINE.TXT", sim->user(), sim->password()));
+    EXPECT_EQ(sim->readFile("TD:\\MINE.TXT"), sim->readFile("MC:\\VISION\\TOOLS.TXT"));
+    EXPECT_EQ(errors.count(), 0);
+
+    // Only files of the cache go up; failures become LastErrorString and one OnError each.
+    EXPECT_FALSE(o.UploadCachedFile(sim->host(), "../../etc/passwd", "TD:\\X.TXT", sim->user(), sim->password()));
+    EXPECT_TRUE(o.LastErrorString().startsWith("Error in UploadCachedFile: Invalid local file name"));
+    EXPECT_FALSE(o.UploadCachedFile(sim->host(), "mine.txt", "TD:\\NOFOLDER\\X.TXT", sim->user(), sim->password()));
+    EXPECT_TRUE(o.LastErrorString().startsWith("Error in UploadCachedFile: 550")) << o.LastErrorString().toStdString();
+    EXPECT_TRUE(o.ListFolders(sim->host(), "MC:\\NO_SUCH", sim->user(), sim->password()).isEmpty());
+    EXPECT_TRUE(o.LastErrorString().startsWith("Error in ListFolders: 550")) << o.LastErrorString().toStdString();
+    EXPECT_EQ(errors.count(), 3);
+    EXPECT_FALSE(sim->readFile("TD:\\X.TXT").size() > 0);
+    EXPECT_EQ(ConnectionPool::instance().usedSlots(), 0);
+}
+
 TEST_F(FileTransferObjectTest, DriveListNeedsAnOpenSession)
 {
     NXRFileTransferObject o;
