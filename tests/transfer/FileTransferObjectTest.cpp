@@ -324,8 +324,8 @@ TEST_F(FileTransferObjectTest, RetryRules)
         TransferError);
     EXPECT_EQ(countOf(ftpCommands(), "STOR MC:\\NOFOLDER\\UP.TXT"), 2);
     EXPECT_TRUE(
-        o.UploadFile("Masks", file, sim->host(), "MC:\\VISION\\UP.TXT", sim->user(), sim->password(), -1));
-    EXPECT_EQ(sim->readFile("MC:\\VISION\\UP.TXT"), QByteArray("payload"));
+        o.UploadFile("Masks", file, sim->host(), "TD:\\UP.TXT", sim->user(), sim->password(), -1));
+    EXPECT_EQ(sim->readFile("TD:\\UP.TXT"), QByteArray("payload"));
 
     ASSERT_TRUE(sim->clearLog());
     EXPECT_THROW(o.ChangeDirectory("MC:\\NO_SUCH", -1), TransferError);
