@@ -323,8 +323,7 @@ TEST_F(FileTransferObjectTest, RetryRules)
         o.UploadFile("Masks", file, sim->host(), "MC:\\NOFOLDER\\UP.TXT", sim->user(), sim->password(), 1),
         TransferError);
     EXPECT_EQ(countOf(ftpCommands(), "STOR MC:\\NOFOLDER\\UP.TXT"), 2);
-    EXPECT_TRUE(
-        o.UploadFile("Masks", file, sim->host(), "TD:\\UP.TXT", sim->user(), sim->password(), -1));
+    EXPECT_TRUE(o.UploadFile("Masks", file, sim->host(), "TD:\\UP.TXT", sim->user(), sim->password(), -1));
     EXPECT_EQ(sim->readFile("TD:\\UP.TXT"), QByteArray("payload"));
 
     ASSERT_TRUE(sim->clearLog());
@@ -395,12 +394,16 @@ TEST_F(FileTransferObjectTest, ScriptMembersReportInsteadOfThrowing)
     EXPECT_EQ(errors.count(), 0);
 
     // Only files of the cache go up; failures become LastErrorString and one OnError each.
-    EXPECT_FALSE(o.UploadCachedFile(sim->host(), "../../etc/passwd", "TD:\\X.TXT", sim->user(), sim->password()));
+    EXPECT_FALSE(
+        o.UploadCachedFile(sim->host(), "../../etc/passwd", "TD:\\X.TXT", sim->user(), sim->password()));
     EXPECT_TRUE(o.LastErrorString().startsWith("Error in UploadCachedFile: Invalid local file name"));
-    EXPECT_FALSE(o.UploadCachedFile(sim->host(), "mine.txt", "TD:\\NOFOLDER\\X.TXT", sim->user(), sim->password()));
-    EXPECT_TRUE(o.LastErrorString().startsWith("Error in UploadCachedFile: 550")) << o.LastErrorString().toStdString();
+    EXPECT_FALSE(
+        o.UploadCachedFile(sim->host(), "mine.txt", "TD:\\NOFOLDER\\X.TXT", sim->user(), sim->password()));
+    EXPECT_TRUE(o.LastErrorString().startsWith("Error in UploadCachedFile: 550"))
+        << o.LastErrorString().toStdString();
     EXPECT_TRUE(o.ListFolders(sim->host(), "MC:\\NO_SUCH", sim->user(), sim->password()).isEmpty());
-    EXPECT_TRUE(o.LastErrorString().startsWith("Error in ListFolders: 550")) << o.LastErrorString().toStdString();
+    EXPECT_TRUE(o.LastErrorString().startsWith("Error in ListFolders: 550"))
+        << o.LastErrorString().toStdString();
     EXPECT_EQ(errors.count(), 3);
     EXPECT_FALSE(sim->readFile("TD:\\X.TXT").size() > 0);
     EXPECT_EQ(ConnectionPool::instance().usedSlots(), 0);
