@@ -411,12 +411,14 @@ void* ControllerClient::newEasy(Transfer& t, const Session& session, bool ftp, c
     return easy;
 }
 
-void ControllerClient::run(Transfer& t)
+void ControllerClient::run(Transfer& t, int& busy)
 {
     ensureMulti();
     const CURLMcode added = curl_multi_add_handle(static_cast<CURLM*>(m_multi), t.easy);
     if (added != CURLM_OK)
         throw TransferError(CURLE_FAILED_INIT, QString::fromLatin1(curl_multi_strerror(added)));
+    // While a session carries a transfer, its state is what the transfer last saw.
+    ++busy;
     m_active.insert(&t);
     updateKick();
     if (!t.done) {
@@ -425,6 +427,7 @@ void ControllerClient::run(Transfer& t)
         loop.exec();
         t.loop = nullptr;
     }
+    busy = qMax(0, busy - 1);
     if (m_closeWhenIdle && m_active.empty())
         QTimer::singleShot(0, this, [keep = shared_from_this()] {
             if (keep->m_closeWhenIdle && keep->m_active.empty())
@@ -569,9 +572,7 @@ void ControllerClient::FtpConnect(const QString& host, const QString& user, cons
     t.quote = curl_slist_append(nullptr, "NOOP");
     curl_easy_setopt(t.easy, CURLOPT_QUOTE, t.quote);
     curl_easy_setopt(t.easy, CURLOPT_NOBODY, 1L);
-    ++m_busyFtp;
-    run(t);
-    m_busyFtp = qMax(0, m_busyFtp - 1);
+    run(t, m_busyFtp);
     finish(t, m_ftp, true);
 }
 
@@ -592,9 +593,7 @@ void ControllerClient::HttpConnect(const QString& host, const QString& user, con
     newEasy(t, m_http, false,
             QStringLiteral("http://") + host + QLatin1Char(':') + QString::number(port) + QLatin1Char('/'));
     curl_easy_setopt(t.easy, CURLOPT_NOBODY, 1L);
-    ++m_busyHttp;
-    run(t);
-    m_busyHttp = qMax(0, m_busyHttp - 1);
+    run(t, m_busyHttp);
     finish(t, m_http, false);
 }
 
@@ -696,10 +695,7 @@ void ControllerClient::download(Session& session, bool ftp, const QString& url, 
         curl_easy_setopt(t.easy, CURLOPT_WRITEDATA, &t);
         if (!ftp)
             curl_easy_setopt(t.easy, CURLOPT_FAILONERROR, 1L);
-        int& busy = ftp ? m_busyFtp : m_busyHttp;
-        ++busy;
-        run(t);
-        busy = qMax(0, busy - 1);
+        run(t, ftp ? m_busyFtp : m_busyHttp);
         ok = t.code == CURLE_OK;
         if (::close(fd) != 0 && ok) {
             ok = false;
@@ -780,9 +776,7 @@ void ControllerClient::FtpCommand(const QString& commandLine, int /*type*/, int 
         curl_easy_setopt(t.easy, CURLOPT_QUOTE, t.quote);
         curl_easy_setopt(t.easy, CURLOPT_NOBODY, 1L);
     }
-    ++m_busyFtp;
-    run(t);
-    m_busyFtp = qMax(0, m_busyFtp - 1);
+    run(t, m_busyFtp);
     finish(t, m_ftp, true);
     if (flag != 0) {
         // Listings travel as text and the transfer library hands them over with bare LF line
@@ -822,9 +816,7 @@ void ControllerClient::FtpPutFile(const QString& localPath, const QString& remot
         curl_easy_setopt(t.easy, CURLOPT_READFUNCTION, &ControllerClientCallbacks::readFromFile);
         curl_easy_setopt(t.easy, CURLOPT_READDATA, &t);
         curl_easy_setopt(t.easy, CURLOPT_INFILESIZE_LARGE, curl_off_t(st.st_size));
-        ++m_busyFtp;
-        run(t);
-        m_busyFtp = qMax(0, m_busyFtp - 1);
+        run(t, m_busyFtp);
     } catch (...) {
         ::close(fd);
         throw;
