@@ -26,7 +26,10 @@ QObject* ClassRegistry::create(const QString& name, QWidget* parent) const
     return entry ? entry->factory(parent) : nullptr;
 }
 
-bool ClassRegistry::contains(const QString& name) const { return find(name) != nullptr; }
+bool ClassRegistry::contains(const QString& name) const
+{
+    return find(name) != nullptr;
+}
 
 bool ClassRegistry::isWidget(const QString& name) const
 {

@@ -40,8 +40,7 @@ public:
     // The plain names, sorted.
     QStringList names() const;
 
-    template <typename T>
-    static bool registerClass(const char* name)
+    template <typename T> static bool registerClass(const char* name)
     {
         constexpr bool widget = std::is_base_of_v<QWidget, T>;
         instance().add(QString::fromLatin1(name), &T::staticMetaObject, widget,
@@ -62,7 +61,7 @@ private:
 
 } // namespace nxr
 
-#define NXR_REGISTER_CLASS(Class)                                                                          \
-    namespace {                                                                                            \
+#define NXR_REGISTER_CLASS(Class)                                                                            \
+    namespace {                                                                                              \
     [[maybe_unused]] const bool nxr_registered_##Class = ::nxr::ClassRegistry::registerClass<Class>(#Class); \
     }

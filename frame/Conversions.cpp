@@ -54,7 +54,8 @@ double toDouble(const QString& value)
 qint32 toLong(const QString& value)
 {
     const double d = toDouble(value);
-    if (d < double(std::numeric_limits<qint32>::min()) - 0.5 || d >= double(std::numeric_limits<qint32>::max()) + 0.5)
+    if (d < double(std::numeric_limits<qint32>::min()) - 0.5 ||
+        d >= double(std::numeric_limits<qint32>::max()) + 0.5)
         throw Failure(kOverflow);
     return qint32(roundHalfEven(d));
 }

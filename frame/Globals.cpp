@@ -26,10 +26,13 @@ bool ensurePrivateFolder(const QString& path, QString* why)
 {
     const QByteArray native = QFile::encodeName(path);
     if (::mkdir(native.constData(), 0700) != 0 && errno != EEXIST) {
-        *why = QStringLiteral("cannot create ") + path + QStringLiteral(": ") + QString::fromLocal8Bit(strerror(errno));
+        *why = QStringLiteral("cannot create ") + path + QStringLiteral(": ") +
+               QString::fromLocal8Bit(strerror(errno));
         return false;
     }
-    struct stat st {};
+    struct stat st
+    {
+    };
     if (::lstat(native.constData(), &st) != 0) {
         *why = QStringLiteral("cannot inspect ") + path;
         return false;
@@ -76,10 +79,12 @@ QString resolveStorageFolder(const QString& tempFolder)
     if (char* made = ::mkdtemp(templ.data())) {
         const QString fresh = QFile::decodeName(made);
         errorTrace(kGlobals, QStringLiteral("StorageFolder"),
-                   why + QStringLiteral("; ") + whyPerUser + QStringLiteral("; using ") + fresh + QStringLiteral(" instead"));
+                   why + QStringLiteral("; ") + whyPerUser + QStringLiteral("; using ") + fresh +
+                       QStringLiteral(" instead"));
         return fresh;
     }
-    errorTrace(kGlobals, QStringLiteral("StorageFolder"), why + QStringLiteral("; no private folder could be made"));
+    errorTrace(kGlobals, QStringLiteral("StorageFolder"),
+               why + QStringLiteral("; no private folder could be made"));
     return preferred;
 }
 
@@ -150,17 +155,38 @@ void setCharacterSet(QWidget* container, const QString& charset)
     // The character-set numbers pages use, and the writing system each stands for.
     QFontDatabase::WritingSystem system = QFontDatabase::Latin;
     switch (number) {
-    case 128: system = QFontDatabase::Japanese; break;
-    case 129: system = QFontDatabase::Korean; break;
-    case 134: system = QFontDatabase::SimplifiedChinese; break;
-    case 136: system = QFontDatabase::TraditionalChinese; break;
-    case 161: system = QFontDatabase::Greek; break;
-    case 162: system = QFontDatabase::Latin; break;
-    case 177: system = QFontDatabase::Hebrew; break;
-    case 178: system = QFontDatabase::Arabic; break;
-    case 204: system = QFontDatabase::Cyrillic; break;
-    case 222: system = QFontDatabase::Thai; break;
-    default: break;
+    case 128:
+        system = QFontDatabase::Japanese;
+        break;
+    case 129:
+        system = QFontDatabase::Korean;
+        break;
+    case 134:
+        system = QFontDatabase::SimplifiedChinese;
+        break;
+    case 136:
+        system = QFontDatabase::TraditionalChinese;
+        break;
+    case 161:
+        system = QFontDatabase::Greek;
+        break;
+    case 162:
+        system = QFontDatabase::Latin;
+        break;
+    case 177:
+        system = QFontDatabase::Hebrew;
+        break;
+    case 178:
+        system = QFontDatabase::Arabic;
+        break;
+    case 204:
+        system = QFontDatabase::Cyrillic;
+        break;
+    case 222:
+        system = QFontDatabase::Thai;
+        break;
+    default:
+        break;
     }
     const QStringList families = QFontDatabase::families(system);
     for (QWidget* w : container->findChildren<QWidget*>()) {

@@ -48,7 +48,7 @@ NXR_EXPORT QString languageCode();
 
 // A caption in its two languages; pick() chooses by languageCode(), the built-in (English)
 // text when no language is selected.
-struct Caption
+struct NXR_EXPORT Caption
 {
     QString eg;
     QString jp;

@@ -34,13 +34,25 @@ Kind kindOf(const QString& iid)
 
 } // namespace
 
-bool safeForScripting() { return g_safeForScripting; }
-bool safeForInitializing() { return g_safeForInitializing; }
-void setSafeForScripting(bool on) { g_safeForScripting = on; }
-void setSafeForInitializing(bool on) { g_safeForInitializing = on; }
+bool safeForScripting()
+{
+    return g_safeForScripting;
+}
+bool safeForInitializing()
+{
+    return g_safeForInitializing;
+}
+void setSafeForScripting(bool on)
+{
+    g_safeForScripting = on;
+}
+void setSafeForInitializing(bool on)
+{
+    g_safeForInitializing = on;
+}
 
-HResult getInterfaceSafetyOptions(const QString& className, const QString& iid, std::uint32_t* supportedOptions,
-                                  std::uint32_t* enabledOptions)
+HResult getInterfaceSafetyOptions(const QString& className, const QString& iid,
+                                  std::uint32_t* supportedOptions, std::uint32_t* enabledOptions)
 {
     if (!supportedOptions || !enabledOptions)
         return E_Fail;
@@ -56,7 +68,8 @@ HResult getInterfaceSafetyOptions(const QString& className, const QString& iid, 
         break;
     }
     *enabledOptions = 0;
-    errorTrace(className, QStringLiteral("IObjectSafety_GetInterfaceSafetyOptions"), QStringLiteral("E_NOINTERFACE"));
+    errorTrace(className, QStringLiteral("IObjectSafety_GetInterfaceSafetyOptions"),
+               QStringLiteral("E_NOINTERFACE"));
     return E_NoInterface;
 }
 
@@ -75,10 +88,12 @@ HResult setInterfaceSafetyOptions(const QString& className, const QString& iid, 
             return S_Ok;
         break;
     case Kind::Other:
-        errorTrace(className, QStringLiteral("IObjectSafety_SetInterfaceSafetyOptions"), QStringLiteral("E_NOINTERFACE"));
+        errorTrace(className, QStringLiteral("IObjectSafety_SetInterfaceSafetyOptions"),
+                   QStringLiteral("E_NOINTERFACE"));
         return E_NoInterface;
     }
-    errorTrace(className, QStringLiteral("IObjectSafety_SetInterfaceSafetyOptions"), QStringLiteral("E_FAIL"));
+    errorTrace(className, QStringLiteral("IObjectSafety_SetInterfaceSafetyOptions"),
+               QStringLiteral("E_FAIL"));
     return E_Fail;
 }
 
@@ -93,7 +108,8 @@ bool isSafeForScripting(QObject* object)
         return false;
     if ((enabled & kSafeForUntrustedCaller) == 0)
         return false;
-    return safety->SetInterfaceSafetyOptions(kIID_IDispatch, kSafeForUntrustedCaller, kSafeForUntrustedCaller) == S_Ok;
+    return safety->SetInterfaceSafetyOptions(kIID_IDispatch, kSafeForUntrustedCaller,
+                                             kSafeForUntrustedCaller) == S_Ok;
 }
 
 } // namespace nxr

@@ -46,8 +46,8 @@ NXR_EXPORT void setSafeForInitializing(bool on);
 // "[<class>.IObjectSafety_SetInterfaceSafetyOptions] E_NOINTERFACE".
 NXR_EXPORT HResult getInterfaceSafetyOptions(const QString& className, const QString& iid,
                                              std::uint32_t* supportedOptions, std::uint32_t* enabledOptions);
-NXR_EXPORT HResult setInterfaceSafetyOptions(const QString& className, const QString& iid, std::uint32_t optionSetMask,
-                                             std::uint32_t enabledOptions);
+NXR_EXPORT HResult setInterfaceSafetyOptions(const QString& className, const QString& iid,
+                                             std::uint32_t optionSetMask, std::uint32_t enabledOptions);
 
 // True when the object answers that it is safe for untrusted callers through IDispatch.
 NXR_EXPORT bool isSafeForScripting(QObject* object);

@@ -16,8 +16,7 @@ QString unknownProperty(const QString& key)
 
 ScriptableCore::ScriptableCore(const QObject* owner, ErrorSignal raiseOnError)
     : m_owner(owner), m_raiseOnError(std::move(raiseOnError))
-{
-}
+{}
 
 QString ScriptableCore::className() const
 {
@@ -28,7 +27,8 @@ QString ScriptableCore::className() const
 
 void ScriptableCore::setProperty(const QString& key, const QString& value)
 {
-    NXR_TRACE(className(), kSetProperty, QStringLiteral("enter, property=") + key + QStringLiteral(", value=") + value);
+    NXR_TRACE(className(), kSetProperty,
+              QStringLiteral("enter, property=") + key + QStringLiteral(", value=") + value);
     const PropertyTable::Setter* setter = m_table.findSetter(key);
     if (!setter) {
         reportError(kSetProperty, unknownProperty(key));
@@ -37,10 +37,11 @@ void ScriptableCore::setProperty(const QString& key, const QString& value)
     try {
         (*setter)(value);
     } catch (const Failure& f) {
-        reportError(kSetProperty, QStringLiteral("Error in SetProperty(") + key + QStringLiteral("): ") + f.description());
-    } catch (const std::exception& e) {
         reportError(kSetProperty,
-                    QStringLiteral("Error in SetProperty(") + key + QStringLiteral("): ") + QString::fromLocal8Bit(e.what()));
+                    QStringLiteral("Error in SetProperty(") + key + QStringLiteral("): ") + f.description());
+    } catch (const std::exception& e) {
+        reportError(kSetProperty, QStringLiteral("Error in SetProperty(") + key + QStringLiteral("): ") +
+                                      QString::fromLocal8Bit(e.what()));
     }
     NXR_TRACE(className(), kSetProperty, QStringLiteral("done"));
 }
@@ -58,10 +59,11 @@ QString ScriptableCore::getProperty(const QString& key)
     try {
         return (*getter)();
     } catch (const Failure& f) {
-        reportError(kGetProperty, QStringLiteral("Error in GetProperty(") + key + QStringLiteral("): ") + f.description());
-    } catch (const std::exception& e) {
         reportError(kGetProperty,
-                    QStringLiteral("Error in GetProperty(") + key + QStringLiteral("): ") + QString::fromLocal8Bit(e.what()));
+                    QStringLiteral("Error in GetProperty(") + key + QStringLiteral("): ") + f.description());
+    } catch (const std::exception& e) {
+        reportError(kGetProperty, QStringLiteral("Error in GetProperty(") + key + QStringLiteral("): ") +
+                                      QString::fromLocal8Bit(e.what()));
     }
     return QString();
 }

@@ -52,8 +52,7 @@ public:
 
     // Runs body; a thrown nxr::Failure or std::exception is reported as fail(routine, what).
     // Returns true when the body completed.
-    template <typename Body>
-    bool guard(const QString& routine, Body&& body)
+    template <typename Body> bool guard(const QString& routine, Body&& body)
     {
         try {
             std::forward<Body>(body)();
@@ -67,8 +66,7 @@ public:
     }
 
     // As guard(), for a routine with a result; on failure returns `fallback`.
-    template <typename T, typename Body>
-    T guardValue(const QString& routine, T fallback, Body&& body)
+    template <typename T, typename Body> T guardValue(const QString& routine, T fallback, Body&& body)
     {
         std::optional<T> result;
         guard(routine, [&] { result.emplace(std::forward<Body>(body)()); });

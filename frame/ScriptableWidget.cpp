@@ -2,7 +2,9 @@
 
 namespace nxr {
 
-ScriptableWidget::ScriptableWidget(QWidget* parent) : QWidget(parent), m_core(this, [this] { Q_EMIT OnError(); }) {}
+ScriptableWidget::ScriptableWidget(QWidget* parent)
+    : QWidget(parent), m_core(this, [this] { Q_EMIT OnError(); })
+{}
 
 void ScriptableWidget::SetProperty(const QString& vstrPropertyName, const QString& vstrPropertyValue)
 {
@@ -15,13 +17,13 @@ QString ScriptableWidget::GetProperty(const QString& vstrPropertyName)
 }
 
 HResult ScriptableWidget::GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supportedOptions,
-                                                 std::uint32_t* enabledOptions)
+                                                    std::uint32_t* enabledOptions)
 {
     return getInterfaceSafetyOptions(m_core.className(), iid, supportedOptions, enabledOptions);
 }
 
 HResult ScriptableWidget::SetInterfaceSafetyOptions(const QString& iid, std::uint32_t optionSetMask,
-                                                 std::uint32_t enabledOptions)
+                                                    std::uint32_t enabledOptions)
 {
     return setInterfaceSafetyOptions(m_core.className(), iid, optionSetMask, enabledOptions);
 }

@@ -34,6 +34,10 @@ void installHandlerOnce()
     std::call_once(once, [] { g_previousHandler = qInstallMessageHandler(messageHandler); });
 }
 
+// Installed when the library loads, so that a handler the application installs later sits on
+// top of it and receives the error trace too.
+const bool g_handlerInstalled = (installHandlerOnce(), true);
+
 } // namespace
 
 QString scrubCredentials(QString text, const QStringList& secrets)
@@ -56,20 +60,28 @@ QString errorTraceLine(const QString& className, const QString& routine, const Q
            scrubCredentials(message) + QStringLiteral("\r\n");
 }
 
-void errorTrace(const QString& className, const QString& routine, const QString& message) noexcept
+void debugOutput(const QString& text) noexcept
 {
     try {
         installHandlerOnce();
-        qCWarning(lcNxrError).noquote() << errorTraceLine(className, routine, message);
+        qCWarning(lcNxrError).noquote() << text;
     } catch (...) {
-        // The error trace never fails its caller.
+        // The debug output never fails its caller.
+    }
+}
+
+void errorTrace(const QString& className, const QString& routine, const QString& message) noexcept
+{
+    try {
+        debugOutput(errorTraceLine(className, routine, message));
+    } catch (...) {
     }
 }
 
 void ordinaryTrace(const QString& className, const QString& routine, const QString& message)
 {
-    qCDebug(lcNxrTrace).noquote() << QLatin1Char('[') + className + QLatin1Char('.') + routine + QStringLiteral("] ") +
-                                         scrubCredentials(message);
+    qCDebug(lcNxrTrace).noquote() << QLatin1Char('[') + className + QLatin1Char('.') + routine +
+                                         QStringLiteral("] ") + scrubCredentials(message);
 }
 
 } // namespace nxr

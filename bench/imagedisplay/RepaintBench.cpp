@@ -1,0 +1,130 @@
+// Repaint of the image view against a bare QPainter::drawImage of exactly the visible source
+// rectangle, measured in the same run.
+//
+// A 2592 x 1944 image (grey and RGB) is shown in a 1024 x 768 view, scrolled to the middle, at
+// 6.25, 25, 100, 400 and 1600 %. Counters, each the median of many repaints:
+//   bare_us       QPainter::drawImage(visible destination, image, visible source rectangle)
+//   image_us      the view painting the same pixels (the image part, scaled afresh)
+//   ratio         image_us / bare_us
+//   view_us       the whole view: the image part and the background around it
+//   view_warm_us  the whole view again while nothing changed (the scaled part is reused)
+//   reduce_ms     the one-off cost of the halved images used below 100 %, once per new bitmap
+
+#include "imagedisplay/RasterRenderer.h"
+#include "imagedisplay/ViewMaths.h"
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <vector>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+QImage sourceImage(bool grey)
+{
+    QImage img(2592, 1944, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
+    for (int y = 0; y < img.height(); ++y) {
+        if (grey) {
+            uchar* line = img.scanLine(y);
+            for (int x = 0; x < img.width(); ++x)
+                line[x] = uchar((x * 7 + y * 3) ^ (x >> 3));
+        } else {
+            QRgb* line = reinterpret_cast<QRgb*>(img.scanLine(y));
+            for (int x = 0; x < img.width(); ++x)
+                line[x] = qRgb((x * 7) & 255, (y * 5) & 255, (x ^ y) & 255);
+        }
+    }
+    return img;
+}
+
+double median(std::vector<double> v)
+{
+    std::sort(v.begin(), v.end());
+    return v[v.size() / 2];
+}
+
+template <typename F> double timeOnce(F&& f)
+{
+    const auto t0 = Clock::now();
+    f();
+    return std::chrono::duration<double, std::micro>(Clock::now() - t0).count();
+}
+
+void Repaint(benchmark::State& state)
+{
+    const bool grey = state.range(0) == 0;
+    const float zoom = float(state.range(1)) / 100.0f;
+    static const QImage greyImage = sourceImage(true);
+    static const QImage rgbImage = sourceImage(false);
+    const QImage& image = grey ? greyImage : rgbImage;
+
+    nxr::ViewMaths maths;
+    maths.setUsableArea(QSize(1024, 768));
+    maths.setImageSize(image.size());
+    maths.setZoom(zoom);
+    maths.setScrollPosition(maths.scrollMaximum() / 2);
+    const QRect area(QPoint(0, 0), maths.visibleSize());
+    const QRectF source = maths.visibleSourceRect();
+    const QRectF dest = maths.toScreen(source);
+
+    QImage target(area.size(), QImage::Format_RGB32);
+    QPainter painter(&target);
+
+    nxr::RasterRenderer renderer;
+    const double reduceMs = timeOnce([&] {
+                                renderer.setImage(image);
+                                renderer.level(nxr::RasterRenderer::levelForZoom(zoom));
+                            }) /
+                            1000.0;
+
+    const QRect imagePart = dest.toAlignedRect().intersected(area);
+    std::vector<double> view, warm, bare, part;
+    for (auto _ : state) {
+        for (int i = 0; i < 15; ++i) {
+            bare.push_back(timeOnce([&] { painter.drawImage(dest, image, source); }));
+            view.push_back(timeOnce([&] {
+                renderer.discardBuffer();
+                renderer.paint(painter, area, zoom, maths.origin());
+            }));
+            part.push_back(timeOnce([&] {
+                renderer.discardBuffer();
+                renderer.paint(painter, imagePart, zoom, maths.origin());
+            }));
+            warm.push_back(timeOnce([&] { renderer.paint(painter, area, zoom, maths.origin()); }));
+        }
+    }
+    painter.end();
+    const double v = median(view), w = median(warm), b = median(bare), p = median(part);
+    state.counters["bare_us"] = b;
+    state.counters["image_us"] = p;
+    state.counters["ratio"] = p / b;
+    state.counters["view_us"] = v;
+    state.counters["view_warm_us"] = w;
+    state.counters["reduce_ms"] = reduceMs;
+    state.SetLabel(std::string(grey ? "grey " : "rgb ") + std::to_string(zoom).substr(0, 7) + "%");
+}
+
+BENCHMARK(Repaint)
+    ->ArgsProduct({{0, 1}, {625, 2500, 10000, 40000, 160000}})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(20);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

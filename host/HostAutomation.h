@@ -1,0 +1,92 @@
+#pragma once
+// The script's `host` object: synthesized input on the page's controls (at widget coordinates),
+// waiting with the event loop running, screenshots and the end of the run. Used by tests and by
+// integrators who check their own pages in CI.
+
+#include <QObject>
+#include <QPoint>
+#include <QPointer>
+#include <QVariantMap>
+#include <QWidget>
+
+#include <functional>
+
+class QJSEngine;
+class QWindow;
+
+namespace nxr {
+
+class HostAutomation : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool headless READ headless CONSTANT)
+    Q_PROPERTY(QVariantMap args READ args CONSTANT)
+    Q_PROPERTY(QString pageUrl READ pageUrl CONSTANT)
+    Q_PROPERTY(QObject* window READ window CONSTANT)
+
+public:
+    // What the automation asks of its host.
+    struct Callbacks
+    {
+        std::function<bool(const QString& path, QString* error)> screenshot;
+        std::function<void(int code)> exit;
+        std::function<bool()> exiting;
+    };
+
+    HostAutomation(QJSEngine* engine, Callbacks callbacks, QObject* parent = nullptr);
+
+    void setHeadless(bool on) { m_headless = on; }
+    void setArgs(const QVariantMap& args) { m_args = args; }
+    void setPageUrl(const QString& url) { m_pageUrl = url; }
+    void setPageWindow(QWidget* window) { m_window = window; }
+
+    bool headless() const { return m_headless; }
+    QVariantMap args() const { return m_args; }
+    QString pageUrl() const { return m_pageUrl; }
+    QObject* window() const { return m_window; }
+    // Nested host.wait() calls now running.
+    int waitDepth() const { return m_waitDepth; }
+
+    Q_INVOKABLE void click(QObject* target, double x, double y,
+                           const QString& button = QStringLiteral("left"));
+    Q_INVOKABLE void doubleClick(QObject* target, double x, double y,
+                                 const QString& button = QStringLiteral("left"));
+    Q_INVOKABLE void press(QObject* target, double x, double y,
+                           const QString& button = QStringLiteral("left"));
+    Q_INVOKABLE void release(QObject* target, double x, double y,
+                             const QString& button = QStringLiteral("left"));
+    Q_INVOKABLE void move(QObject* target, double x, double y);
+    Q_INVOKABLE void drag(QObject* target, double x1, double y1, double x2, double y2,
+                          const QString& button = QStringLiteral("left"));
+    Q_INVOKABLE void wheel(QObject* target, double x, double y, int steps);
+    Q_INVOKABLE void key(QObject* target, const QString& keys);
+    Q_INVOKABLE void type(QObject* target, const QString& text);
+    Q_INVOKABLE void wait(int ms);
+    Q_INVOKABLE void screenshot(const QString& path);
+    Q_INVOKABLE void exit(int code = 0);
+
+private:
+    enum class Action { Press, Release, Click, DoubleClick, Move };
+    struct Target
+    {
+        QWidget* widget = nullptr;
+        QWindow* window = nullptr;
+        QPoint windowPos;
+    };
+    bool resolve(const char* routine, QObject* target, double x, double y, Target* out);
+    bool parseButton(const char* routine, const QString& name, Qt::MouseButton* out);
+    void mouse(const char* routine, Action action, QObject* target, double x, double y,
+               const QString& button);
+    void fail(const QString& message);
+
+    QJSEngine* m_engine;
+    Callbacks m_callbacks;
+    bool m_headless = false;
+    QVariantMap m_args;
+    QString m_pageUrl;
+    QPointer<QWidget> m_window;
+    int m_waitDepth = 0;
+    Qt::MouseButtons m_held;
+};
+
+} // namespace nxr

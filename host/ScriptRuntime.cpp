@@ -1,0 +1,187 @@
+#include "host/ScriptRuntime.h"
+
+#include "frame/ClassRegistry.h"
+#include "frame/ObjectSafety.h"
+#include "host/ScriptTimers.h"
+#include "host/ScriptXmlHttpRequest.h"
+
+#include <QJSEngine>
+#include <QLayout>
+
+#include <cstdio>
+
+namespace nxr {
+
+ScriptRuntime::ScriptRuntime(QJSEngine* engine, ScriptTimers* timers, QObject* parent)
+    : QObject(parent), m_engine(engine), m_timers(timers)
+{}
+
+void ScriptRuntime::setNetwork(QNetworkAccessManager* network, const QUrl& pageUrl)
+{
+    m_network = network;
+    m_pageUrl = pageUrl;
+}
+
+QJSValue ScriptRuntime::createRequest()
+{
+    auto* request = new ScriptXmlHttpRequest(m_engine, m_network, m_pageUrl, m_pageUrl.isLocalFile());
+    connect(request, &ScriptXmlHttpRequest::callbackFailed, this, &ScriptRuntime::callbackFailed);
+    QJSEngine::setObjectOwnership(request, QJSEngine::JavaScriptOwnership);
+    m_requests.removeAll(nullptr);
+    m_requests << request;
+    return m_engine->newQObject(request);
+}
+
+void ScriptRuntime::cancelRequests()
+{
+    for (const QPointer<ScriptXmlHttpRequest>& request : std::as_const(m_requests))
+        if (request)
+            request->cancelQuietly();
+    m_requests.clear();
+}
+
+void ScriptRuntime::print(int level, const QString& text)
+{
+    FILE* out = level == 0 ? stdout : stderr;
+    std::fprintf(out, "%s\n", text.toLocal8Bit().constData());
+    std::fflush(out);
+    Q_EMIT consoleOutput(level, text);
+}
+
+bool ScriptRuntime::mayExpose(QObject* object, bool fromRegistry)
+{
+    if (!object)
+        return false;
+    if (fromRegistry || qobject_cast<IObjectSafety*>(object))
+        return isSafeForScripting(object);
+    return true;
+}
+
+QString ScriptRuntime::refusalMessage(const QString& name, const QString& className)
+{
+    return QStringLiteral("%1 (%2) is not safe for scripting; it is not given to the script")
+        .arg(name.isEmpty() ? QStringLiteral("an object") : name, className);
+}
+
+void ScriptRuntime::exposeGlobal(const QString& name, QObject* object)
+{
+    QJSEngine::setObjectOwnership(object, QJSEngine::CppOwnership);
+    m_engine->globalObject().setProperty(name, m_engine->newQObject(object));
+}
+
+QJSValue ScriptRuntime::createObject(const QString& className, QObject* parent)
+{
+    const ClassRegistry& registry = ClassRegistry::instance();
+    if (!registry.contains(className)) {
+        m_engine->throwError(
+            QJSValue::TypeError,
+            QStringLiteral("createObject: no class named \"%1\" (see --list-classes)").arg(className));
+        return QJSValue();
+    }
+    QWidget* parentWidget = nullptr;
+    if (parent) {
+        parentWidget = qobject_cast<QWidget*>(parent);
+        if (!parentWidget) {
+            m_engine->throwError(
+                QJSValue::TypeError,
+                QStringLiteral("createObject: the parent of %1 must be a widget").arg(className));
+            return QJSValue();
+        }
+    }
+    const bool widget = registry.isWidget(className);
+    QObject* object = registry.create(className, parentWidget ? parentWidget : m_window.data());
+    if (!object) {
+        m_engine->throwError(QStringLiteral("createObject: %1 could not be created").arg(className));
+        return QJSValue();
+    }
+    if (!mayExpose(object, true)) {
+        Q_EMIT message(refusalMessage(QString(), className));
+        delete object;
+        return QJSValue(QJSValue::NullValue);
+    }
+    if (widget) {
+        auto* w = static_cast<QWidget*>(object);
+        if (QWidget* into = w->parentWidget(); into && into->layout())
+            into->layout()->addWidget(w);
+        w->show();
+    }
+    QJSEngine::setObjectOwnership(object, QJSEngine::CppOwnership);
+    return m_engine->newQObject(object);
+}
+
+int ScriptRuntime::setTimer(const QJSValue& callback, const QJSValue& delay, bool repeat,
+                            const QJSValue& arguments)
+{
+    if (!callback.isCallable()) {
+        m_engine->throwError(QJSValue::TypeError,
+                             QStringLiteral("%1: the first argument must be a function")
+                                 .arg(repeat ? QLatin1String("setInterval") : QLatin1String("setTimeout")));
+        return 0;
+    }
+    QJSValueList list;
+    const int count = arguments.property(QStringLiteral("length")).toInt();
+    for (int i = 0; i < count; ++i)
+        list << arguments.property(quint32(i));
+    const double ms = delay.isUndefined() ? 0.0 : delay.toNumber();
+    return m_timers->add(callback, ms, repeat, list);
+}
+
+void ScriptRuntime::clearTimer(const QJSValue& id)
+{
+    if (id.isNumber())
+        m_timers->clear(id.toInt());
+}
+
+QString ScriptRuntime::bootstrapScript(const QString& runtimeName)
+{
+    return QStringLiteral(R"JS((function (rt) {
+  var slice = Array.prototype.slice;
+  createObject = function (className, parent) {
+    return rt.createObject(String(className), parent === undefined ? null : parent);
+  };
+  setTimeout = function (fn, ms) { return rt.setTimer(fn, ms, false, slice.call(arguments, 2)); };
+  setInterval = function (fn, ms) { return rt.setTimer(fn, ms, true, slice.call(arguments, 2)); };
+  clearTimeout = function (id) { rt.clearTimer(id); };
+  clearInterval = function (id) { rt.clearTimer(id); };
+
+  function addEventListener(type, fn) {
+    if (typeof fn !== "function") return;
+    var all = this.__listeners || (this.__listeners = {});
+    var list = all[type] || (all[type] = []);
+    if (list.indexOf(fn) < 0) list.push(fn);
+  }
+  function removeEventListener(type, fn) {
+    var list = this.__listeners && this.__listeners[type];
+    var at = list ? list.indexOf(fn) : -1;
+    if (at >= 0) list.splice(at, 1);
+  }
+  XMLHttpRequest = function () {
+    var request = rt.createRequest();
+    request.addEventListener = addEventListener;
+    request.removeEventListener = removeEventListener;
+    return request;
+  };
+  XMLHttpRequest.UNSENT = 0; XMLHttpRequest.OPENED = 1; XMLHttpRequest.HEADERS_RECEIVED = 2;
+  XMLHttpRequest.LOADING = 3; XMLHttpRequest.DONE = 4;
+
+  function text(args) {
+    return slice.call(args).map(function (a) {
+      if (typeof a === "string") return a;
+      if (a === null || typeof a !== "object") return String(a);
+      if (a instanceof Error || (!Array.isArray(a) && a.toString !== Object.prototype.toString)) return String(a);
+      try { var json = JSON.stringify(a); return json === undefined ? String(a) : json; } catch (e) { return String(a); }
+    }).join(" ");
+  }
+  console = {
+    log: function () { rt.print(0, text(arguments)); },
+    info: function () { rt.print(0, text(arguments)); },
+    debug: function () { rt.print(0, text(arguments)); },
+    warn: function () { rt.print(1, text(arguments)); },
+    error: function () { rt.print(1, text(arguments)); }
+  };
+})(%1);
+)JS")
+        .arg(runtimeName);
+}
+
+} // namespace nxr

@@ -1,0 +1,296 @@
+#include "imagedisplay/NXRViewButtons.h"
+
+#include "frame/ClassRegistry.h"
+#include "frame/Globals.h"
+#include "frame/Trace.h"
+#include "imagedisplay/ViewButtonIcons.h"
+
+#include <QButtonGroup>
+#include <QEvent>
+#include <QToolButton>
+
+#include <algorithm>
+
+using nxr::Failure;
+using nxr::fromBool;
+
+NXR_REGISTER_CLASS(NXRViewButtons)
+
+namespace {
+
+const QString kClass = QStringLiteral("NXRViewButtons");
+const QString kSetProperty = QStringLiteral("SetProperty");
+
+struct ButtonSpec
+{
+    int button;
+    const char* name;
+    bool checkable;
+    nxr::Globals::Caption tip;
+};
+
+// The row, left to right. Buttons 11/12 and 18/19 share one check button each.
+const ButtonSpec kButtons[] = {
+    {vvb_ContinuousAcquire, "cmd_Live", true, {"Live mode", "ライブ表示"}},
+    {vvb_Acquire, "cmd_Acquire", false, {"Snap an image", "画像取り込み"}},
+    {vvb_MouseModePointer, "opt_Cursor", true, {"Pointer", "ポインタ"}},
+    {vvb_MouseModePan, "opt_Cursor", true, {"Pan", "画像の移動"}},
+    {vvb_MouseModeZoomIn, "opt_Cursor", true, {"Zoom in (right button: zoom out)", "拡大 (右ボタン: 縮小)"}},
+    {vvb_MouseModeZoomOut, "opt_Cursor", true, {"Zoom out (right button: zoom in)", "縮小 (右ボタン: 拡大)"}},
+    {vvb_FitImage, "cmd_FitImage", false, {"Fit the image", "全体表示"}},
+    {vvb_DefaultZoom, "cmd_Zoom100", false, {"Default zoom", "標準倍率"}},
+    {vvb_ChangeSize, "cmd_ChangeSize", false, {"Change size", "サイズ変更"}},
+    {vvb_CrosshairOn, "chk_Crosshair", true, {"Crosshair", "十字線"}},
+    {vvb_WindowReset, "cmd_WindowReset", false, {"Reset the window", "ウィンドウのリセット"}},
+    {vvb_Open, "cmd_Open", false, {"Open an image", "画像を開く"}},
+    {vvb_Save, "cmd_Save", false, {"Save the image", "画像を保存"}},
+    {vvb_LaserOn, "chk_LaserOnOff", true, {"Laser on/off", "レーザー オン/オフ"}},
+};
+
+int controlIndex(int button)
+{
+    if (button == vvb_CrosshairOff)
+        return vvb_CrosshairOn;
+    if (button == vvb_LaserOff)
+        return vvb_LaserOn;
+    return button;
+}
+
+} // namespace
+
+NXRViewButtons::NXRViewButtons(QWidget* parent) : ScriptableWidget(parent)
+{
+    createButtons();
+    msub_Localize();
+    addKeys();
+    setMinimumHeight(16);
+}
+
+NXRViewButtons::~NXRViewButtons() = default;
+
+void NXRViewButtons::createButtons()
+{
+    m_cursorGroup = new QButtonGroup(this);
+    m_cursorGroup->setExclusive(true);
+    int option = 0;
+    for (const ButtonSpec& spec : kButtons) {
+        auto* b = new QToolButton(this);
+        b->setObjectName(QString::fromLatin1(spec.name) +
+                         (spec.button >= vvb_MouseModePointer && spec.button <= vvb_MouseModeZoomOut
+                              ? QString::number(option)
+                              : QString()));
+        b->setCheckable(spec.checkable);
+        b->setAutoRaise(true);
+        b->setIcon(nxr::ViewButtonIcons::icon(spec.button));
+        b->setFocusPolicy(Qt::NoFocus);
+        m_controls[size_t(spec.button)] = b;
+        const int number = spec.button;
+        if (number >= vvb_MouseModePointer && number <= vvb_MouseModeZoomOut) {
+            m_cursorOptions[size_t(option++)] = b;
+            m_cursorGroup->addButton(b, number);
+            connect(b, &QToolButton::clicked, this, [this, number] { Q_EMIT OnButtonClicked(number); });
+        } else if (number == vvb_ContinuousAcquire) {
+            // Pressed or released is the page's to say (key "Live"), not the click's.
+            connect(b, &QToolButton::clicked, this, [this, b, number] {
+                b->setChecked(m_liveShown);
+                Q_EMIT OnButtonClicked(number);
+            });
+        } else if (number == vvb_CrosshairOn || number == vvb_LaserOn) {
+            connect(b, &QToolButton::clicked, this,
+                    [this, number](bool checked) { Q_EMIT OnButtonClicked(checked ? number : number + 1); });
+        } else {
+            connect(b, &QToolButton::clicked, this, [this, number] { Q_EMIT OnButtonClicked(number); });
+        }
+    }
+    m_cursorOptions[0]->setChecked(true);
+}
+
+void NXRViewButtons::msub_Localize()
+{
+    for (const ButtonSpec& spec : kButtons)
+        m_controls[size_t(spec.button)]->setToolTip(spec.tip.pick());
+}
+
+QAbstractButton* NXRViewButtons::buttonControl(int button) const
+{
+    if (button < 0 || button >= int(m_controls.size()))
+        return nullptr;
+    return m_controls[size_t(controlIndex(button))];
+}
+
+template <typename Body> void NXRViewButtons::applying(const QString& key, Body&& body)
+{
+    try {
+        body();
+    } catch (const Failure& f) {
+        core().reportError(kSetProperty, QStringLiteral("Error setting ") + key +
+                                             QStringLiteral(" property: ") + f.description());
+    }
+}
+
+bool NXRViewButtons::parseButtonValue(const QString& key, const QString& value, int* button, bool* flag)
+{
+    const qsizetype comma = value.indexOf(QLatin1Char(','));
+    if (comma < 0) {
+        core().reportError(kSetProperty, QStringLiteral("Error setting ") + key +
+                                             QStringLiteral(" property: invalid PropertyValue argument (") +
+                                             value + QLatin1Char(')'));
+        return false;
+    }
+    try {
+        *button = nxr::toInteger(value.left(comma).trimmed());
+        *flag = nxr::toBool(value.mid(comma + 1).trimmed());
+    } catch (const Failure&) {
+        core().reportError(kSetProperty, QStringLiteral("Error setting ") + key +
+                                             QStringLiteral(" property: could not parse Button or Value (") +
+                                             value + QLatin1Char(')'));
+        return false;
+    }
+    return true;
+}
+
+void NXRViewButtons::setButtonEnabled(int button, bool enabled)
+{
+    if (button < 0 || button > vvb_LaserOff)
+        throw Failure(QStringLiteral("no such button (") + QString::number(button) + QLatin1Char(')'));
+    if (QAbstractButton* b = buttonControl(button))
+        b->setEnabled(enabled);
+}
+
+void NXRViewButtons::setButtonVisible(int button, bool visible)
+{
+    if (button < 0 || button > vvb_LaserOff)
+        throw Failure(QStringLiteral("no such button (") + QString::number(button) + QLatin1Char(')'));
+    QAbstractButton* b = buttonControl(button);
+    if (!b || b->isHidden() == !visible)
+        return;
+    b->setHidden(!visible);
+    layoutButtons();
+}
+
+bool NXRViewButtons::visibleFlag(int button) const
+{
+    const QAbstractButton* b = buttonControl(button);
+    return b && !b->isHidden();
+}
+
+void NXRViewButtons::addKeys()
+{
+    auto boolKey = [this](const QString& key, std::function<void(bool)> apply) {
+        return [this, key, apply](const QString& v) { applying(key, [&] { apply(nxr::toBool(v)); }); };
+    };
+    auto buttonKey = [this](const QString& key, void (NXRViewButtons::*apply)(int, bool)) {
+        return [this, key, apply](const QString& v) {
+            int button = 0;
+            bool flag = false;
+            if (parseButtonValue(key, v, &button, &flag))
+                applying(key, [&] { (this->*apply)(button, flag); });
+        };
+    };
+    auto enabled = [this](int button) { return fromBool(buttonControl(button)->isEnabled()); };
+
+    properties()
+        .add(
+            QStringLiteral("AcquireEnabled"),
+            boolKey(QStringLiteral("AcquireEnabled"), [this](bool on) { setButtonEnabled(vvb_Acquire, on); }),
+            [enabled] { return enabled(vvb_Acquire); })
+        .add(QStringLiteral("Live"),
+             boolKey(QStringLiteral("Live"),
+                     [this](bool on) {
+                         m_liveShown = on;
+                         buttonControl(vvb_ContinuousAcquire)->setChecked(on);
+                     }),
+             [this] { return fromBool(buttonControl(vvb_ContinuousAcquire)->isChecked()); })
+        .add(QStringLiteral("LiveEnabled"),
+             boolKey(QStringLiteral("LiveEnabled"),
+                     [this](bool on) { setButtonEnabled(vvb_ContinuousAcquire, on); }),
+             [enabled] { return enabled(vvb_ContinuousAcquire); })
+        .addWriteOnly(QStringLiteral("ButtonEnabled"),
+                      buttonKey(QStringLiteral("ButtonEnabled"), &NXRViewButtons::setButtonEnabled))
+        .addWriteOnly(QStringLiteral("ButtonVisible"),
+                      buttonKey(QStringLiteral("ButtonVisible"), &NXRViewButtons::setButtonVisible))
+        .add(
+            QStringLiteral("LaserOn"),
+            [this](const QString& v) { buttonControl(vvb_LaserOn)->setChecked(v == QLatin1String("True")); },
+            [this] { return fromBool(buttonControl(vvb_LaserOn)->isChecked()); })
+        .addWriteOnly(QStringLiteral("HourglassCursor"), boolKey(QStringLiteral("HourglassCursor"),
+                                                                 [this](bool on) {
+                                                                     if (on)
+                                                                         setCursor(Qt::WaitCursor);
+                                                                     else
+                                                                         unsetCursor();
+                                                                 }))
+        .addWriteOnly(QStringLiteral("ProgressCursor"), boolKey(QStringLiteral("ProgressCursor"),
+                                                                [this](bool on) {
+                                                                    if (on)
+                                                                        setCursor(Qt::BusyCursor);
+                                                                    else
+                                                                        unsetCursor();
+                                                                }))
+        .add(
+            QStringLiteral("ActiveMouseCursor"),
+            [this](const QString& v) {
+                const int mode = nxr::toInteger(v);
+                if (mode < 1 || mode > 4)
+                    throw Failure(QStringLiteral("Invalid property value"));
+                m_cursorOptions[size_t(mode - 1)]->setChecked(true);
+            },
+            [this] { return QString::number(m_cursorGroup->checkedId() - vvb_MouseModePointer + 1); })
+        .addReadOnly(QStringLiteral("LastErrorString"), [this] { return core().lastError(); })
+        .addReadOnly(
+            QStringLiteral("ImageCaptureButtonsVisible"),
+            [this] { return fromBool(visibleFlag(vvb_ContinuousAcquire) && visibleFlag(vvb_Acquire)); })
+        .addReadOnly(QStringLiteral("WindowResetButtonVisible"),
+                     [this] { return fromBool(visibleFlag(vvb_WindowReset)); })
+        .addReadOnly(QStringLiteral("OpenSaveButtonsVisible"),
+                     [this] { return fromBool(visibleFlag(vvb_Open) && visibleFlag(vvb_Save)); })
+        .addReadOnly(QStringLiteral("LaserOnOffButtonEnabled"), [enabled] { return enabled(vvb_LaserOn); });
+}
+
+int NXRViewButtons::preferredWidth(int height) const
+{
+    int count = 0;
+    for (const ButtonSpec& spec : kButtons)
+        count += m_controls[size_t(spec.button)]->isHidden() ? 0 : 1;
+    return count * height;
+}
+
+void NXRViewButtons::layoutButtons()
+{
+    NXR_TRACE(kClass, QStringLiteral("UserControl_Resize"),
+              QStringLiteral("entered, h=") + QString::number(height()) + QStringLiteral(", w=") +
+                  QString::number(width()));
+    int count = 0;
+    for (const ButtonSpec& spec : kButtons)
+        count += m_controls[size_t(spec.button)]->isHidden() ? 0 : 1;
+    if (count == 0)
+        return;
+    // Square buttons as tall as the bar, narrower when the row would not fit.
+    const int side = std::max(1, std::min(height(), width() / count));
+    NXR_TRACE(kClass, QStringLiteral("UserControl_Resize"),
+              QStringLiteral("new button h=") + QString::number(side) + QStringLiteral(", w=") +
+                  QString::number(side));
+    int x = 0;
+    const int iconSide = std::max(8, side - 8);
+    for (const ButtonSpec& spec : kButtons) {
+        QAbstractButton* b = m_controls[size_t(spec.button)];
+        if (b->isHidden())
+            continue;
+        b->setGeometry(x, 0, side, side);
+        b->setIconSize(QSize(iconSide, iconSide));
+        x += side;
+    }
+}
+
+void NXRViewButtons::resizeEvent(QResizeEvent* event)
+{
+    ScriptableWidget::resizeEvent(event);
+    layoutButtons();
+}
+
+void NXRViewButtons::changeEvent(QEvent* event)
+{
+    ScriptableWidget::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange)
+        msub_Localize();
+}

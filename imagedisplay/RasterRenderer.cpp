@@ -1,0 +1,232 @@
+#include "imagedisplay/RasterRenderer.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+
+namespace nxr {
+namespace {
+
+const std::array<QRgb, 256>& greyTable()
+{
+    static const std::array<QRgb, 256> table = [] {
+        std::array<QRgb, 256> t{};
+        for (int i = 0; i < 256; ++i)
+            t[size_t(i)] = qRgb(i, i, i);
+        return t;
+    }();
+    return table;
+}
+
+bool drawnAsIs(QImage::Format format)
+{
+    return format == QImage::Format_Grayscale8 || format == QImage::Format_RGB32;
+}
+
+// Red in bits 16-23, green moved to bits 32-39, blue in bits 0-7: four pixels can be added
+// without one channel spilling into the next.
+inline quint64 spread(QRgb p)
+{
+    return quint64(p & 0x00FF00FFu) | (quint64(p & 0x0000FF00u) << 24);
+}
+constexpr quint64 kRounding = 0x0000000200020002ull;
+inline QRgb gather(quint64 v)
+{
+    return 0xFF000000u | QRgb(v & 0x00FF00FFu) | (QRgb((v >> 24) & 0x0000FF00u));
+}
+
+// One halving step: each pixel is the mean of a 2 x 2 block; an odd last row or column repeats
+// its edge pixel.
+QImage halve(const QImage& src)
+{
+    const int w = (src.width() + 1) / 2;
+    const int h = (src.height() + 1) / 2;
+    QImage dst(w, h, src.format());
+    const int lastX = src.width() - 1;
+    const int lastY = src.height() - 1;
+    for (int y = 0; y < h; ++y) {
+        const int y0 = std::min(2 * y, lastY);
+        const int y1 = std::min(2 * y + 1, lastY);
+        if (src.format() == QImage::Format_Grayscale8) {
+            const uchar* a = src.constScanLine(y0);
+            const uchar* b = src.constScanLine(y1);
+            uchar* out = dst.scanLine(y);
+            for (int x = 0; x < w; ++x) {
+                const int x0 = std::min(2 * x, lastX);
+                const int x1 = std::min(2 * x + 1, lastX);
+                out[x] = uchar((a[x0] + a[x1] + b[x0] + b[x1] + 2) / 4);
+            }
+        } else {
+            const QRgb* a = reinterpret_cast<const QRgb*>(src.constScanLine(y0));
+            const QRgb* b = reinterpret_cast<const QRgb*>(src.constScanLine(y1));
+            QRgb* out = reinterpret_cast<QRgb*>(dst.scanLine(y));
+            for (int x = 0; x < w; ++x) {
+                const int x0 = std::min(2 * x, lastX);
+                const int x1 = std::min(2 * x + 1, lastX);
+                // The three channels side by side in 16-bit lanes, summed in one go.
+                const quint64 sum = spread(a[x0]) + spread(a[x1]) + spread(b[x0]) + spread(b[x1]) + kRounding;
+                out[x] = gather(sum >> 2);
+            }
+        }
+    }
+    return dst;
+}
+
+} // namespace
+
+RasterRenderer::RasterRenderer() = default;
+
+void RasterRenderer::setImage(const QImage& image)
+{
+    m_image = image;
+    imageChanged();
+}
+
+void RasterRenderer::imageChanged()
+{
+    m_converted = QImage();
+    m_levels.clear();
+    discardBuffer();
+}
+
+void RasterRenderer::discardBuffer()
+{
+    m_bufferValid = false;
+}
+
+const QImage& RasterRenderer::displaySource()
+{
+    if (m_image.isNull() || drawnAsIs(m_image.format()))
+        return m_image;
+    if (m_converted.isNull()) {
+        // Transparent pixels are shown over the background, as the view shows them.
+        QImage flat(m_image.size(), QImage::Format_RGB32);
+        flat.fill(m_background);
+        QPainter p(&flat);
+        p.drawImage(0, 0, m_image);
+        p.end();
+        m_converted = flat;
+    }
+    return m_converted;
+}
+
+int RasterRenderer::levelForZoom(float zoom)
+{
+    if (!(zoom < 100.0f) || !(zoom > 0.0f))
+        return 0;
+    // The deepest level whose scale 2^-level is still at least zoom / 100.
+    return std::max(0, int(std::floor(std::log2(100.0 / double(zoom)) + 1e-6)));
+}
+
+const QImage& RasterRenderer::level(int index)
+{
+    const QImage& source = displaySource();
+    if (index <= 0 || source.isNull())
+        return source;
+    if (m_levels.empty())
+        m_levels.push_back(source);
+    while (int(m_levels.size()) <= index) {
+        const QImage& last = m_levels.back();
+        if (last.width() <= 1 && last.height() <= 1)
+            break;
+        m_levels.push_back(halve(last));
+    }
+    return m_levels[size_t(std::min(index, int(m_levels.size()) - 1))];
+}
+
+void RasterRenderer::paint(QPainter& painter, const QRect& area, float zoom, const QPoint& origin)
+{
+    if (area.isEmpty())
+        return;
+    const QImage& source = displaySource();
+    if (source.isNull() || !(zoom > 0.0f)) {
+        painter.fillRect(area, m_background);
+        return;
+    }
+    const double scale = double(zoom) / 100.0;
+    const QRect dest(origin, QSize(int(std::ceil(source.width() * scale - 1e-6)),
+                                   int(std::ceil(source.height() * scale - 1e-6))));
+    const QRect shown = dest.intersected(area);
+
+    // Background around the image: up to four bands.
+    if (shown.isEmpty()) {
+        painter.fillRect(area, m_background);
+        return;
+    }
+    if (shown.top() > area.top())
+        painter.fillRect(QRect(area.left(), area.top(), area.width(), shown.top() - area.top()),
+                         m_background);
+    if (shown.bottom() < area.bottom())
+        painter.fillRect(QRect(area.left(), shown.bottom() + 1, area.width(), area.bottom() - shown.bottom()),
+                         m_background);
+    if (shown.left() > area.left())
+        painter.fillRect(QRect(area.left(), shown.top(), shown.left() - area.left(), shown.height()),
+                         m_background);
+    if (shown.right() < area.right())
+        painter.fillRect(QRect(shown.right() + 1, shown.top(), area.right() - shown.right(), shown.height()),
+                         m_background);
+
+    const int levelIndex = levelForZoom(zoom);
+    const QImage& src = level(levelIndex);
+    const double levelScale = scale * double(1 << levelIndex);
+
+    if (std::abs(levelScale - 1.0) < 1e-9) {
+        // No scaling: draw the visible part straight from the bitmap (or its reduction).
+        painter.drawImage(shown.topLeft(), src, shown.translated(-origin));
+        return;
+    }
+    if (!m_bufferValid || m_bufferRect != shown || m_bufferZoom != zoom || m_bufferOrigin != origin) {
+        renderBuffer(src, levelScale, shown, origin);
+        m_bufferRect = shown;
+        m_bufferZoom = zoom;
+        m_bufferOrigin = origin;
+        m_bufferValid = true;
+    }
+    painter.drawImage(shown.topLeft(), m_buffer);
+}
+
+void RasterRenderer::renderBuffer(const QImage& source, double levelScale, const QRect& target,
+                                  const QPoint& origin)
+{
+    if (m_buffer.size() != target.size())
+        m_buffer = QImage(target.size(), QImage::Format_RGB32);
+
+    // The source column and row under the centre of each target pixel.
+    const int lastX = source.width() - 1;
+    const int lastY = source.height() - 1;
+    m_columns.resize(size_t(target.width()));
+    for (int i = 0; i < target.width(); ++i) {
+        const double x = (target.left() + i + 0.5 - origin.x()) / levelScale;
+        m_columns[size_t(i)] = std::clamp(int(std::floor(x)), 0, lastX);
+    }
+    const bool grey = source.format() == QImage::Format_Grayscale8;
+    const QRgb* lut = greyTable().data();
+    const int width = target.width();
+    const size_t rowBytes = size_t(width) * sizeof(QRgb);
+    int previousRow = -1;
+    for (int j = 0; j < target.height(); ++j) {
+        const double y = (target.top() + j + 0.5 - origin.y()) / levelScale;
+        const int row = std::clamp(int(std::floor(y)), 0, lastY);
+        QRgb* out = reinterpret_cast<QRgb*>(m_buffer.scanLine(j));
+        if (row == previousRow) {
+            std::memcpy(out, m_buffer.constScanLine(j - 1), rowBytes);
+            continue;
+        }
+        previousRow = row;
+        const int* col = m_columns.data();
+        if (grey) {
+            const uchar* in = source.constScanLine(row);
+            for (int i = 0; i < width; ++i)
+                out[i] = lut[in[col[i]]];
+        } else {
+            const QRgb* in = reinterpret_cast<const QRgb*>(source.constScanLine(row));
+            for (int i = 0; i < width; ++i)
+                out[i] = in[col[i]];
+        }
+    }
+}
+
+} // namespace nxr

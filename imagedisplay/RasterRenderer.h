@@ -1,0 +1,71 @@
+#pragma once
+// Paints the visible part of a bitmap at a zoom, without any widget.
+//
+// At and above 100 % every image pixel becomes a crisp block of screen pixels (nearest
+// neighbour). Below 100 % the image is first reduced by halving steps that average 2 x 2 pixels
+// (kept until the bitmap changes) and the remaining factor, between 1/2 and 1, is again taken
+// by nearest neighbour; zooms of 100 / 2^n therefore show exact averages. Only the part of the
+// destination rectangle that lies inside the painted area is ever scaled, into a buffer that
+// is reused while neither the bitmap nor the view changes. A view that needs no scaling at all
+// is drawn straight from the bitmap.
+//
+// Grey (Format_Grayscale8) and RGB32 bitmaps are drawn as they are; other formats are drawn
+// from an RGB32 copy.
+
+#include "frame/Export.h"
+
+#include <QColor>
+#include <QImage>
+#include <QPoint>
+#include <QRect>
+
+#include <vector>
+
+class QPainter;
+
+namespace nxr {
+
+class NXR_EXPORT RasterRenderer
+{
+public:
+    RasterRenderer();
+
+    // A new bitmap (shared, not copied). Drops the reductions and the buffer.
+    void setImage(const QImage& image);
+    const QImage& image() const { return m_image; }
+    // The bitmap's pixels changed in place: drops the reductions and the buffer.
+    void imageChanged();
+    // Drops the scaled buffer only, so that the next paint scales again.
+    void discardBuffer();
+
+    void setBackground(const QColor& color) { m_background = color; }
+    QColor background() const { return m_background; }
+
+    // Paints `area` (device pixels of the view; the painter works in device pixels) with the
+    // bitmap's destination rectangle at `origin`, scaled by zoom / 100, and the background
+    // around it.
+    void paint(QPainter& painter, const QRect& area, float zoom, const QPoint& origin);
+
+    // The reduction level paint() draws from at a zoom (0: the bitmap itself) and that level's
+    // image, built on first use.
+    static int levelForZoom(float zoom);
+    const QImage& level(int index);
+
+private:
+    const QImage& displaySource();
+    void renderBuffer(const QImage& source, double levelScale, const QRect& target, const QPoint& origin);
+
+    QImage m_image;
+    QImage m_converted; // RGB32 copy for formats drawn through a conversion
+    std::vector<QImage> m_levels;
+    QColor m_background = QColor(128, 128, 128);
+
+    QImage m_buffer;
+    QRect m_bufferRect;
+    float m_bufferZoom = 0.0f;
+    QPoint m_bufferOrigin;
+    bool m_bufferValid = false;
+    std::vector<int> m_columns;
+};
+
+} // namespace nxr

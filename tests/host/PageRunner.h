@@ -1,0 +1,52 @@
+#pragma once
+// Writes pages into a temporary folder and runs a page host process on them, keeping this
+// process's event loop running (so a test's HTTP server answers meanwhile).
+
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <ostream>
+
+// Readable texts in test failures.
+inline void PrintTo(const QString& text, std::ostream* os)
+{
+    *os << '"' << text.toStdString() << '"';
+}
+
+struct PageRun
+{
+    int exitCode = -1;
+    bool crashed = false;
+    bool timedOut = false;
+    QString out;
+    QString err;
+    QStringList outLines() const;
+};
+
+class PageRunner
+{
+public:
+    PageRunner();
+    QString dir() const { return m_dir.path(); }
+    QString path(const QString& name) const { return m_dir.filePath(name); }
+    // Writes a file (folders made as needed); returns its path.
+    QString write(const QString& name, const QByteArray& content) const;
+    // A form whose top widget is `width` x `height`, with `body` as the content of a QVBoxLayout
+    // (a list of <item> elements).
+    static QByteArray form(int width, int height, const QByteArray& items);
+    static QByteArray item(const QByteArray& className, const QByteArray& name,
+                           const QByteArray& properties = {});
+
+    // Extra environment variables of the runs.
+    void setEnv(const QString& name, const QString& value) { m_env.insert(name, value); }
+    PageRun run(const QStringList& arguments, int timeoutMs = 60000, const QString& program = {}) const;
+    // A page folder `name` with page.ui and page.js, run headless with extra arguments.
+    PageRun runPage(const QString& name, const QByteArray& ui, const QByteArray& js,
+                    const QStringList& extra = {}) const;
+
+private:
+    QTemporaryDir m_dir;
+    QMap<QString, QString> m_env;
+};

@@ -1,0 +1,78 @@
+#pragma once
+// Classes registered only in the test page host.
+
+#include "frame/ScriptableObject.h"
+#include "frame/ScriptableWidget.h"
+
+#include <QStringList>
+
+// A control that draws a solid colour and writes down every mouse, wheel and key event it gets.
+class TestClickPad : public nxr::ScriptableWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(QString Log READ Log)
+    Q_PROPERTY(QString Caption READ Caption WRITE setCaption)
+
+public:
+    static constexpr QRgb kColor = 0xff2e86c1;
+    explicit TestClickPad(QWidget* parent = nullptr);
+    QString Log() const { return m_log.join(QLatin1Char(';')); }
+    QString Caption() const { return m_caption; }
+    void setCaption(const QString& caption) { m_caption = caption; }
+    Q_INVOKABLE void Fire(const QString& name) { Q_EMIT OnButtonClicked(name); }
+
+Q_SIGNALS:
+    void OnButtonClicked(const QString& name);
+
+protected:
+    void paintEvent(QPaintEvent*) override;
+    void mousePressEvent(QMouseEvent* e) override;
+    void mouseReleaseEvent(QMouseEvent* e) override;
+    void mouseMoveEvent(QMouseEvent* e) override;
+    void mouseDoubleClickEvent(QMouseEvent* e) override;
+    void wheelEvent(QWheelEvent* e) override;
+    void keyPressEvent(QKeyEvent* e) override;
+
+private:
+    void record(const QString& what, const QPointF& pos);
+    QStringList m_log;
+    QString m_caption;
+};
+
+// A plain object with a typed property, a keyed property, a method and an event.
+class TestCounter : public nxr::ScriptableObject
+{
+    Q_OBJECT
+    Q_PROPERTY(int Count READ Count WRITE setCount)
+
+public:
+    explicit TestCounter(QObject* parent = nullptr);
+    int Count() const { return m_count; }
+    void setCount(int count) { m_count = count; }
+    Q_INVOKABLE void Add(int amount);
+
+Q_SIGNALS:
+    void OnChanged(int count);
+
+private:
+    int m_count = 0;
+};
+
+// Classes that answer that they are not safe for scripting.
+class TestUnsafeObject : public nxr::ScriptableObject
+{
+    Q_OBJECT
+public:
+    explicit TestUnsafeObject(QObject* parent = nullptr);
+    nxr::HResult GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
+                                           std::uint32_t* enabled) override;
+};
+
+class TestUnsafeWidget : public nxr::ScriptableWidget
+{
+    Q_OBJECT
+public:
+    explicit TestUnsafeWidget(QWidget* parent = nullptr);
+    nxr::HResult GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
+                                           std::uint32_t* enabled) override;
+};

@@ -1,0 +1,603 @@
+// The image display as a page sees it: keys, tool-bar clicks, mouse zoom, wheel and pan, layout.
+
+#include "frame/Globals.h"
+#include "imagedisplay/ImageViewport.h"
+#include "imagedisplay/MouseDispatcher.h"
+#include "imagedisplay/NXRImageDisplay.h"
+#include "imagedisplay/NXRStatusBar.h"
+#include "imagedisplay/NXRViewButtons.h"
+#include "imagedisplay/RasterView.h"
+#include "imagedisplay/ViewMaths.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QWheelEvent>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+QImage testImage(int w, int h, QImage::Format format = QImage::Format_RGB32)
+{
+    QImage img(w, h, format);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            if (format == QImage::Format_Grayscale8)
+                img.scanLine(y)[x] = uchar((x + 3 * y) % 256);
+            else
+                img.setPixel(x, y, qRgb(x % 256, y % 256, (x + y) % 256));
+        }
+    return img;
+}
+
+class Display : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        display = std::make_unique<NXRImageDisplay>();
+        display->resize(800, 600);
+        display->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(display.get()));
+        errors = std::make_unique<QSignalSpy>(display.get(), &NXRImageDisplay::OnError);
+        pageClicks = std::make_unique<QSignalSpy>(display.get(), &NXRImageDisplay::OnButtonClicked);
+        zooms = std::make_unique<QSignalSpy>(display.get(), &NXRImageDisplay::OnZoomChanged);
+    }
+
+    nxr::RasterView* lead() { return display->leadView(); }
+    const nxr::ViewMaths& maths() { return display->viewport().maths(); }
+    QAbstractButton* toolButton(int b) { return display->viewButtons()->buttonControl(b); }
+    void click(int button) { QTest::mouseClick(toolButton(button), Qt::LeftButton); }
+    // A point of the image view in widget (logical) coordinates, from device pixels.
+    QPoint logical(QPointF device) { return (device / lead()->deviceRatio()).toPoint(); }
+
+    void wheel(QPoint at, int notches)
+    {
+        QWheelEvent e(at, lead()->mapToGlobal(at), QPoint(), QPoint(0, 120 * notches), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(lead(), &e);
+    }
+    void mouse(QEvent::Type type, QPoint at, Qt::MouseButton button, Qt::MouseButtons held)
+    {
+        QMouseEvent e(type, at, lead()->mapToGlobal(at), button, held, Qt::NoModifier);
+        QApplication::sendEvent(lead(), &e);
+    }
+
+    std::unique_ptr<NXRImageDisplay> display;
+    std::unique_ptr<QSignalSpy> errors;
+    std::unique_ptr<QSignalSpy> pageClicks;
+    std::unique_ptr<QSignalSpy> zooms;
+};
+
+// ---- keys ----
+
+TEST_F(Display, UnknownKeysRaiseOneErrorEachAndChangeNothing)
+{
+    display->showImage(testImage(640, 480));
+    display->SetProperty("Zoom", "150");
+    display->SetProperty("zoom", "300"); // keys are case-sensitive
+    EXPECT_EQ(display->LastErrorString(), "Error: unknown property (zoom)");
+    EXPECT_EQ(errors->count(), 1);
+    EXPECT_EQ(display->GetProperty("Zoom"), "150");
+    EXPECT_EQ(display->GetProperty("Bogus"), "");
+    EXPECT_EQ(display->LastErrorString(), "Error: unknown property (Bogus)");
+    EXPECT_EQ(errors->count(), 2);
+    // Write-only keys are unknown to GetProperty.
+    EXPECT_EQ(display->GetProperty("FTPPortNo"), "");
+    EXPECT_EQ(errors->count(), 3);
+}
+
+TEST_F(Display, KeysOfLaterFeaturesAreAcceptedNow)
+{
+    for (auto [key, value] : {std::pair{"FTPPortNo", "2121"},
+                              {"HTTPPortNo", "8080"},
+                              {"EnableLogImageLoad", "True"},
+                              {"MinPairWidth", "2.5"},
+                              {"MaxPairWidth", "40"},
+                              {"AutoZoom", "whatever"},
+                              {"RefreshDisplay", ""},
+                              {"FontName", "DejaVu Sans"},
+                              {"FontSize", "11"}})
+        display->SetProperty(key, value);
+    EXPECT_EQ(errors->count(), 0) << display->LastErrorString().toStdString();
+    display->SetProperty("LiveMode", "True");
+    EXPECT_EQ(display->GetProperty("LiveMode"), "True");
+    display->SetProperty("LiveMode", "False");
+    EXPECT_EQ(display->GetProperty("AutoZoom"), "");
+    EXPECT_EQ(errors->count(), 0);
+    // Bad values are reported with the key and leave the state alone.
+    display->SetProperty("FTPPortNo", "ftp");
+    EXPECT_EQ(display->LastErrorString(), "Error in SetProperty(FTPPortNo): Type mismatch");
+    display->SetProperty("LiveMode", "perhaps");
+    EXPECT_EQ(display->LastErrorString(), "Error in SetProperty(LiveMode): Type mismatch");
+    EXPECT_EQ(display->GetProperty("LiveMode"), "False");
+    display->SetProperty("Zoom", "-4");
+    EXPECT_EQ(display->LastErrorString(), "Error in SetProperty(Zoom): Invalid property value");
+    EXPECT_EQ(errors->count(), 3);
+}
+
+TEST_F(Display, ZoomKeyBypassesTheClampButTheZoomPropertyDoesNot)
+{
+    display->showImage(testImage(640, 480));
+    display->SetProperty("Zoom", "0.5");
+    EXPECT_EQ(display->GetProperty("Zoom"), "0.5");
+    EXPECT_EQ(display->Zoom(), 0.5f);
+    display->setZoom(0.5f);
+    EXPECT_EQ(display->Zoom(), 1.0f);
+    display->setZoom(250.0f);
+    EXPECT_EQ(display->GetProperty("Zoom"), "250");
+    EXPECT_EQ(display->statusBar()->zoomLabelText(), "250%");
+    EXPECT_EQ(zooms->count(), 1); // only the image's fit was a user-visible zoom event
+}
+
+TEST_F(Display, ToolbarKeysAndProperties)
+{
+    display->SetProperty("LaserButtonEnabled", "False");
+    EXPECT_FALSE(toolButton(vvb_LaserOn)->isEnabled());
+    EXPECT_EQ(display->GetProperty("LaserButtonEnabled"), "False");
+    display->SetProperty("LaserOn", "True");
+    EXPECT_EQ(display->GetProperty("LaserOn"), "True");
+    display->SetProperty("OpenButtonEnabled", "False");
+    EXPECT_FALSE(toolButton(vvb_Open)->isEnabled());
+    display->setOpenSaveButtonsVisible(false);
+    EXPECT_TRUE(toolButton(vvb_Save)->isHidden());
+    EXPECT_FALSE(display->OpenSaveButtonsVisible());
+    display->setImageCaptureButtonsVisible(false);
+    EXPECT_FALSE(display->ImageCaptureButtonsVisible());
+    display->setWindowResetButtonVisible(false);
+    EXPECT_FALSE(display->WindowResetButtonVisible());
+    display->setAcquireEnabled(false);
+    EXPECT_FALSE(display->AcquireEnabled());
+    display->setLiveEnabled(false);
+    EXPECT_FALSE(display->LiveEnabled());
+    display->setHourglassCursor(true);
+    EXPECT_EQ(display->viewButtons()->cursor().shape(), Qt::WaitCursor);
+    EXPECT_EQ(errors->count(), 0);
+}
+
+TEST_F(Display, ColorModeOffTurnsTheImageGrey)
+{
+    display->showImage(testImage(64, 48));
+    display->SetProperty("ColorMode", "False");
+    EXPECT_EQ(display->GetProperty("ColorMode"), "False");
+    EXPECT_EQ(lead()->bitmap().format(), QImage::Format_Grayscale8);
+    display->showImage(testImage(64, 48)); // later images too
+    EXPECT_EQ(lead()->bitmap().format(), QImage::Format_Grayscale8);
+}
+
+TEST_F(Display, CaptionAndOverrideLabel)
+{
+    QSignalSpy changed(display.get(), &NXRImageDisplay::CaptionChanged);
+    display->setCaption("Camera 1");
+    display->setOverrideImageLabelCaption("Override");
+    auto* label = display->findChild<QLabel*>("lbl_OverrideImage");
+    EXPECT_EQ(label->text(), "Camera 1 - Override");
+    display->setCaption("");
+    EXPECT_EQ(label->text(), "Override");
+    EXPECT_EQ(changed.count(), 2);
+}
+
+// ---- showing images ----
+
+TEST_F(Display, SameSizeKeepsTheViewAnotherSizeRefits)
+{
+    display->showImage(testImage(2592, 1944));
+    EXPECT_EQ(zooms->count(), 1);
+    const float fitted = display->Zoom();
+    EXPECT_LT(fitted, 100.0f);
+    EXPECT_EQ(display->ImageWidth(), 2592);
+    display->setZoom(200);
+    display->viewport().setScrollPosition(QPoint(700, 500));
+    display->showImage(testImage(2592, 1944, QImage::Format_Grayscale8));
+    EXPECT_EQ(display->Zoom(), 200.0f);
+    EXPECT_EQ(maths().scrollPosition(), QPoint(700, 500));
+    EXPECT_EQ(zooms->count(), 1);
+    display->showImage(testImage(640, 480));
+    EXPECT_EQ(zooms->count(), 2);
+    EXPECT_EQ(display->ImageHeight(), 480);
+    EXPECT_FALSE(maths().horizontalBarNeeded());
+}
+
+TEST_F(Display, LoadLocalImageShowsAFileAndReportsBadOnes)
+{
+    display->LoadLocalImage(QStringLiteral(NXR_TEST_DATA_DIR "/sample-part.png"));
+    EXPECT_EQ(errors->count(), 0) << display->LastErrorString().toStdString();
+    EXPECT_EQ(display->ImageWidth(), 1280);
+    EXPECT_EQ(display->GetProperty("OriginalFilename"), "sample-part.png");
+    EXPECT_EQ(display->tempLeadView()->bitmapWidth(), 1280);
+
+    QTemporaryDir dir;
+    const QString notAnImage = dir.filePath("notes.png");
+    QFile f(notAnImage);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("not an image");
+    f.close();
+    display->LoadLocalImage(notAnImage);
+    EXPECT_EQ(display->LastErrorString(),
+              "Error in LoadLocalImage: file " + notAnImage + " does not contain image");
+    display->LoadLocalImage(dir.filePath("missing.png"));
+    EXPECT_EQ(display->LastErrorString(),
+              "Error in LoadLocalImage: file " + dir.filePath("missing.png") + " does not exist");
+    EXPECT_EQ(errors->count(), 2);
+    EXPECT_EQ(display->ImageWidth(), 1280); // the shown image stays
+}
+
+// ---- tool bar clicks ----
+
+TEST_F(Display, MouseModeAndOpenClicksRaiseNoPageEvent)
+{
+    display->showImage(testImage(640, 480));
+    zooms->clear();
+    click(vvb_MouseModePan);
+    EXPECT_EQ(display->mouseMode(), 2);
+    click(vvb_MouseModeZoomOut);
+    EXPECT_EQ(display->mouseMode(), 4);
+    click(vvb_MouseModePointer);
+    EXPECT_EQ(display->mouseMode(), 1);
+    click(vvb_Open);
+    EXPECT_EQ(pageClicks->count(), 0);
+    EXPECT_EQ(zooms->count(), 4); // every action ends with OnZoomChanged
+    click(vvb_Save);
+    click(vvb_CrosshairOn);
+    click(vvb_CrosshairOn);
+    ASSERT_EQ(pageClicks->count(), 3);
+    EXPECT_EQ(pageClicks->at(0).at(0).toString(), "Save");
+    EXPECT_EQ(pageClicks->at(1).at(0).toString(), "CrosshairOn");
+    EXPECT_EQ(pageClicks->at(2).at(0).toString(), "CrosshairOff");
+}
+
+TEST_F(Display, WhileAMaskIsEditedFitZoomsSilentlyAndTheLaserStillPasses)
+{
+    display->showImage(testImage(2592, 1944));
+    display->setZoom(400);
+    display->state().editMaskMode = 1;
+    display->editModeChanged();
+    EXPECT_EQ(display->GetProperty("EditingMask"), "True");
+    EXPECT_TRUE(display->findChild<QFrame*>("fra_OKCancel")->isVisible());
+    zooms->clear();
+    click(vvb_FitImage);
+    EXPECT_LT(display->Zoom(), 100.0f);
+    EXPECT_EQ(zooms->count(), 1);
+    EXPECT_EQ(zooms->at(0).at(0).toFloat(), display->Zoom());
+    EXPECT_EQ(display->statusBar()->zoomLabelText(), NXRStatusBar::zoomText(display->Zoom()));
+    click(vvb_Save);
+    EXPECT_EQ(pageClicks->count(), 0);
+    click(vvb_LaserOn);
+    ASSERT_EQ(pageClicks->count(), 1);
+    EXPECT_EQ(pageClicks->at(0).at(0).toString(), "LaserOn");
+}
+
+TEST_F(Display, DefaultZoomAndFitOutsideEditing)
+{
+    display->showImage(testImage(2592, 1944));
+    click(vvb_DefaultZoom);
+    EXPECT_EQ(display->Zoom(), 100.0f);
+    // centred on the image centre
+    const QPointF centre =
+        maths().toImage(QPointF(maths().visibleSize().width() / 2.0, maths().visibleSize().height() / 2.0));
+    EXPECT_NEAR(centre.x(), 1296, 1.0);
+    EXPECT_NEAR(centre.y(), 972, 1.0);
+    click(vvb_FitImage);
+    EXPECT_EQ(display->Zoom(), nxr::ViewMaths::fitZoom(maths().usableArea().height(),
+                                                       maths().usableArea().width(), 1944, 2592, false));
+    ASSERT_EQ(pageClicks->count(), 2);
+    EXPECT_EQ(pageClicks->at(0).at(0).toString(), "ZoomDefault");
+    EXPECT_EQ(pageClicks->at(1).at(0).toString(), "ZoomFitImage");
+}
+
+TEST_F(Display, OkAndCancelReachThePageAfterTheClick)
+{
+    display->state().editingWindow = true;
+    display->editModeChanged();
+    auto* ok = display->findChild<QPushButton*>("cmd_OK");
+    ASSERT_TRUE(ok && ok->isVisible());
+    QTest::mouseClick(ok, Qt::LeftButton);
+    EXPECT_EQ(pageClicks->count(), 0); // not inside the click
+    ASSERT_TRUE(pageClicks->wait(1000));
+    EXPECT_EQ(pageClicks->at(0).at(0).toString(), "Accept");
+    QTest::mouseClick(display->findChild<QPushButton*>("cmd_Cancel"), Qt::LeftButton);
+    ASSERT_TRUE(pageClicks->wait(1000));
+    EXPECT_EQ(pageClicks->at(1).at(0).toString(), "Cancel");
+    display->state().editingWindow = false;
+    display->editModeChanged();
+    EXPECT_FALSE(ok->isVisible());
+}
+
+TEST_F(Display, ClosingWhileEditingCancelsTheEdit)
+{
+    display->state().editingCursor = true;
+    QSignalSpy spy(display.get(), &NXRImageDisplay::OnButtonClicked);
+    display.reset();
+    ASSERT_EQ(spy.count(), 1);
+    EXPECT_EQ(spy.at(0).at(0).toString(), "Cancel");
+}
+
+// ---- mouse ----
+
+TEST_F(Display, ZoomModeClicksDoubleAndHalveAtTheClickedPoint)
+{
+    display->showImage(testImage(2592, 1944));
+    display->setZoom(100);
+    display->viewport().setScrollPosition(QPoint(900, 700));
+    click(vvb_MouseModeZoomIn);
+    zooms->clear();
+    const QPointF device(300, 200);
+    const QPointF target = maths().toImage(device);
+    QTest::mouseClick(lead(), Qt::LeftButton, {}, logical(device));
+    EXPECT_EQ(display->Zoom(), 200.0f);
+    const QSize vis = maths().visibleSize();
+    const QPointF centre = maths().toScreen(target);
+    EXPECT_NEAR(centre.x(), vis.width() / 2.0, 1.0);
+    EXPECT_NEAR(centre.y(), vis.height() / 2.0, 1.0);
+    QTest::mouseClick(lead(), Qt::RightButton, {}, logical(device));
+    EXPECT_EQ(display->Zoom(), 100.0f);
+    click(vvb_MouseModeZoomOut);
+    zooms->clear();
+    QTest::mouseClick(lead(), Qt::LeftButton, {}, logical(device));
+    EXPECT_EQ(display->Zoom(), 50.0f);
+    EXPECT_EQ(zooms->count(), 1);
+    EXPECT_EQ(zooms->at(0).at(0).toFloat(), 50.0f);
+    EXPECT_EQ(display->statusBar()->zoomLabelText(), "50%");
+    EXPECT_FALSE(display->busy());
+    EXPECT_EQ(pageClicks->count(), 0);
+}
+
+TEST_F(Display, ZoomClicksCanBeKeptForLater)
+{
+    display->showImage(testImage(2592, 1944));
+    display->setZoom(100);
+    click(vvb_MouseModeZoomIn);
+    std::vector<nxr::MouseArgs> kept;
+    display->mouse().setZoomClickDeferral([&](const nxr::MouseArgs& a) {
+        kept.push_back(a);
+        return true;
+    });
+    QTest::mouseClick(lead(), Qt::LeftButton, Qt::ShiftModifier, QPoint(40, 30));
+    EXPECT_EQ(display->Zoom(), 100.0f);
+    ASSERT_EQ(kept.size(), 1u);
+    EXPECT_EQ(kept[0].button, 1);
+    EXPECT_EQ(kept[0].shift, 1);
+    display->mouse().setZoomClickDeferral({});
+    display->mouse().leadMouseDown(kept[0]); // replayed
+    EXPECT_EQ(display->Zoom(), 200.0f);
+}
+
+TEST_F(Display, WheelZoomKeepsThePointUnderTheCursor)
+{
+    for (QSize size : {QSize(2592, 1944), QSize(6000, 1200), QSize(1200, 6000)}) {
+        display->showImage(testImage(size.width(), size.height()), false);
+        display->setZoom(100);
+        display->viewport().setScrollPosition(maths().scrollMaximum() / 2);
+        const QPoint at(331, 217);
+        const QPointF device = QPointF(at) * lead()->deviceRatio();
+        const QPointF before = maths().toImage(device);
+        zooms->clear();
+        wheel(at, 1);
+        EXPECT_EQ(display->Zoom(), 200.0f);
+        wheel(at, 2);
+        EXPECT_EQ(display->Zoom(), 400.0f);
+        QPointF now = maths().toScreen(before);
+        EXPECT_NEAR(now.x(), device.x(), 0.5) << size.width();
+        EXPECT_NEAR(now.y(), device.y(), 0.5) << size.width();
+        wheel(at, -2);
+        EXPECT_EQ(display->Zoom(), 200.0f);
+        now = maths().toScreen(before);
+        EXPECT_NEAR(now.x(), device.x(), 0.5);
+        EXPECT_NEAR(now.y(), device.y(), 0.5);
+        EXPECT_EQ(zooms->count(), 3);
+    }
+    // At the top limit the wheel changes nothing and raises nothing.
+    display->setZoom(1e9f);
+    const QPoint origin = maths().origin();
+    zooms->clear();
+    wheel(QPoint(100, 100), 1);
+    EXPECT_EQ(maths().origin(), origin);
+    EXPECT_EQ(zooms->count(), 0);
+}
+
+TEST_F(Display, PanDragMovesTheImageWithTheMouse)
+{
+    display->showImage(testImage(2592, 1944));
+    display->setZoom(100);
+    display->viewport().setScrollPosition(QPoint(500, 400));
+    click(vvb_MouseModePan);
+    mouse(QEvent::MouseButtonPress, QPoint(200, 200), Qt::LeftButton, Qt::LeftButton);
+    mouse(QEvent::MouseMove, QPoint(180, 190), Qt::NoButton, Qt::LeftButton);
+    mouse(QEvent::MouseMove, QPoint(150, 170), Qt::NoButton, Qt::LeftButton);
+    mouse(QEvent::MouseButtonRelease, QPoint(150, 170), Qt::LeftButton, Qt::NoButton);
+    const QPoint moved = (QPointF(50, 30) * lead()->deviceRatio()).toPoint();
+    EXPECT_EQ(maths().scrollPosition(), QPoint(500, 400) + moved);
+    EXPECT_EQ(display->viewport().horizontalBar()->value(), 500 + moved.x());
+    // Moving without the button does not pan.
+    mouse(QEvent::MouseMove, QPoint(10, 10), Qt::NoButton, Qt::NoButton);
+    EXPECT_EQ(maths().scrollPosition(), QPoint(500, 400) + moved);
+}
+
+TEST_F(Display, ScrollBarsScrollWithinTheLimits)
+{
+    display->showImage(testImage(2592, 1944));
+    display->setZoom(100);
+    QScrollBar* v = display->viewport().verticalBar();
+    ASSERT_TRUE(v->isVisible());
+    EXPECT_EQ(v->maximum(), maths().scrollMaximum().y());
+    v->setValue(321);
+    EXPECT_EQ(maths().scrollPosition().y(), 321);
+    EXPECT_EQ(lead()->origin().y(), -321);
+    display->viewport().setScrollV(100000);
+    EXPECT_EQ(display->viewport().scrollV(), maths().scrollMaximum().y());
+}
+
+TEST_F(Display, PixelUnderTheCursorInTheStatusBar)
+{
+    QImage img(200, 100, QImage::Format_RGB32);
+    img.fill(qRgb(1, 2, 3));
+    img.setPixel(37, 21, qRgb(200, 100, 50));
+    display->showImage(img, false);
+    display->setZoom(400);
+    display->viewport().setScrollPosition(QPoint(0, 0));
+    const QPointF device = maths().toScreen(QPointF(37.5, 21.5));
+    mouse(QEvent::MouseMove, logical(device), Qt::NoButton, Qt::NoButton);
+    EXPECT_EQ(display->statusBar()->pixelLabelText(), "x=37, y=21: R 200 G 100 B 50");
+    QImage grey(200, 100, QImage::Format_Grayscale8);
+    grey.fill(77);
+    display->showImage(grey);
+    mouse(QEvent::MouseMove, logical(device), Qt::NoButton, Qt::NoButton);
+    EXPECT_EQ(display->statusBar()->pixelLabelText(), "x=37, y=21: 77");
+}
+
+TEST_F(Display, AtHundredPercentOneImagePixelCoversOneDevicePixel)
+{
+    QImage checker(64, 48, QImage::Format_Grayscale8);
+    for (int y = 0; y < 48; ++y)
+        for (int x = 0; x < 64; ++x)
+            checker.scanLine(y)[x] = ((x + y) % 2) ? 255 : 0;
+    display->showImage(checker, false);
+    display->setZoom(100);
+    lead()->repaint();
+    const QImage shot = lead()->grab().toImage();
+    EXPECT_EQ(shot.size(), maths().visibleSize()); // the view's device pixels
+    const QPoint o = maths().origin();
+    for (int y = 0; y < 48; y += 7)
+        for (int x = 0; x < 64; x += 5)
+            ASSERT_EQ(qGray(shot.pixel(o.x() + x, o.y() + y)), ((x + y) % 2) ? 255 : 0) << x << "," << y;
+    EXPECT_NE(qGray(shot.pixel(o.x() - 1, o.y())), 255); // background beside the image
+}
+
+TEST_F(Display, DiagnosticDumpOfTheViewRectangles)
+{
+    display->showImage(testImage(2592, 1944));
+    display->setZoom(50);
+    display->viewport().setScrollPosition(QPoint(100, 60));
+    const QStringList lines = display->viewport().dimensionLines();
+    ASSERT_EQ(lines.size(), 4);
+    EXPECT_EQ(lines[0], "Scale (L, T) (W, H)    = (-100, -60) (1296, 972)");
+    EXPECT_EQ(lines[1], "Source (L, T) (W, H)   = (0, 0) (2592, 1944)");
+    EXPECT_TRUE(lines[2].startsWith("Dest. l(L, T) (W, H)    = (-100, -60)"));
+    const QSize vis = maths().visibleSize();
+    EXPECT_EQ(
+        lines[3],
+        QString("SrcClip l(L, T) (W, H)  = (200, 120) (%1, %2)").arg(vis.width() * 2).arg(vis.height() * 2));
+}
+
+// ---- layout and methods ----
+
+TEST_F(Display, ResizeKeepsTheMinimumSize)
+{
+    display->Resize(100, 20);
+    EXPECT_EQ(errors->count(), 0);
+    const int minWidth = 2 * std::max(1, nxr::Globals::twipsToPixels(15)) + nxr::Globals::twipsToPixels(4400);
+    EXPECT_EQ(display->width(), minWidth);
+    EXPECT_GE(display->height(), display->viewButtons()->height());
+    EXPECT_EQ(display->GetProperty("Width"), QString::number(minWidth));
+    display->Resize(640, 400);
+    EXPECT_EQ(display->GetProperty("Height"), "400");
+    // The tool bar and the status bar stay inside, the viewport between them.
+    const QRect bar = display->viewButtons()->geometry();
+    const QRect status = display->statusBar()->geometry();
+    const QRect frame = display->findChild<QFrame*>("fra_Image")->geometry();
+    EXPECT_GT(frame.top(), bar.bottom());
+    EXPECT_LT(frame.bottom(), status.top());
+    EXPECT_EQ(status.bottom(), 400 - 2);
+    display->Resize(-1, 10);
+    EXPECT_EQ(display->LastErrorString(), "Error in Resize(-1, 10): Invalid procedure call or argument");
+    EXPECT_EQ(display->width(), 640);
+}
+
+TEST_F(Display, ZoomToFillsTheViewportWithTheRectangle)
+{
+    display->showImage(testImage(2592, 1944));
+    zooms->clear();
+    display->ZoomTo(1000, 1200, 100, 100);
+    const float zoom = display->Zoom();
+    EXPECT_GE(zoom, 300.0f);
+    const QRectF shown = maths().visibleSourceRect();
+    EXPECT_TRUE(shown.contains(QRectF(1200, 1000, 100, 100))) << shown.x() << "," << shown.y();
+    EXPECT_EQ(zooms->count(), 1);
+    display->setShowFrame(true);
+    EXPECT_EQ(display->findChild<QFrame*>("fra_Image")->frameShape(), QFrame::Box);
+}
+
+TEST_F(Display, MouseEventsOnTheMaskGoToTheMaskHook)
+{
+    display->showImage(testImage(400, 300));
+    display->state().editMaskMode = 0;
+    display->editModeChanged();
+    std::vector<QPointF> downs;
+    nxr::MouseDispatcher::MaskHooks hooks;
+    hooks.down = [&](const nxr::MouseArgs&, const QPointF& image) { downs.push_back(image); };
+    display->mouse().setMaskHooks(hooks);
+    nxr::RasterView* mask = display->maskLeadView();
+    ASSERT_TRUE(mask->isVisible());
+    QTest::mouseClick(mask, Qt::LeftButton, {}, QPoint(50, 40));
+    ASSERT_EQ(downs.size(), 1u);
+    const QPointF expected = maths().toImage(QPointF(50, 40) * mask->deviceRatio());
+    EXPECT_NEAR(downs[0].x(), expected.x(), 1e-9);
+    EXPECT_EQ(display->GetProperty("Zoom"), QString::number(double(mask->zoom()), 'g', 7));
+}
+
+// ---- the raster view on its own ----
+
+class PaintCounter : public QObject
+{
+public:
+    int paints = 0;
+    bool eventFilter(QObject*, QEvent* e) override
+    {
+        if (e->type() == QEvent::Paint)
+            ++paints;
+        return false;
+    }
+};
+
+TEST(RasterViewTest, AutoRepaintOffHoldsRepaintsUntilSwitchedOn)
+{
+    nxr::RasterView view;
+    view.resize(200, 150);
+    view.setBitmap(testImage(100, 80));
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+    PaintCounter counter;
+    view.installEventFilter(&counter);
+    QTest::qWait(20);
+    counter.paints = 0;
+    view.setAutoRepaint(false);
+    view.setView(300.0f, QPoint(-10, -10));
+    view.setBitmap(testImage(120, 90));
+    QTest::qWait(50);
+    EXPECT_EQ(counter.paints, 0);
+    view.setAutoRepaint(true);
+    QTest::qWait(50);
+    EXPECT_GE(counter.paints, 1);
+    const int before = counter.paints;
+    view.setOrigin(QPoint(-20, -20));
+    QTest::qWait(50);
+    EXPECT_GT(counter.paints, before);
+}
+
+TEST(RasterViewTest, PainterOnTheBitmapDrawsIntoIt)
+{
+    nxr::RasterView view;
+    QImage grey(40, 30, QImage::Format_Grayscale8);
+    grey.fill(10);
+    view.setBitmap(grey);
+    {
+        auto painter = view.bitmapPainter();
+        painter->fillRect(QRect(5, 5, 4, 4), QColor(255, 0, 0));
+    }
+    EXPECT_EQ(view.bitmap().pixel(6, 6), qRgb(255, 0, 0));
+    EXPECT_EQ(qGray(view.bitmap().pixel(0, 0)), 10);
+    EXPECT_EQ(view.bitmapWidth(), 40);
+    view.convertToGrey();
+    EXPECT_EQ(view.bitmap().format(), QImage::Format_Grayscale8);
+}
+
+} // namespace

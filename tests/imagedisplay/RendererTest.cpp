@@ -1,0 +1,149 @@
+// Painting of the visible part of a bitmap, checked pixel by pixel against the viewport model.
+
+#include "imagedisplay/RasterRenderer.h"
+
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <tuple>
+
+using nxr::RasterRenderer;
+
+namespace {
+
+const QColor kBackground(10, 20, 30);
+
+QImage pattern(QImage::Format format, int w, int h)
+{
+    QImage img(w, h, format);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            const int v = (x * 37 + y * 91) % 256;
+            if (format == QImage::Format_Grayscale8)
+                img.scanLine(y)[x] = uchar(v);
+            else
+                img.setPixel(x, y, qRgb(v, (x * 13) % 256, (y * 29) % 256));
+        }
+    return img;
+}
+
+QImage render(RasterRenderer& r, QSize view, float zoom, QPoint origin)
+{
+    QImage target(view, QImage::Format_RGB32);
+    target.fill(Qt::magenta); // anything left unpainted shows up
+    QPainter p(&target);
+    r.paint(p, QRect(QPoint(0, 0), view), zoom, origin);
+    p.end();
+    return target;
+}
+
+using Param = std::tuple<QImage::Format, float, QPoint>;
+
+class NearestAtAndAbove100 : public ::testing::TestWithParam<Param>
+{
+};
+
+TEST_P(NearestAtAndAbove100, EveryScreenPixelShowsTheImagePixelUnderItsCentre)
+{
+    const auto [format, zoom, origin] = GetParam();
+    const QImage src = pattern(format, 37, 23);
+    RasterRenderer r;
+    r.setBackground(kBackground);
+    r.setImage(src);
+    const QSize view(120, 90);
+    const QImage out = render(r, view, zoom, origin);
+    const double s = double(zoom) / 100.0;
+    const int scaledW = int(std::ceil(37 * s - 1e-6));
+    const int scaledH = int(std::ceil(23 * s - 1e-6));
+    for (int Y = 0; Y < view.height(); ++Y)
+        for (int X = 0; X < view.width(); ++X) {
+            const bool inside =
+                X >= origin.x() && X < origin.x() + scaledW && Y >= origin.y() && Y < origin.y() + scaledH;
+            QRgb expected = kBackground.rgb();
+            if (inside) {
+                const int x = std::min(36, int(std::floor((X + 0.5 - origin.x()) / s)));
+                const int y = std::min(22, int(std::floor((Y + 0.5 - origin.y()) / s)));
+                expected = src.pixel(x, y);
+            }
+            ASSERT_EQ(out.pixel(X, Y), expected) << "at " << X << "," << Y;
+        }
+}
+
+INSTANTIATE_TEST_SUITE_P(Grid, NearestAtAndAbove100,
+                         ::testing::Combine(::testing::Values(QImage::Format_Grayscale8, QImage::Format_RGB32,
+                                                              QImage::Format_RGB888),
+                                            ::testing::Values(100.0f, 150.0f, 400.0f, 1600.0f),
+                                            ::testing::Values(QPoint(0, 0), QPoint(7, 3), QPoint(-30, -41))));
+
+TEST(RendererReduction, HalfZoomShowsTheMeanOfEachTwoByTwoBlock)
+{
+    QImage src(4, 2, QImage::Format_Grayscale8);
+    const uchar rows[2][4] = {{0, 100, 200, 255}, {50, 150, 201, 255}};
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 4; ++x)
+            src.scanLine(y)[x] = rows[y][x];
+    RasterRenderer r;
+    r.setImage(src);
+    const QImage out = render(r, QSize(2, 1), 50.0f, QPoint(0, 0));
+    EXPECT_EQ(qGray(out.pixel(0, 0)), 75);  // (0 + 100 + 50 + 150) / 4
+    EXPECT_EQ(qGray(out.pixel(1, 0)), 228); // (200 + 255 + 201 + 255 + 2) / 4
+    EXPECT_EQ(RasterRenderer::levelForZoom(100.0f), 0);
+    EXPECT_EQ(RasterRenderer::levelForZoom(50.0f), 1);
+    EXPECT_EQ(RasterRenderer::levelForZoom(float(100.0 / 3.0)), 1);
+    EXPECT_EQ(RasterRenderer::levelForZoom(25.0f), 2);
+    EXPECT_EQ(RasterRenderer::levelForZoom(6.25f), 4);
+    EXPECT_EQ(RasterRenderer::levelForZoom(400.0f), 0);
+}
+
+TEST(RendererReduction, ColourChannelsAreAveragedSeparately)
+{
+    QImage src(3, 2, QImage::Format_RGB32); // odd width: the last column repeats its edge
+    src.setPixel(0, 0, qRgb(255, 0, 10));
+    src.setPixel(1, 0, qRgb(255, 255, 20));
+    src.setPixel(0, 1, qRgb(254, 1, 30));
+    src.setPixel(1, 1, qRgb(0, 255, 41));
+    src.setPixel(2, 0, qRgb(7, 8, 9));
+    src.setPixel(2, 1, qRgb(9, 8, 7));
+    RasterRenderer r;
+    r.setImage(src);
+    const QImage& half = r.level(1);
+    ASSERT_EQ(half.size(), QSize(2, 1));
+    EXPECT_EQ(half.pixel(0, 0), qRgb(191, 128, 25)); // (764+2)/4, (511+2)/4, (101+2)/4
+    EXPECT_EQ(half.pixel(1, 0), qRgb(8, 8, 8));
+}
+
+TEST(RendererReduction, SmallZoomsKeepTheImageExtentAndColours)
+{
+    const QImage src = pattern(QImage::Format_RGB32, 200, 120);
+    RasterRenderer r;
+    r.setBackground(kBackground);
+    r.setImage(src);
+    for (float zoom : {6.25f, float(100.0 / 3.0), 12.5f, 70.0f}) {
+        const QPoint origin(5, 4);
+        const QImage out = render(r, QSize(160, 100), zoom, origin);
+        const int w = int(std::ceil(200 * zoom / 100.0 - 1e-6));
+        const int h = int(std::ceil(120 * zoom / 100.0 - 1e-6));
+        EXPECT_EQ(out.pixel(origin.x() - 1, origin.y()), kBackground.rgb()) << zoom;
+        EXPECT_EQ(out.pixel(origin.x() + w, origin.y()), kBackground.rgb()) << zoom;
+        EXPECT_EQ(out.pixel(origin.x(), origin.y() + h), kBackground.rgb()) << zoom;
+        EXPECT_NE(out.pixel(origin.x() + w - 1, origin.y() + h - 1), kBackground.rgb()) << zoom;
+        EXPECT_NE(out.pixel(origin.x() + w - 1, origin.y() + h - 1), QColor(Qt::magenta).rgb()) << zoom;
+    }
+}
+
+TEST(RendererBuffer, AChangedBitmapIsPaintedAfresh)
+{
+    QImage src = pattern(QImage::Format_RGB32, 20, 20);
+    RasterRenderer r;
+    r.setImage(src);
+    QImage first = render(r, QSize(40, 40), 200.0f, QPoint(0, 0));
+    src.fill(qRgb(1, 2, 3));
+    r.setImage(src);
+    QImage second = render(r, QSize(40, 40), 200.0f, QPoint(0, 0));
+    EXPECT_NE(first.pixel(5, 5), second.pixel(5, 5));
+    EXPECT_EQ(second.pixel(5, 5), qRgb(1, 2, 3));
+}
+
+} // namespace
