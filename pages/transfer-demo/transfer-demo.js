@@ -2,8 +2,8 @@
 // drives, and upload the cached copy back under a new name, all through NXRFileTransferObject.
 //
 // Against the simulator (sim/controller_sim.py, ports 2121 and 8080 by default):
-//   nexaro-page pages/transfer-demo
-//   nexaro-page --headless --script-arg ftp=PORT --script-arg http=PORT pages/transfer-demo
+//   scripts/demo.sh pages/transfer-demo
+//   nexaro-page --script-arg ftpPort=PORT --script-arg httpPort=PORT pages/transfer-demo
 // With --headless (or --script-arg run=all) the page runs copy, list, drives and upload once.
 
 var args = host.args || {};
@@ -11,8 +11,10 @@ var user = args.user || "robot";
 var password = args.password || "robot";
 
 var transfer = createObject("NXRFileTransferObject");
-transfer.FTPPortNo = Number(args.ftp || 2121);
-transfer.HTTPPortNo = Number(args.http || 8080);
+transfer.FTPPortNo = Number(args.ftpPort || 2121);
+transfer.HTTPPortNo = Number(args.httpPort || 8080);
+if (args.server)
+    txt_Server.text = args.server;
 
 function show(text) {
     status.text = text;
