@@ -58,8 +58,9 @@ TEST(TransferDemoPage, CopiesListsAndUploadsOnTheSimulator)
     QJSEngine engine;
     engine.installExtensions(QJSEngine::ConsoleExtension);
     PageHostStub host;
-    host.m_args = {{"ftp", QString::number(sim.ftpPort())},
-                   {"http", QString::number(sim.httpPort())},
+    host.m_args = {{"ftpPort", QString::number(sim.ftpPort())},
+                   {"httpPort", QString::number(sim.httpPort())},
+                   {"server", sim.host()},
                    {"user", sim.user()},
                    {"password", sim.password()}};
     engine.globalObject().setProperty("host", engine.newQObject(&host));
