@@ -386,8 +386,6 @@ void* ControllerClient::newEasy(Transfer& t, const Session& session, bool ftp, c
     curl_easy_setopt(easy, CURLOPT_CLOSESOCKETDATA, this);
     curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &ControllerClientCallbacks::header);
     curl_easy_setopt(easy, CURLOPT_HEADERDATA, &t);
-    if (qEnvironmentVariableIsSet("NXR_CURL_VERBOSE"))
-        curl_easy_setopt(easy, CURLOPT_VERBOSE, 1L);
     if (ftp) {
         const QByteArray user = session.user.toUtf8();
         const QByteArray password = session.password.toUtf8();
@@ -762,10 +760,8 @@ void ControllerClient::FtpCommand(const QString& commandLine, int /*type*/, int 
     newEasy(t, m_ftp, true, ftpUrl(m_ftp, QString()));
     const QByteArray bytes = command.toUtf8();
     t.trackedCommand = bytes.trimmed();
-    if (!qEnvironmentVariableIsSet("NXR_CURL_VERBOSE")) {
-        curl_easy_setopt(t.easy, CURLOPT_DEBUGFUNCTION, &ControllerClientCallbacks::debug);
-        curl_easy_setopt(t.easy, CURLOPT_DEBUGDATA, &t);
-    }
+    curl_easy_setopt(t.easy, CURLOPT_DEBUGFUNCTION, &ControllerClientCallbacks::debug);
+    curl_easy_setopt(t.easy, CURLOPT_DEBUGDATA, &t);
     curl_easy_setopt(t.easy, CURLOPT_VERBOSE, 1L);
     if (flag != 0) {
         curl_easy_setopt(t.easy, CURLOPT_CUSTOMREQUEST, bytes.constData());
