@@ -244,14 +244,14 @@ TEST_F(FileTransferObjectTest, PoolSharesForceFreesAndRunsOut)
 
     // Ten servers fill the pool; an eleventh gets nothing until one is given back.
     for (int i = 1; i <= 10; ++i)
-        ASSERT_NE(nxr::gfobj_GetFTPObject("T", QString("10.0.0.%1").arg(i)), nullptr);
-    EXPECT_EQ(nxr::gfobj_GetFTPObject("T", "10.0.0.11"), nullptr);
-    EXPECT_TRUE(g_errorTrace.join("").contains("could not allocate new FTP object for 10.0.0.11"));
-    EXPECT_EQ(nxr::gfobj_GetFTPObject("U", "10.0.0.3"), ConnectionPool::instance().clientOf("10.0.0.3"));
-    nxr::gsub_FreeFTPObject("T", "10.0.0.3", false);
+        ASSERT_NE(nxr::gfobj_GetFTPObject("T", QString("127.0.0.%1").arg(i)), nullptr);
+    EXPECT_EQ(nxr::gfobj_GetFTPObject("T", "127.0.0.11"), nullptr);
+    EXPECT_TRUE(g_errorTrace.join("").contains("could not allocate new FTP object for 127.0.0.11"));
+    EXPECT_EQ(nxr::gfobj_GetFTPObject("U", "127.0.0.3"), ConnectionPool::instance().clientOf("127.0.0.3"));
+    nxr::gsub_FreeFTPObject("T", "127.0.0.3", false);
     EXPECT_EQ(ConnectionPool::instance().usedSlots(), 10) << "U still uses it";
-    nxr::gsub_FreeFTPObject("U", "10.0.0.3", false);
-    EXPECT_NE(nxr::gfobj_GetFTPObject("T", "10.0.0.11"), nullptr);
+    nxr::gsub_FreeFTPObject("U", "127.0.0.3", false);
+    EXPECT_NE(nxr::gfobj_GetFTPObject("T", "127.0.0.11"), nullptr);
     ConnectionPool::instance().clear();
 }
 
