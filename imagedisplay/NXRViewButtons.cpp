@@ -21,7 +21,7 @@ namespace {
 const QString kClass = QStringLiteral("NXRViewButtons");
 const QString kSetProperty = QStringLiteral("SetProperty");
 
-struct ButtonSpec
+struct ButtonEntry
 {
     int button;
     const char* name;
@@ -30,7 +30,7 @@ struct ButtonSpec
 };
 
 // The row, left to right. Buttons 11/12 and 18/19 share one check button each.
-const ButtonSpec kButtons[] = {
+const ButtonEntry kButtons[] = {
     {vvb_ContinuousAcquire, "cmd_Live", true, {"Live mode", "ライブ表示"}},
     {vvb_Acquire, "cmd_Acquire", false, {"Snap an image", "画像取り込み"}},
     {vvb_MouseModePointer, "opt_Cursor", true, {"Pointer", "ポインタ"}},
@@ -73,18 +73,18 @@ void NXRViewButtons::createButtons()
     m_cursorGroup = new QButtonGroup(this);
     m_cursorGroup->setExclusive(true);
     int option = 0;
-    for (const ButtonSpec& spec : kButtons) {
+    for (const ButtonEntry& entry : kButtons) {
         auto* b = new QToolButton(this);
-        b->setObjectName(QString::fromLatin1(spec.name) +
-                         (spec.button >= vvb_MouseModePointer && spec.button <= vvb_MouseModeZoomOut
+        b->setObjectName(QString::fromLatin1(entry.name) +
+                         (entry.button >= vvb_MouseModePointer && entry.button <= vvb_MouseModeZoomOut
                               ? QString::number(option)
                               : QString()));
-        b->setCheckable(spec.checkable);
+        b->setCheckable(entry.checkable);
         b->setAutoRaise(true);
-        b->setIcon(nxr::ViewButtonIcons::icon(spec.button));
+        b->setIcon(nxr::ViewButtonIcons::icon(entry.button));
         b->setFocusPolicy(Qt::NoFocus);
-        m_controls[size_t(spec.button)] = b;
-        const int number = spec.button;
+        m_controls[size_t(entry.button)] = b;
+        const int number = entry.button;
         if (number >= vvb_MouseModePointer && number <= vvb_MouseModeZoomOut) {
             m_cursorOptions[size_t(option++)] = b;
             m_cursorGroup->addButton(b, number);
@@ -107,8 +107,8 @@ void NXRViewButtons::createButtons()
 
 void NXRViewButtons::msub_Localize()
 {
-    for (const ButtonSpec& spec : kButtons)
-        m_controls[size_t(spec.button)]->setToolTip(spec.tip.pick());
+    for (const ButtonEntry& entry : kButtons)
+        m_controls[size_t(entry.button)]->setToolTip(entry.tip.pick());
 }
 
 QAbstractButton* NXRViewButtons::buttonControl(int button) const
@@ -250,8 +250,8 @@ void NXRViewButtons::addKeys()
 int NXRViewButtons::preferredWidth(int height) const
 {
     int count = 0;
-    for (const ButtonSpec& spec : kButtons)
-        count += m_controls[size_t(spec.button)]->isHidden() ? 0 : 1;
+    for (const ButtonEntry& entry : kButtons)
+        count += m_controls[size_t(entry.button)]->isHidden() ? 0 : 1;
     return count * height;
 }
 
@@ -261,8 +261,8 @@ void NXRViewButtons::layoutButtons()
               QStringLiteral("entered, h=") + QString::number(height()) + QStringLiteral(", w=") +
                   QString::number(width()));
     int count = 0;
-    for (const ButtonSpec& spec : kButtons)
-        count += m_controls[size_t(spec.button)]->isHidden() ? 0 : 1;
+    for (const ButtonEntry& entry : kButtons)
+        count += m_controls[size_t(entry.button)]->isHidden() ? 0 : 1;
     if (count == 0)
         return;
     // Square buttons as tall as the bar, narrower when the row would not fit.
@@ -272,8 +272,8 @@ void NXRViewButtons::layoutButtons()
                   QString::number(side));
     int x = 0;
     const int iconSide = std::max(8, side - 8);
-    for (const ButtonSpec& spec : kButtons) {
-        QAbstractButton* b = m_controls[size_t(spec.button)];
+    for (const ButtonEntry& entry : kButtons) {
+        QAbstractButton* b = m_controls[size_t(entry.button)];
         if (b->isHidden())
             continue;
         b->setGeometry(x, 0, side, side);

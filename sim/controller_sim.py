@@ -35,6 +35,7 @@ import os
 import random
 import re
 import shutil
+import signal
 import socket
 import sys
 import tempfile
@@ -532,6 +533,8 @@ def main():
     args = parser.parse_args()
 
     logging.basicConfig(level=logging.ERROR)
+    # A polite stop (SIGTERM) cleans up like Ctrl+C does.
+    signal.signal(signal.SIGTERM, lambda *_: (_ for _ in ()).throw(KeyboardInterrupt()))
     if args.start_delay > 0:
         time.sleep(args.start_delay)
 
@@ -575,6 +578,9 @@ def main():
         http.shutdown()
         if made_root and not args.keep_root:
             shutil.rmtree(STATE.root, ignore_errors=True)
+            if not args.log:
+                STATE.log_file.close()
+                os.remove(log_path)
 
 
 if __name__ == "__main__":

@@ -33,7 +33,8 @@ int ConnectionPool::find(const QString& server) const
 std::shared_ptr<ControllerClient> ConnectionPool::getClient(const QString& poolKey, const QString& server)
 {
     const QString routine = QStringLiteral("gfobj_GetFTPObject");
-    NXR_TRACE(kModule, routine, QStringLiteral("Entered, key=") + poolKey + QStringLiteral(", server=") + server);
+    NXR_TRACE(kModule, routine,
+              QStringLiteral("Entered, key=") + poolKey + QStringLiteral(", server=") + server);
     if (server.isEmpty())
         return nullptr;
     if (!m_initialised) {

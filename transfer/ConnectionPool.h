@@ -54,7 +54,8 @@ private:
 };
 
 // The pool under the names the transfer routines use.
-NXR_EXPORT std::shared_ptr<ControllerClient> gfobj_GetFTPObject(const QString& poolKey, const QString& server);
+NXR_EXPORT std::shared_ptr<ControllerClient> gfobj_GetFTPObject(const QString& poolKey,
+                                                                const QString& server);
 NXR_EXPORT void gsub_FreeFTPObject(const QString& poolKey, const QString& server, bool force);
 
 } // namespace nxr

@@ -52,7 +52,8 @@ void checkHost(const QString& host)
     if (host.isEmpty())
         throw TransferError(CURLE_URL_MALFORMAT, QStringLiteral("No host given"));
     if (!valid.match(host).hasMatch())
-        throw TransferError(CURLE_URL_MALFORMAT, QStringLiteral("Invalid host name (") + host + QLatin1Char(')'));
+        throw TransferError(CURLE_URL_MALFORMAT,
+                            QStringLiteral("Invalid host name (") + host + QLatin1Char(')'));
 }
 
 int stallSeconds(int ms)
@@ -288,7 +289,8 @@ void ControllerClient::checkLine(const QString& text, const char* what)
     for (const QChar c : text) {
         if (c == QLatin1Char('\r') || c == QLatin1Char('\n') || c == QChar(0))
             throw TransferError(CURLE_URL_MALFORMAT,
-                                QStringLiteral("Refused: the %1 holds a line break or NUL character").arg(QLatin1String(what)));
+                                QStringLiteral("Refused: the %1 holds a line break or NUL character")
+                                    .arg(QLatin1String(what)));
     }
 }
 
@@ -384,8 +386,6 @@ void* ControllerClient::newEasy(Transfer& t, const Session& session, bool ftp, c
     curl_easy_setopt(easy, CURLOPT_CLOSESOCKETDATA, this);
     curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &ControllerClientCallbacks::header);
     curl_easy_setopt(easy, CURLOPT_HEADERDATA, &t);
-    if (qEnvironmentVariableIsSet("NXR_CURL_VERBOSE"))
-        curl_easy_setopt(easy, CURLOPT_VERBOSE, 1L);
     if (ftp) {
         const QByteArray user = session.user.toUtf8();
         const QByteArray password = session.password.toUtf8();
@@ -409,12 +409,14 @@ void* ControllerClient::newEasy(Transfer& t, const Session& session, bool ftp, c
     return easy;
 }
 
-void ControllerClient::run(Transfer& t)
+void ControllerClient::run(Transfer& t, int& busy)
 {
     ensureMulti();
     const CURLMcode added = curl_multi_add_handle(static_cast<CURLM*>(m_multi), t.easy);
     if (added != CURLM_OK)
         throw TransferError(CURLE_FAILED_INIT, QString::fromLatin1(curl_multi_strerror(added)));
+    // While a session carries a transfer, its state is what the transfer last saw.
+    ++busy;
     m_active.insert(&t);
     updateKick();
     if (!t.done) {
@@ -423,6 +425,7 @@ void ControllerClient::run(Transfer& t)
         loop.exec();
         t.loop = nullptr;
     }
+    busy = qMax(0, busy - 1);
     if (m_closeWhenIdle && m_active.empty())
         QTimer::singleShot(0, this, [keep = shared_from_this()] {
             if (keep->m_closeWhenIdle && keep->m_active.empty())
@@ -527,7 +530,8 @@ void ControllerClient::fail(const Transfer& t, const Session& session, bool ftp)
     QString text;
     const QByteArray reply = !t.trackedReply.isEmpty() ? t.trackedReply : t.lastReply;
     const int replyCode = reply.left(3).toInt();
-    if (ftp && replyCode >= 400 && t.code != CURLE_OPERATION_TIMEDOUT && t.code != CURLE_ABORTED_BY_CALLBACK) {
+    if (ftp && replyCode >= 400 && t.code != CURLE_OPERATION_TIMEDOUT &&
+        t.code != CURLE_ABORTED_BY_CALLBACK) {
         number = replyCode;
         text = QString::fromUtf8(reply);
     } else if (!ftp && t.code == CURLE_HTTP_RETURNED_ERROR && t.responseCode > 0) {
@@ -546,8 +550,8 @@ void ControllerClient::fail(const Transfer& t, const Session& session, bool ftp)
     throw TransferError(number, scrubCredentials(text, secrets));
 }
 
-void ControllerClient::FtpConnect(const QString& host, const QString& user, const QString& password, quint16 port,
-                                  int /*flag*/)
+void ControllerClient::FtpConnect(const QString& host, const QString& user, const QString& password,
+                                  quint16 port, int /*flag*/)
 {
     auto keep = shared_from_this();
     checkHost(host);
@@ -566,13 +570,12 @@ void ControllerClient::FtpConnect(const QString& host, const QString& user, cons
     t.quote = curl_slist_append(nullptr, "NOOP");
     curl_easy_setopt(t.easy, CURLOPT_QUOTE, t.quote);
     curl_easy_setopt(t.easy, CURLOPT_NOBODY, 1L);
-    ++m_busyFtp;
-    run(t);
-    m_busyFtp = qMax(0, m_busyFtp - 1);
+    run(t, m_busyFtp);
     finish(t, m_ftp, true);
 }
 
-void ControllerClient::HttpConnect(const QString& host, const QString& user, const QString& password, quint16 port)
+void ControllerClient::HttpConnect(const QString& host, const QString& user, const QString& password,
+                                   quint16 port)
 {
     auto keep = shared_from_this();
     checkHost(host);
@@ -585,11 +588,10 @@ void ControllerClient::HttpConnect(const QString& host, const QString& user, con
     m_http.configured = true;
     m_probeHttpPort = port;
     Transfer t;
-    newEasy(t, m_http, false, QStringLiteral("http://") + host + QLatin1Char(':') + QString::number(port) + QLatin1Char('/'));
+    newEasy(t, m_http, false,
+            QStringLiteral("http://") + host + QLatin1Char(':') + QString::number(port) + QLatin1Char('/'));
     curl_easy_setopt(t.easy, CURLOPT_NOBODY, 1L);
-    ++m_busyHttp;
-    run(t);
-    m_busyHttp = qMax(0, m_busyHttp - 1);
+    run(t, m_busyHttp);
     finish(t, m_http, false);
 }
 
@@ -664,7 +666,8 @@ bool ControllerClient::Ping(const QString& host)
     return false;
 }
 
-void ControllerClient::download(Session& session, bool ftp, const QString& url, const QString& localPath, int overwrite)
+void ControllerClient::download(Session& session, bool ftp, const QString& url, const QString& localPath,
+                                int overwrite)
 {
     if (localPath.isEmpty())
         throw TransferError(CURLE_WRITE_ERROR, QStringLiteral("No local file name given"));
@@ -677,7 +680,8 @@ void ControllerClient::download(Session& session, bool ftp, const QString& url, 
     const int fd = ::mkstemp(pattern.data());
     if (fd < 0)
         throw TransferError(CURLE_WRITE_ERROR, QStringLiteral("Cannot write into ") + target.absolutePath() +
-                                                   QStringLiteral(": ") + QString::fromLocal8Bit(strerror(errno)));
+                                                   QStringLiteral(": ") +
+                                                   QString::fromLocal8Bit(strerror(errno)));
     ::fcntl(fd, F_SETFD, FD_CLOEXEC);
     ::fchmod(fd, 0644);
     Transfer t;
@@ -689,10 +693,7 @@ void ControllerClient::download(Session& session, bool ftp, const QString& url, 
         curl_easy_setopt(t.easy, CURLOPT_WRITEDATA, &t);
         if (!ftp)
             curl_easy_setopt(t.easy, CURLOPT_FAILONERROR, 1L);
-        int& busy = ftp ? m_busyFtp : m_busyHttp;
-        ++busy;
-        run(t);
-        busy = qMax(0, busy - 1);
+        run(t, ftp ? m_busyFtp : m_busyHttp);
         ok = t.code == CURLE_OK;
         if (::close(fd) != 0 && ok) {
             ok = false;
@@ -702,7 +703,8 @@ void ControllerClient::download(Session& session, bool ftp, const QString& url, 
         if (ok && ::rename(pattern.constData(), QFile::encodeName(localPath).constData()) != 0) {
             const QString why = QString::fromLocal8Bit(strerror(errno));
             ::unlink(pattern.constData());
-            throw TransferError(CURLE_WRITE_ERROR, QStringLiteral("Cannot write ") + localPath + QStringLiteral(": ") + why);
+            throw TransferError(CURLE_WRITE_ERROR,
+                                QStringLiteral("Cannot write ") + localPath + QStringLiteral(": ") + why);
         }
     } catch (...) {
         if (t.fd >= 0)
@@ -715,7 +717,8 @@ void ControllerClient::download(Session& session, bool ftp, const QString& url, 
     finish(t, session, ftp);
 }
 
-void ControllerClient::FtpGetFile(const QString& remotePath, const QString& localPath, int overwrite, int /*reserved*/)
+void ControllerClient::FtpGetFile(const QString& remotePath, const QString& localPath, int overwrite,
+                                  int /*reserved*/)
 {
     auto keep = shared_from_this();
     checkLine(remotePath, "controller path");
@@ -737,8 +740,8 @@ void ControllerClient::HttpGetFile(const QString& remoteUrlPath, const QString& 
     QString path = remoteUrlPath;
     if (!path.startsWith(QLatin1Char('/')))
         path.prepend(QLatin1Char('/'));
-    const QString url = QStringLiteral("http://") + m_http.host + QLatin1Char(':') + QString::number(m_http.port) +
-                        percentEncoded(path, QByteArrayLiteral("/"));
+    const QString url = QStringLiteral("http://") + m_http.host + QLatin1Char(':') +
+                        QString::number(m_http.port) + percentEncoded(path, QByteArrayLiteral("/"));
     download(m_http, false, url, localPath, overwrite);
 }
 
@@ -757,10 +760,8 @@ void ControllerClient::FtpCommand(const QString& commandLine, int /*type*/, int 
     newEasy(t, m_ftp, true, ftpUrl(m_ftp, QString()));
     const QByteArray bytes = command.toUtf8();
     t.trackedCommand = bytes.trimmed();
-    if (!qEnvironmentVariableIsSet("NXR_CURL_VERBOSE")) {
-        curl_easy_setopt(t.easy, CURLOPT_DEBUGFUNCTION, &ControllerClientCallbacks::debug);
-        curl_easy_setopt(t.easy, CURLOPT_DEBUGDATA, &t);
-    }
+    curl_easy_setopt(t.easy, CURLOPT_DEBUGFUNCTION, &ControllerClientCallbacks::debug);
+    curl_easy_setopt(t.easy, CURLOPT_DEBUGDATA, &t);
     curl_easy_setopt(t.easy, CURLOPT_VERBOSE, 1L);
     if (flag != 0) {
         curl_easy_setopt(t.easy, CURLOPT_CUSTOMREQUEST, bytes.constData());
@@ -771,9 +772,7 @@ void ControllerClient::FtpCommand(const QString& commandLine, int /*type*/, int 
         curl_easy_setopt(t.easy, CURLOPT_QUOTE, t.quote);
         curl_easy_setopt(t.easy, CURLOPT_NOBODY, 1L);
     }
-    ++m_busyFtp;
-    run(t);
-    m_busyFtp = qMax(0, m_busyFtp - 1);
+    run(t, m_busyFtp);
     finish(t, m_ftp, true);
     if (flag != 0) {
         // Listings travel as text and the transfer library hands them over with bare LF line
@@ -798,9 +797,12 @@ void ControllerClient::FtpPutFile(const QString& localPath, const QString& remot
         throw TransferError(CURLE_URL_MALFORMAT, QStringLiteral("No controller path given"));
     const int fd = ::open(QFile::encodeName(localPath).constData(), O_RDONLY | O_CLOEXEC);
     if (fd < 0)
-        throw TransferError(CURLE_READ_ERROR, QStringLiteral("Cannot read ") + localPath + QStringLiteral(": ") +
+        throw TransferError(CURLE_READ_ERROR, QStringLiteral("Cannot read ") + localPath +
+                                                  QStringLiteral(": ") +
                                                   QString::fromLocal8Bit(strerror(errno)));
-    struct stat st {};
+    struct stat st
+    {
+    };
     ::fstat(fd, &st);
     Transfer t;
     t.fd = fd;
@@ -810,9 +812,7 @@ void ControllerClient::FtpPutFile(const QString& localPath, const QString& remot
         curl_easy_setopt(t.easy, CURLOPT_READFUNCTION, &ControllerClientCallbacks::readFromFile);
         curl_easy_setopt(t.easy, CURLOPT_READDATA, &t);
         curl_easy_setopt(t.easy, CURLOPT_INFILESIZE_LARGE, curl_off_t(st.st_size));
-        ++m_busyFtp;
-        run(t);
-        m_busyFtp = qMax(0, m_busyFtp - 1);
+        run(t, m_busyFtp);
     } catch (...) {
         ::close(fd);
         throw;

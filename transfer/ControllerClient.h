@@ -49,8 +49,8 @@ public:
     struct Timeouts
     {
         int connectMs = 10000; // TCP connect (and name lookup) of a session
-        int stallMs = 20000; // no byte moving, or no reply to a command, for this long
-        int pingMs = 2000; // reachability probe
+        int stallMs = 20000;   // no byte moving, or no reply to a command, for this long
+        int pingMs = 2000;     // reachability probe
     };
     // Used by clients created afterwards.
     static Timeouts defaultTimeouts();
@@ -63,7 +63,8 @@ public:
     void setTimeouts(const Timeouts& timeouts) { m_timeouts = timeouts; }
 
     // Opens (logs in) the FTP session. flag is accepted for the callers' sake and not used.
-    void FtpConnect(const QString& host, const QString& user, const QString& password, quint16 port, int flag = -1);
+    void FtpConnect(const QString& host, const QString& user, const QString& password, quint16 port,
+                    int flag = -1);
     // Closes both sessions (they can be opened again).
     void Disconnect();
     // A short TCP probe of the host on the FTP port, then the HTTP port (the ports of the last
@@ -72,7 +73,8 @@ public:
     bool Ping(const QString& host);
     // Downloads a file by FTP. The local file appears complete or not at all. overwrite = 0
     // refuses to replace an existing local file.
-    void FtpGetFile(const QString& remotePath, const QString& localPath, int overwrite = -1, int reserved = 0);
+    void FtpGetFile(const QString& remotePath, const QString& localPath, int overwrite = -1,
+                    int reserved = 0);
     // Sends one command line (a trailing CR LF is allowed and removed). flag != 0: the command
     // answers over a data connection (LIST, NLST) and `response` receives that data; flag = 0:
     // `response` receives the server's reply line.
@@ -123,7 +125,7 @@ private:
     void resetMulti();
     void abortAll();
     void* newEasy(Transfer& t, const Session& session, bool ftp, const QString& url);
-    void run(Transfer& t);
+    void run(Transfer& t, int& busy);
     [[noreturn]] void fail(const Transfer& t, const Session& session, bool ftp) const;
     void finish(Transfer& t, Session& session, bool ftp);
     void download(Session& session, bool ftp, const QString& url, const QString& localPath, int overwrite);

@@ -17,7 +17,7 @@ NXR_EXPORT QString FileNameOfPath(const QString& path);
 // "/" removed ("x1.23/b" -> "X123B").
 NXR_EXPORT QString VersionFolderName(const QString& version);
 
-// The host part of a server string: the text before the first ":" ("10.0.0.5:8080" -> "10.0.0.5").
+// The host part of a server string: the text before the first ":" ("127.0.0.5:8080" -> "127.0.0.5").
 NXR_EXPORT QString HostFromServer(const QString& server);
 
 // The URL path of a controller file on the controller's web server:

@@ -22,17 +22,31 @@ DirectoryListing parseLongListing(const QString& response)
     result.files.reserve(lines.size());
     result.folders.reserve(lines.size());
     for (const QString& raw : lines) {
-        const QString line = raw.trimmed();
-        const QStringList fields = line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
-        if (fields.size() != 9)
+        const QStringView line = QStringView(raw).trimmed();
+        // Count the space-separated fields and keep the last one.
+        int fields = 0;
+        QStringView last;
+        qsizetype i = 0;
+        const qsizetype n = line.size();
+        while (i < n) {
+            while (i < n && line[i] == QLatin1Char(' '))
+                ++i;
+            if (i == n)
+                break;
+            const qsizetype start = i;
+            while (i < n && line[i] != QLatin1Char(' '))
+                ++i;
+            ++fields;
+            last = line.mid(start, i - start);
+        }
+        if (fields != 9)
             continue;
-        QString name = fields.last();
-        if (name.endsWith(kEndMarker))
-            name.chop(kEndMarker.size());
-        if (name.isEmpty() || name == kEndMarker || name == QLatin1String("..") || name == QLatin1String(".") ||
-            name.contains(QLatin1Char('*')))
+        if (last.endsWith(kEndMarker))
+            last.chop(kEndMarker.size());
+        if (last.isEmpty() || last == kEndMarker || last == QLatin1String("..") ||
+            last == QLatin1String(".") || last.contains(QLatin1Char('*')))
             continue;
-        (line.startsWith(QLatin1Char('D')) ? result.folders : result.files).append(name);
+        (line.startsWith(QLatin1Char('D')) ? result.folders : result.files).append(last.toString());
     }
     if (result.files.isEmpty())
         result.files = QStringList(lines.size(), QString());

@@ -41,13 +41,19 @@ NXRFileTransferObject::NXRFileTransferObject(QObject* parent) : nxr::ScriptableO
 {
     trace(QStringLiteral("Class_Initialize"), QStringLiteral("Entered"));
     properties()
-        .add(QStringLiteral("VersionID"), [this](const QString& v) { setVersionID(v); }, [this] { return VersionID(); })
+        .add(
+            QStringLiteral("VersionID"), [this](const QString& v) { setVersionID(v); },
+            [this] { return VersionID(); })
         .addReadOnly(QStringLiteral("StorageFolder"), [this] { return StorageFolder(); })
         .addReadOnly(QStringLiteral("NXRBuildID"), [this] { return NXRBuildID(); })
-        .add(QStringLiteral("HTTPPortNo"), [this](const QString& v) { setHTTPPortNo(checkedPort(nxr::toLong(v))); },
-             [this] { return QString::number(m_httpPort); })
-        .add(QStringLiteral("FTPPortNo"), [this](const QString& v) { setFTPPortNo(checkedPort(nxr::toLong(v))); },
-             [this] { return QString::number(m_ftpPort); });
+        .add(
+            QStringLiteral("HTTPPortNo"),
+            [this](const QString& v) { setHTTPPortNo(checkedPort(nxr::toLong(v))); },
+            [this] { return QString::number(m_httpPort); })
+        .add(
+            QStringLiteral("FTPPortNo"),
+            [this](const QString& v) { setFTPPortNo(checkedPort(nxr::toLong(v))); },
+            [this] { return QString::number(m_ftpPort); });
     msub_SetOverwriteFlag();
     core().guard(QStringLiteral("Class_Initialize"), [] { nxr::Globals::storageFolder(); });
     trace(QStringLiteral("Class_Initialize"), QStringLiteral("Done"));
@@ -189,7 +195,8 @@ QString NXRFileTransferObject::localPathFor(const QString& filePath, const QStri
 bool NXRFileTransferObject::FileExists(const QString& vstr_Filename, const QString& vstr_VersionID)
 {
     const QString routine = QStringLiteral("FileExists");
-    trace(routine, QStringLiteral("Entered, file=") + vstr_Filename + QStringLiteral(", version=") + vstr_VersionID);
+    trace(routine,
+          QStringLiteral("Entered, file=") + vstr_Filename + QStringLiteral(", version=") + vstr_VersionID);
     return core().guardValue(routine, false, [&] {
         const QString problem = nxr::checkLocalName(vstr_Filename);
         if (!problem.isEmpty())
@@ -212,7 +219,8 @@ bool NXRFileTransferObject::CopyFile(const QString& vstr_FileServer, const QStri
     bool ok = false;
     try {
         core().guard(routine, [&] {
-            ok = copyFileBody(vstr_FileServer, vstr_FilePath, vstr_FTPUserName, vstr_FTPPassword, vstr_NewFilename);
+            ok = copyFileBody(vstr_FileServer, vstr_FilePath, vstr_FTPUserName, vstr_FTPPassword,
+                              vstr_NewFilename);
         });
     } catch (const FixedTextFailure& f) {
         core().reportError(routine, f.text);
@@ -313,8 +321,8 @@ bool NXRFileTransferObject::ConnectRobot(const QString& poolKey, const QString& 
     return result;
 }
 
-bool NXRFileTransferObject::connectRobotImpl(const QString& poolKey, const QString& server, const QString& user,
-                                             const QString& password, QString* error)
+bool NXRFileTransferObject::connectRobotImpl(const QString& poolKey, const QString& server,
+                                             const QString& user, const QString& password, QString* error)
 {
     const QString routine = QStringLiteral("ConnectRobot");
     trace(routine, QStringLiteral("Connecting robot..."));
@@ -357,13 +365,15 @@ bool NXRFileTransferObject::connectRobotImpl(const QString& poolKey, const QStri
             m_client->FtpConnect(host, user, password, quint16(m_ftpPort), -1);
         } catch (const TransferError& e) {
             nxr::errorTrace(QStringLiteral("NXRFileTransferObject"), routine,
-                            QStringLiteral("FTP connect to ") + host + QStringLiteral(" failed: ") + e.description());
+                            QStringLiteral("FTP connect to ") + host + QStringLiteral(" failed: ") +
+                                e.description());
         }
         try {
             m_client->HttpConnect(host, user, password, quint16(m_httpPort));
         } catch (const TransferError& e) {
             nxr::errorTrace(QStringLiteral("NXRFileTransferObject"), routine,
-                            QStringLiteral("HTTP connect to ") + host + QStringLiteral(" failed: ") + e.description());
+                            QStringLiteral("HTTP connect to ") + host + QStringLiteral(" failed: ") +
+                                e.description());
         }
     }
     m_connectedServer = server;
@@ -387,8 +397,8 @@ void NXRFileTransferObject::DisconnectRobot(bool force)
 
 // ---------------------------------------------------------------- FTP operations with retries
 
-bool NXRFileTransferObject::ensureFtpConnection(const QString& routine, const QString& server, const QString& user,
-                                                const QString& password)
+bool NXRFileTransferObject::ensureFtpConnection(const QString& routine, const QString& server,
+                                                const QString& user, const QString& password)
 {
     dropRetiredClient();
     if (!m_client)
@@ -419,8 +429,8 @@ bool NXRFileTransferObject::withRetry(const QString& routine, const QString& err
             return true;
         } catch (const TransferError& e) {
             nxr::errorTrace(QStringLiteral("NXRFileTransferObject"), routine,
-                            errorPrefix + QString::number(e.number()) + QStringLiteral(", ") + e.description() +
-                                QStringLiteral(", retry=") + QString::number(retries));
+                            errorPrefix + QString::number(e.number()) + QStringLiteral(", ") +
+                                e.description() + QStringLiteral(", retry=") + QString::number(retries));
             if (raise501AtOnce && e.description().contains(QStringLiteral("501")))
                 throw;
             // -1 stands for the default of two retries: three attempts in all.
@@ -442,11 +452,13 @@ QString NXRFileTransferObject::poolServer() const
 }
 
 bool NXRFileTransferObject::UploadFile(const QString& poolKey, const QString& pathA, const QString& server,
-                                       const QString& pathB, const QString& user, const QString& password, int retries)
+                                       const QString& pathB, const QString& user, const QString& password,
+                                       int retries)
 {
     const QString routine = QStringLiteral("UploadFile");
     trace(routine, QStringLiteral("Entered, from: ") + pathA + QStringLiteral(", to: ") + pathB +
-                       QStringLiteral(", server:") + server + QStringLiteral(", retries=") + QString::number(retries));
+                       QStringLiteral(", server:") + server + QStringLiteral(", retries=") +
+                       QString::number(retries));
     ControllerClient::checkLine(pathA, "local path");
     ControllerClient::checkLine(pathB, "controller path");
     if (!m_client || m_poolKey.isEmpty())
@@ -454,8 +466,8 @@ bool NXRFileTransferObject::UploadFile(const QString& poolKey, const QString& pa
     m_server = server;
     m_user = user;
     m_password = password;
-    const bool done = withRetry(routine, QStringLiteral("Error on Put: "), retries, server, user, password, false,
-                                [&] { m_client->FtpPutFile(pathA, pathB, 2); });
+    const bool done = withRetry(routine, QStringLiteral("Error on Put: "), retries, server, user, password,
+                                false, [&] { m_client->FtpPutFile(pathA, pathB, 2); });
     trace(routine, QStringLiteral("Done"));
     return done;
 }
@@ -466,8 +478,9 @@ QString NXRFileTransferObject::mfstr_GetDirectoryList(const QString& path, bool 
     trace(routine, QStringLiteral("Entered, path=") + path);
     ControllerClient::checkLine(path, "path");
     const QString verb = longForm ? QStringLiteral("LIST") : QStringLiteral("NLST");
-    const QString command =
-        path.trimmed().isEmpty() ? verb + QStringLiteral("\r\n") : verb + QLatin1Char(' ') + path + QStringLiteral("\r\n");
+    const QString command = path.trimmed().isEmpty()
+                                ? verb + QStringLiteral("\r\n")
+                                : verb + QLatin1Char(' ') + path + QStringLiteral("\r\n");
     const QString server = poolServer();
     dropRetiredClient();
     if (!m_client)
@@ -489,8 +502,8 @@ void NXRFileTransferObject::ChangeDirectory(const QString& path, int retries)
     ControllerClient::checkLine(path, "path");
     const QString command = QStringLiteral("cwd ") + path + QStringLiteral("\r\n");
     QString response;
-    if (withRetry(routine, QStringLiteral("Error on Command: "), retries, poolServer(), m_user, m_password, true,
-                  [&] { m_client->FtpCommand(command, 2, 0, response); }))
+    if (withRetry(routine, QStringLiteral("Error on Command: "), retries, poolServer(), m_user, m_password,
+                  true, [&] { m_client->FtpCommand(command, 2, 0, response); }))
         m_currentDirectory = path;
 }
 
@@ -532,4 +545,92 @@ QStringList NXRFileTransferObject::listing(const QString& path, bool files)
     m_fileNames = parsed.files;
     m_folderNames = parsed.folders;
     return files ? m_fileNames : m_folderNames;
+}
+
+// ---------------------------------------------------------------- page script members
+
+namespace {
+const QString kScriptKey = QStringLiteral("Page");
+} // namespace
+
+template <typename Body>
+void NXRFileTransferObject::forScript(const QString& routine, const QString& server, const QString& user,
+                                      const QString& password, Body&& body)
+{
+    const bool ownConnection = !m_client;
+    core().guard(routine, [&] {
+        ControllerClient::checkLine(server, "server");
+        if (ownConnection) {
+            QString error;
+            if (!connectRobotImpl(kScriptKey, server, user, password, &error))
+                throw FixedTextFailure{error};
+        }
+        body();
+    });
+    if (ownConnection && m_client) {
+        nxr::gsub_FreeFTPObject(m_poolKey, m_slotServer, false);
+        m_client.reset();
+        m_slotServer.clear();
+        m_poolKey.clear();
+    }
+}
+
+QStringList NXRFileTransferObject::ListFiles(const QString& vstr_FileServer, const QString& vstr_Path,
+                                             const QString& vstr_FTPUserName, const QString& vstr_FTPPassword)
+{
+    QStringList result;
+    try {
+        forScript(QStringLiteral("ListFiles"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
+                  [&] { result = FileListing(vstr_Path); });
+    } catch (const FixedTextFailure& f) {
+        core().reportError(QStringLiteral("ListFiles"), f.text);
+    }
+    return result;
+}
+
+QStringList NXRFileTransferObject::ListFolders(const QString& vstr_FileServer, const QString& vstr_Path,
+                                               const QString& vstr_FTPUserName,
+                                               const QString& vstr_FTPPassword)
+{
+    QStringList result;
+    try {
+        forScript(QStringLiteral("ListFolders"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
+                  [&] { result = FolderListing(vstr_Path); });
+    } catch (const FixedTextFailure& f) {
+        core().reportError(QStringLiteral("ListFolders"), f.text);
+    }
+    return result;
+}
+
+QString NXRFileTransferObject::ListDrives(const QString& vstr_FileServer, const QString& vstr_FTPUserName,
+                                          const QString& vstr_FTPPassword)
+{
+    QString result;
+    try {
+        forScript(QStringLiteral("ListDrives"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
+                  [&] { result = DriveList(); });
+    } catch (const FixedTextFailure& f) {
+        core().reportError(QStringLiteral("ListDrives"), f.text);
+    }
+    return result;
+}
+
+bool NXRFileTransferObject::UploadCachedFile(const QString& vstr_FileServer,
+                                             const QString& vstr_CachedFilename, const QString& vstr_FilePath,
+                                             const QString& vstr_FTPUserName, const QString& vstr_FTPPassword)
+{
+    bool done = false;
+    try {
+        forScript(QStringLiteral("UploadCachedFile"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
+                  [&] {
+                      const QString local = localPathFor(QString(), vstr_CachedFilename);
+                      if (!QFileInfo(local).isFile())
+                          throw Failure(QStringLiteral("The cache holds no file ") + vstr_CachedFilename);
+                      done = UploadFile(m_poolKey, local, vstr_FileServer, vstr_FilePath, vstr_FTPUserName,
+                                        vstr_FTPPassword, -1);
+                  });
+    } catch (const FixedTextFailure& f) {
+        core().reportError(QStringLiteral("UploadCachedFile"), f.text);
+    }
+    return done;
 }

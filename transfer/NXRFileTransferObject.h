@@ -57,6 +57,20 @@ public:
     // True for version numbers up to 64 (every negative number included).
     Q_INVOKABLE bool CheckVNUM(int vlng_VNUMtoCheck);
 
+    // ---- For page scripts: listings and uploads that report failures through LastErrorString and
+    // OnError instead of throwing. Each takes the pooled connection to the server and gives it
+    // back at the end, like CopyFile. An upload sends a file of the cache folder (a plain file
+    // name, as CopyFile's new name), never an arbitrary local file.
+    Q_INVOKABLE QStringList ListFiles(const QString& vstr_FileServer, const QString& vstr_Path,
+                                      const QString& vstr_FTPUserName, const QString& vstr_FTPPassword);
+    Q_INVOKABLE QStringList ListFolders(const QString& vstr_FileServer, const QString& vstr_Path,
+                                        const QString& vstr_FTPUserName, const QString& vstr_FTPPassword);
+    Q_INVOKABLE QString ListDrives(const QString& vstr_FileServer, const QString& vstr_FTPUserName,
+                                   const QString& vstr_FTPPassword);
+    Q_INVOKABLE bool UploadCachedFile(const QString& vstr_FileServer, const QString& vstr_CachedFilename,
+                                      const QString& vstr_FilePath, const QString& vstr_FTPUserName,
+                                      const QString& vstr_FTPPassword);
+
     QString VersionID() const;
     void setVersionID(const QString& value);
     QString StorageFolder() const;
@@ -76,7 +90,8 @@ public:
 
     // Takes a pooled connection under poolKey and connects it (FTP and HTTP). False when the host
     // does not answer or no session came up (LastErrorString tells).
-    bool ConnectRobot(const QString& poolKey, const QString& server, const QString& user, const QString& password);
+    bool ConnectRobot(const QString& poolKey, const QString& server, const QString& user,
+                      const QString& password);
     // Gives the connection back to the pool when it is connected (force: see ConnectionPool).
     void DisconnectRobot(bool force);
     // FTP upload of the local file pathA to the controller path pathB, with the retry rule
@@ -104,8 +119,8 @@ public:
 private:
     bool connected() const;
     void dropRetiredClient();
-    bool copyFileBody(const QString& server, const QString& filePath, const QString& user, const QString& password,
-                      const QString& newFilename);
+    bool copyFileBody(const QString& server, const QString& filePath, const QString& user,
+                      const QString& password, const QString& newFilename);
     bool httpDownload(const QString& remote, const QString& localPath, QString* why);
     void reconnectForPorts();
     bool ensureFtpConnection(const QString& routine, const QString& server, const QString& user,
@@ -118,6 +133,9 @@ private:
     bool withRetry(const QString& routine, const QString& errorPrefix, int retries, const QString& server,
                    const QString& user, const QString& password, bool raise501AtOnce, Operation&& operation);
     QStringList listing(const QString& path, bool files);
+    template <typename Body>
+    void forScript(const QString& routine, const QString& server, const QString& user,
+                   const QString& password, Body&& body);
     void trace(const QString& routine, const QString& message) const;
 
     std::shared_ptr<nxr::ControllerClient> m_client;

@@ -56,7 +56,8 @@ void copyFile(benchmark::State& state, bool http, const std::string& name)
     }
     for (auto _ : state) {
         const auto start = std::chrono::steady_clock::now();
-        const bool ok = transfer.CopyFile(g_sim->host(), kBigPath, g_sim->user(), g_sim->password(), QString());
+        const bool ok =
+            transfer.CopyFile(g_sim->host(), kBigPath, g_sim->user(), g_sim->password(), QString());
         const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
         if (!ok || QFile(transfer.lastLocalPath()).size() != qint64(kBigMb) * 1024 * 1024) {
             state.SkipWithError(transfer.LastErrorString().toStdString().c_str());
@@ -76,7 +77,9 @@ void curlTool(benchmark::State& state, const QStringList& args, const std::strin
         QFile::remove(target);
         const auto start = std::chrono::steady_clock::now();
         QProcess curl;
-        curl.start(QStringLiteral("curl"), QStringList{QStringLiteral("-s"), QStringLiteral("-S"), QStringLiteral("-o"), target} + args);
+        curl.start(QStringLiteral("curl"),
+                   QStringList{QStringLiteral("-s"), QStringLiteral("-S"), QStringLiteral("-o"), target} +
+                       args);
         curl.waitForFinished(120000);
         const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
         if (curl.exitCode() != 0 || QFile(target).size() != qint64(kBigMb) * 1024 * 1024) {
@@ -96,7 +99,8 @@ void BM_CopyFileHttp(benchmark::State& state)
 
 void BM_CurlToolHttp(benchmark::State& state)
 {
-    curlTool(state, {QStringLiteral("http://%1:%2/MD/BIG.BIN").arg(g_sim->host()).arg(g_sim->httpPort())}, "curl HTTP");
+    curlTool(state, {QStringLiteral("http://%1:%2/MD/BIG.BIN").arg(g_sim->host()).arg(g_sim->httpPort())},
+             "curl HTTP");
 }
 
 void BM_CopyFileFtp(benchmark::State& state)
@@ -117,8 +121,12 @@ void BM_ParseListing10000(benchmark::State& state)
 {
     QString response;
     for (int i = 0; i < 10000; ++i) {
-        response += i % 10 == 0 ? QStringLiteral("drwxrwxrwx   1 root     root              0 Nov 21 05:12 folder%1\r\n").arg(i)
-                                : QStringLiteral("-rw-rw-rw-   1 root     root         123456 Nov 21 05:12 image%1.png\r\n").arg(i);
+        response +=
+            i % 10 == 0
+                ? QStringLiteral("drwxrwxrwx   1 root     root              0 Nov 21 05:12 folder%1\r\n")
+                      .arg(i)
+                : QStringLiteral("-rw-rw-rw-   1 root     root         123456 Nov 21 05:12 image%1.png\r\n")
+                      .arg(i);
     }
     for (auto _ : state) {
         nxr::DirectoryListing listing = nxr::parseLongListing(response);
@@ -156,8 +164,8 @@ int main(int argc, char** argv)
         const double ours = g_best[std::string("CopyFile ") + proto];
         const double tool = g_best[std::string("curl ") + proto];
         if (ours > 0 && tool > 0)
-            std::printf("%s: CopyFile %.0f MiB/s, curl tool %.0f MiB/s, ratio %.2f (best of the runs)\n", proto,
-                        ours / 1048576.0, tool / 1048576.0, ours / tool);
+            std::printf("%s: CopyFile %.0f MiB/s, curl tool %.0f MiB/s, ratio %.2f (best of the runs)\n",
+                        proto, ours / 1048576.0, tool / 1048576.0, ours / tool);
     }
     nxr::ConnectionPool::instance().clear();
     return 0;

@@ -1,9 +1,10 @@
 // The controller client against the simulator, over real FTP and HTTP.
 
+#include "transfer/ControllerClient.h"
 #include "ControllerSimulator.h"
 #include "TransferTestSupport.h"
-#include "transfer/ControllerClient.h"
 
+#include <QImage>
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -105,8 +106,8 @@ TEST_F(ControllerClientTest, LineBreaksAndNulAreRefusedBeforeAnythingIsSent)
     connectBoth();
     ASSERT_TRUE(sim->clearLog());
     QString response;
-    const QString bad[] = {"NOOP\r\nDELE MC:\\SUMMARY.DG", "cwd MC:\\A\nDELE X", QString("cwd MC:\\A") + QChar(0) + "X",
-                           "LIST MC:\\A\r\n\r\n"};
+    const QString bad[] = {"NOOP\r\nDELE MC:\\SUMMARY.DG", "cwd MC:\\A\nDELE X",
+                           QString("cwd MC:\\A") + QChar(0) + "X", "LIST MC:\\A\r\n\r\n"};
     for (const QString& command : bad)
         EXPECT_THROW(client->FtpCommand(command, 2, 0, response), TransferError);
     EXPECT_THROW(client->FtpGetFile("MC:\\A\rB.TXT", localFile("x")), TransferError);
@@ -207,6 +208,26 @@ TEST_F(ControllerClientTest, StatesTellTheTruthAfterTheControllerWentAway)
     EXPECT_EQ(client->FtpState(), 1);
     client->FtpGetFile("MC:\\VISION\\TOOLS.TXT", localFile("t.txt"));
     EXPECT_TRUE(QFile::exists(localFile("t.txt")));
+}
+
+TEST_F(ControllerClientTest, CameraSnapsChangingImages)
+{
+    connectBoth();
+    EXPECT_EQ(sim->snap(640, 480, true), "MC:\\CAMERA\\SNAP.JPG");
+    client->HttpGetFile("/MC/CAMERA/SNAP.JPG", localFile("a.jpg"));
+    sim->snap(640, 480, true);
+    client->HttpGetFile("/MC/CAMERA/SNAP.JPG", localFile("b.jpg"));
+    const QImage a(localFile("a.jpg"));
+    const QImage b(localFile("b.jpg"));
+    EXPECT_EQ(a.size(), QSize(640, 480));
+    EXPECT_NE(a, b) << "every snap shows a new picture";
+
+    EXPECT_EQ(sim->snap(2592, 1944, false, "MC:\\CAMERA\\BIG.PNG"), "MC:\\CAMERA\\BIG.PNG");
+    client->FtpGetFile("MC:\\CAMERA\\BIG.PNG", localFile("big.png"));
+    const QImage big(localFile("big.png"));
+    EXPECT_EQ(big.size(), QSize(2592, 1944));
+    EXPECT_TRUE(big.isGrayscale());
+    EXPECT_EQ(sim->snap(100, 100, true), "") << "sizes outside the camera's range are refused";
 }
 
 TEST_F(ControllerClientTest, PingProbesTheHost)

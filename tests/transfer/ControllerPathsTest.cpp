@@ -15,7 +15,7 @@ TEST(ControllerPaths, FileNamesAndHosts)
     EXPECT_EQ(FileNameOfPath("A\\B.PNG"), "B.PNG");
     EXPECT_EQ(FileNameOfPath(""), "");
     EXPECT_EQ(FileNameOfPath("MC:\\A\\"), "");
-    EXPECT_EQ(HostFromServer("10.0.0.5:8080"), "10.0.0.5");
+    EXPECT_EQ(HostFromServer("127.0.0.5:8080"), "127.0.0.5");
     EXPECT_EQ(HostFromServer("robot1"), "robot1");
     EXPECT_EQ(VersionFolderName(" x1.23/b "), "X123B");
     EXPECT_EQ(VersionFolderName("V9.40P/01"), "V940P01");

@@ -46,12 +46,18 @@ bool ControllerSimulator::start()
         m_logPath = m_root + QStringLiteral("-protocol.log");
     }
     QStringList args{simulatorScript(),
-                     QStringLiteral("--ftp-port"), QString::number(m_options.ftpPort),
-                     QStringLiteral("--http-port"), QString::number(m_options.httpPort),
-                     QStringLiteral("--user"), m_options.user,
-                     QStringLiteral("--password"), m_options.password,
-                     QStringLiteral("--root"), m_root,
-                     QStringLiteral("--log"), m_logPath,
+                     QStringLiteral("--ftp-port"),
+                     QString::number(m_options.ftpPort),
+                     QStringLiteral("--http-port"),
+                     QString::number(m_options.httpPort),
+                     QStringLiteral("--user"),
+                     m_options.user,
+                     QStringLiteral("--password"),
+                     m_options.password,
+                     QStringLiteral("--root"),
+                     m_root,
+                     QStringLiteral("--log"),
+                     m_logPath,
                      QStringLiteral("--keep-root")};
     if (m_options.anonymous)
         args << QStringLiteral("--anonymous");
@@ -62,7 +68,8 @@ bool ControllerSimulator::start()
     m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process->start(simulatorPython(), args);
     if (!m_process->waitForStarted(10000)) {
-        m_error = QStringLiteral("cannot start ") + simulatorPython() + QStringLiteral(": ") + m_process->errorString();
+        m_error = QStringLiteral("cannot start ") + simulatorPython() + QStringLiteral(": ") +
+                  m_process->errorString();
         m_process.reset();
         return false;
     }

@@ -27,7 +27,7 @@ public:
         QString user = QStringLiteral("robot");
         QString password = QStringLiteral("robot");
         bool anonymous = false;
-        int bigFileMb = 0; // > 0: the simulator also holds MD:\BIG.BIN of that many MiB
+        int bigFileMb = 0;   // > 0: the simulator also holds MD:\BIG.BIN of that many MiB
         quint16 ftpPort = 0; // 0: a free port
         quint16 httpPort = 0;
         QString root; // empty: a fresh temporary device tree, removed with the fixture
@@ -69,7 +69,8 @@ public:
     bool setFault(const QString& name, int value) const;
     bool resetFaults() const;
     // Takes a new camera image into `controllerPath` (default MC:\CAMERA\SNAP.JPG).
-    QString snap(int width = 640, int height = 480, bool color = true, const QString& controllerPath = {}) const;
+    QString snap(int width = 640, int height = 480, bool color = true,
+                 const QString& controllerPath = {}) const;
 
     // The protocol log: every line, or the lines starting with `prefix` with the prefix removed
     // (prefix "FTP> " gives the commands the client sent).

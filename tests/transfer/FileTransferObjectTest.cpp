@@ -96,7 +96,8 @@ TEST_F(FileTransferObjectTest, CopyFileTakesHttpFirst)
     EXPECT_EQ(countStarting(ftpCommands(), "RETR"), 0);
 
     ASSERT_TRUE(copy(o, "MC:\\VISION\\TOOLS.TXT", "renamed.txt"));
-    EXPECT_EQ(readAll(nxr::Globals::storageFolder() + "/renamed.txt"), sim->readFile("MC:\\VISION\\TOOLS.TXT"));
+    EXPECT_EQ(readAll(nxr::Globals::storageFolder() + "/renamed.txt"),
+              sim->readFile("MC:\\VISION\\TOOLS.TXT"));
 }
 
 TEST_F(FileTransferObjectTest, ErrorPageFallsBackToFtpButLowerCaseTagIsAFile)
@@ -123,7 +124,8 @@ TEST_F(FileTransferObjectTest, MissingFileFailsWithoutLeavingAFile)
     usePorts(o);
     QSignalSpy errors(&o, &NXRFileTransferObject::OnError);
     EXPECT_FALSE(copy(o, "MC:\\VISION\\NOPE.PNG"));
-    EXPECT_TRUE(o.LastErrorString().startsWith("Error in CopyFile: 550")) << o.LastErrorString().toStdString();
+    EXPECT_TRUE(o.LastErrorString().startsWith("Error in CopyFile: 550"))
+        << o.LastErrorString().toStdString();
     EXPECT_EQ(errors.count(), 1);
     EXPECT_FALSE(QFile::exists(nxr::Globals::storageFolder() + "/NOPE.PNG"));
     EXPECT_TRUE(filesIn(nxr::Globals::storageFolder()).isEmpty());
@@ -136,7 +138,8 @@ TEST_F(FileTransferObjectTest, DroppedDownloadLeavesNoFile)
     ASSERT_TRUE(sim->writeFile("MC:\\BIG\\DATA.BIN", QByteArray(300000, 'd')));
     ASSERT_TRUE(sim->setFault("drop_after", 20000));
     EXPECT_FALSE(copy(o, "MC:\\BIG\\DATA.BIN"));
-    EXPECT_TRUE(filesIn(nxr::Globals::storageFolder()).isEmpty()) << filesIn(nxr::Globals::storageFolder()).join(',').toStdString();
+    EXPECT_TRUE(filesIn(nxr::Globals::storageFolder()).isEmpty())
+        << filesIn(nxr::Globals::storageFolder()).join(',').toStdString();
 }
 
 TEST_F(FileTransferObjectTest, VersionCacheIsReusedWithoutNetwork)
@@ -167,9 +170,11 @@ TEST_F(FileTransferObjectTest, LocalNamesStayInsideTheCache)
 {
     NXRFileTransferObject o;
     usePorts(o);
-    for (const QString& name : {QString(".."), QString("../evil.txt"), QString("/tmp/evil.txt"), QString("a\\b")}) {
+    for (const QString& name :
+         {QString(".."), QString("../evil.txt"), QString("/tmp/evil.txt"), QString("a\\b")}) {
         EXPECT_FALSE(copy(o, "MC:\\VISION\\TOOLS.TXT", name)) << name.toStdString();
-        EXPECT_TRUE(o.LastErrorString().startsWith("Error in CopyFile: Invalid local file name")) << o.LastErrorString().toStdString();
+        EXPECT_TRUE(o.LastErrorString().startsWith("Error in CopyFile: Invalid local file name"))
+            << o.LastErrorString().toStdString();
     }
     EXPECT_FALSE(copy(o, "MC:\\../../evil.txt"));
     EXPECT_FALSE(copy(o, "MC:\\VISION\\TOOLS.TXT\r\nDELE MC:\\SUMMARY.DG"));
@@ -239,14 +244,14 @@ TEST_F(FileTransferObjectTest, PoolSharesForceFreesAndRunsOut)
 
     // Ten servers fill the pool; an eleventh gets nothing until one is given back.
     for (int i = 1; i <= 10; ++i)
-        ASSERT_NE(nxr::gfobj_GetFTPObject("T", QString("10.0.0.%1").arg(i)), nullptr);
-    EXPECT_EQ(nxr::gfobj_GetFTPObject("T", "10.0.0.11"), nullptr);
-    EXPECT_TRUE(g_errorTrace.join("").contains("could not allocate new FTP object for 10.0.0.11"));
-    EXPECT_EQ(nxr::gfobj_GetFTPObject("U", "10.0.0.3"), ConnectionPool::instance().clientOf("10.0.0.3"));
-    nxr::gsub_FreeFTPObject("T", "10.0.0.3", false);
+        ASSERT_NE(nxr::gfobj_GetFTPObject("T", QString("127.0.0.%1").arg(i)), nullptr);
+    EXPECT_EQ(nxr::gfobj_GetFTPObject("T", "127.0.0.11"), nullptr);
+    EXPECT_TRUE(g_errorTrace.join("").contains("could not allocate new FTP object for 127.0.0.11"));
+    EXPECT_EQ(nxr::gfobj_GetFTPObject("U", "127.0.0.3"), ConnectionPool::instance().clientOf("127.0.0.3"));
+    nxr::gsub_FreeFTPObject("T", "127.0.0.3", false);
     EXPECT_EQ(ConnectionPool::instance().usedSlots(), 10) << "U still uses it";
-    nxr::gsub_FreeFTPObject("U", "10.0.0.3", false);
-    EXPECT_NE(nxr::gfobj_GetFTPObject("T", "10.0.0.11"), nullptr);
+    nxr::gsub_FreeFTPObject("U", "127.0.0.3", false);
+    EXPECT_NE(nxr::gfobj_GetFTPObject("T", "127.0.0.11"), nullptr);
     ConnectionPool::instance().clear();
 }
 
@@ -314,11 +319,12 @@ TEST_F(FileTransferObjectTest, RetryRules)
     }
     EXPECT_EQ(countOf(ftpCommands(), "STOR MC:\\NOFOLDER\\UP.TXT"), 3) << "-1 means three attempts";
     ASSERT_TRUE(sim->clearLog());
-    EXPECT_THROW(o.UploadFile("Masks", file, sim->host(), "MC:\\NOFOLDER\\UP.TXT", sim->user(), sim->password(), 1),
-                 TransferError);
+    EXPECT_THROW(
+        o.UploadFile("Masks", file, sim->host(), "MC:\\NOFOLDER\\UP.TXT", sim->user(), sim->password(), 1),
+        TransferError);
     EXPECT_EQ(countOf(ftpCommands(), "STOR MC:\\NOFOLDER\\UP.TXT"), 2);
-    EXPECT_TRUE(o.UploadFile("Masks", file, sim->host(), "MC:\\VISION\\UP.TXT", sim->user(), sim->password(), -1));
-    EXPECT_EQ(sim->readFile("MC:\\VISION\\UP.TXT"), QByteArray("payload"));
+    EXPECT_TRUE(o.UploadFile("Masks", file, sim->host(), "TD:\\UP.TXT", sim->user(), sim->password(), -1));
+    EXPECT_EQ(sim->readFile("TD:\\UP.TXT"), QByteArray("payload"));
 
     ASSERT_TRUE(sim->clearLog());
     EXPECT_THROW(o.ChangeDirectory("MC:\\NO_SUCH", -1), TransferError);
@@ -372,6 +378,37 @@ TEST_F(FileTransferObjectTest, ReentrantCopiesShareTheConnectionSafely)
     EXPECT_EQ(readAll(inner.lastLocalPath()), sim->readFile("MC:\\VISION\\TOOLS.TXT"));
 }
 
+TEST_F(FileTransferObjectTest, ScriptMembersReportInsteadOfThrowing)
+{
+    NXRFileTransferObject o;
+    usePorts(o);
+    QSignalSpy errors(&o, &NXRFileTransferObject::OnError);
+    EXPECT_EQ(o.ListFiles(sim->host(), "MC:\\VISION", sim->user(), sim->password()),
+              QStringList({"COLOR800.JPG", "GREY640.PNG", "TOOLS.TXT"}));
+    EXPECT_TRUE(o.ListDrives(sim->host(), sim->user(), sim->password()).contains("MDB:"));
+    EXPECT_EQ(ConnectionPool::instance().usedSlots(), 0);
+
+    ASSERT_TRUE(copy(o, "MC:\\VISION\\TOOLS.TXT", "mine.txt"));
+    EXPECT_TRUE(o.UploadCachedFile(sim->host(), "mine.txt", "TD:\\MINE.TXT", sim->user(), sim->password()));
+    EXPECT_EQ(sim->readFile("TD:\\MINE.TXT"), sim->readFile("MC:\\VISION\\TOOLS.TXT"));
+    EXPECT_EQ(errors.count(), 0);
+
+    // Only files of the cache go up; failures become LastErrorString and one OnError each.
+    EXPECT_FALSE(
+        o.UploadCachedFile(sim->host(), "../../etc/passwd", "TD:\\X.TXT", sim->user(), sim->password()));
+    EXPECT_TRUE(o.LastErrorString().startsWith("Error in UploadCachedFile: Invalid local file name"));
+    EXPECT_FALSE(
+        o.UploadCachedFile(sim->host(), "mine.txt", "TD:\\NOFOLDER\\X.TXT", sim->user(), sim->password()));
+    EXPECT_TRUE(o.LastErrorString().startsWith("Error in UploadCachedFile: 550"))
+        << o.LastErrorString().toStdString();
+    EXPECT_TRUE(o.ListFolders(sim->host(), "MC:\\NO_SUCH", sim->user(), sim->password()).isEmpty());
+    EXPECT_TRUE(o.LastErrorString().startsWith("Error in ListFolders: 550"))
+        << o.LastErrorString().toStdString();
+    EXPECT_EQ(errors.count(), 3);
+    EXPECT_FALSE(sim->readFile("TD:\\X.TXT").size() > 0);
+    EXPECT_EQ(ConnectionPool::instance().usedSlots(), 0);
+}
+
 TEST_F(FileTransferObjectTest, DriveListNeedsAnOpenSession)
 {
     NXRFileTransferObject o;
@@ -389,7 +426,8 @@ TEST_F(FileTransferObjectTest, PoolSurvivesAControllerRestart)
     ASSERT_TRUE(sim->restart(0.5));
     ASSERT_TRUE(o.CopyFile(sim->host(), "MC:\\VISION\\GREY640.PNG", sim->user(), sim->password(), ""))
         << o.LastErrorString().toStdString();
-    EXPECT_EQ(readAll(nxr::Globals::storageFolder() + "/GREY640.PNG"), sim->readFile("MC:\\VISION\\GREY640.PNG"));
+    EXPECT_EQ(readAll(nxr::Globals::storageFolder() + "/GREY640.PNG"),
+              sim->readFile("MC:\\VISION\\GREY640.PNG"));
     EXPECT_EQ(o.client(), client) << "the same pooled client reconnected";
     EXPECT_TRUE(o.FileListing("MC:\\VISION").contains("TOOLS.TXT"));
     o.DisconnectRobot(false);
@@ -449,7 +487,8 @@ TEST_F(FileTransferObjectTest, ControlForwardsCopyFile)
     EXPECT_EQ(ctl.GetProperty("LastErrorString"), "Error: unknown property (Other)");
 
     EXPECT_FALSE(ctl.CopyFile(sim->host(), "MC:\\VISION\\TOOLS.TXT", sim->user(), sim->password(), ".."));
-    EXPECT_TRUE(ctl.LastErrorString().startsWith("Error in CopyFile: Invalid local file name")) << ctl.LastErrorString().toStdString();
+    EXPECT_TRUE(ctl.LastErrorString().startsWith("Error in CopyFile: Invalid local file name"))
+        << ctl.LastErrorString().toStdString();
     ASSERT_NE(ctl.transferObject(), nullptr);
     usePorts(*ctl.transferObject());
     EXPECT_TRUE(ctl.CopyFile(sim->host(), "MC:\\VISION\\TOOLS.TXT", sim->user(), sim->password(), ""));

@@ -49,13 +49,14 @@ protected:
 
         port = freePort();
         // Runs as the launching user, without chroot or privilege separation: fine for a test.
-        const QString config = QStringLiteral("listen=YES\nlisten_ipv6=NO\nlisten_address=127.0.0.1\nlisten_port=%1\n"
-                                              "background=NO\nrun_as_launching_user=YES\nanonymous_enable=YES\n"
-                                              "anon_root=%2\nno_anon_password=YES\nlocal_enable=NO\nwrite_enable=NO\n"
-                                              "seccomp_sandbox=NO\nsecure_chroot_dir=%3\nxferlog_enable=NO\n"
-                                              "pasv_enable=YES\npasv_address=127.0.0.1\ncheck_shell=NO\n")
-                                   .arg(port)
-                                   .arg(root, temp.filePath("empty"));
+        const QString config =
+            QStringLiteral("listen=YES\nlisten_ipv6=NO\nlisten_address=127.0.0.1\nlisten_port=%1\n"
+                           "background=NO\nrun_as_launching_user=YES\nanonymous_enable=YES\n"
+                           "anon_root=%2\nno_anon_password=YES\nlocal_enable=NO\nwrite_enable=NO\n"
+                           "seccomp_sandbox=NO\nsecure_chroot_dir=%3\nxferlog_enable=NO\n"
+                           "pasv_enable=YES\npasv_address=127.0.0.1\ncheck_shell=NO\n")
+                .arg(port)
+                .arg(root, temp.filePath("empty"));
         QFile conf(temp.filePath("vsftpd.conf"));
         ASSERT_TRUE(conf.open(QIODevice::WriteOnly));
         conf.write(config.toUtf8());
@@ -97,7 +98,8 @@ TEST_F(ThirdPartyFtpTest, DownloadAndListingWithUnixPaths)
     o.setFTPPortNo(port);
     o.setHTTPPortNo(freePort()); // no web server there: the copy goes by FTP alone
     const QString file = root + "/pub/hello.txt";
-    ASSERT_TRUE(o.CopyFile("127.0.0.1", file, "anonymous", "guest", "hello.txt")) << o.LastErrorString().toStdString();
+    ASSERT_TRUE(o.CopyFile("127.0.0.1", file, "anonymous", "guest", "hello.txt"))
+        << o.LastErrorString().toStdString();
     EXPECT_EQ(readAll(o.lastLocalPath()), QByteArray("hello from a real daemon\n"));
     EXPECT_EQ(o.lastLocalPath(), nxr::Globals::storageFolder() + "/hello.txt");
 
