@@ -26,8 +26,16 @@ DisplayLoading::DisplayLoading(NXRImageDisplay& display)
     ToolbarClickHandler& clicks = display.toolbarClicks();
     clicks.setAction(vvb_ContinuousAcquire, [this] { m_live.turnOn(); });
     clicks.setAction(vvb_Acquire, [this] { m_live.requestAbort(); }); // nothing outside live mode
-    display.mouse().setZoomClickDeferral(
-        [this](const MouseArgs& a) { return m_live.deferMouseDown(a.button, a.shift, a.x, a.y); });
+    // Zoom clicks that arrive while an image is on its way wait for it, in live mode (the live-mode
+    // busy flag) and outside it, so that they apply, in order, to the image that arrives.
+    display.mouse().setZoomClickDeferral([this](const MouseArgs& a) {
+        if (m_live.deferMouseDown(a.button, a.shift, a.x, a.y))
+            return true;
+        if (!m_loader.isLoading())
+            return false;
+        m_live.enqueueMouseDown(a.button, a.shift, a.x, a.y);
+        return true;
+    });
 }
 
 DisplayLoading::~DisplayLoading()

@@ -2,8 +2,8 @@
 // Image loading, saving and live mode of the image display: the display's public members
 // LoadImage, SaveCurrentImage, AbortLiveMode, CurrentImageFilename, WaitOnDisplay and the
 // "LiveMode" key forward here. Wires the loader and live mode to the display's timers, state
-// flags, tool bar (live and snap buttons), mouse dispatcher (zoom clicks queued while a live
-// image loads) and events (OnLiveModeToggled, OnButtonClicked("Snap"), OnZoomChanged).
+// flags, tool bar (live and snap buttons), mouse dispatcher (zoom clicks queued while an image
+// loads) and events (OnLiveModeToggled, OnButtonClicked("Snap"), OnZoomChanged).
 
 #include "frame/Export.h"
 #include "imagedisplay/loading/ControllerFiles.h"

@@ -124,9 +124,14 @@ bool LiveMode::deferMouseDown(int button, int shift, double x, double y)
 {
     if (!isBusy())
         return false;
+    enqueueMouseDown(button, shift, x, y);
+    return true;
+}
+
+void LiveMode::enqueueMouseDown(int button, int shift, double x, double y)
+{
     m_queue.append(QStringList{kMouseDownHandler, QString::number(button), QString::number(shift),
                                fromDouble(x), fromDouble(y)});
-    return true;
 }
 
 void LiveMode::processQueue()

@@ -55,6 +55,9 @@ public:
     // A zoom click on the main raster view. While live mode is busy it is queued (true returned)
     // and must not be handled now.
     bool deferMouseDown(int button, int shift, double x, double y);
+    // Queues a zoom click unconditionally (the display also holds clicks back while a load
+    // outside live mode runs).
+    void enqueueMouseDown(int button, int shift, double x, double y);
     int queuedCount() const { return int(m_queue.size()); }
     // msub_ProcessLiveModeQueue: replays the queued clicks in arrival order and empties the queue.
     void processQueue();

@@ -226,6 +226,24 @@ TEST_F(DisplayLoadingTest, ZoomClicksDuringALiveLoadAreAppliedInOrderAfterIt)
                 ViewMaths::integerZoom(ViewMaths::integerZoom(start * 2.0, true) * 2.0, true) / 2.0, 0.01);
     display->AbortLiveMode();
     EXPECT_EQ(display->GetProperty("LiveMode"), "False");
+
+    // Outside live mode too: a click during the transfer of an image of another size waits for
+    // the fit of the new image and zooms it, instead of zooming the old one and being undone.
+    put("MC:\\E2E\\SMALL.PNG", pattern(640, 480, 7, false));
+    QTimer::singleShot(0, display.get(), [&] {
+        QTest::mouseClick(display->leadView(), Qt::LeftButton, {},
+                          QPoint(lead.width() / 2, lead.height() / 2));
+        queuedDuringLoad = display->loading().live().queuedCount();
+    });
+    load("MC:\\E2E\\SMALL.PNG");
+    EXPECT_EQ(queuedDuringLoad, 1);
+    EXPECT_EQ(shown().size(), QSize(640, 480));
+    const float clicked = display->Zoom();
+    display->LoadImage("", "", "", ""); // clear, then the same load without a click
+    load("MC:\\E2E\\SMALL.PNG");
+    const float fitted = display->Zoom();
+    EXPECT_FLOAT_EQ(clicked, ViewMaths::integerZoom(fitted * 2.0, true));
+    EXPECT_EQ(errors, 0);
 }
 
 TEST_F(DisplayLoadingTest, PanAndZoomMadeWhileLiveImagesStreamAreKept)
