@@ -95,8 +95,12 @@ function takePicture() {
 // Snap: a new picture, shown; in live mode the display asks for the next one by itself.
 function snap() {
     var path = takePicture();
-    if (!path)
+    if (!path) {
+        // Without a picture live mode would wait for ever: end it.
+        if (display.GetProperty("LiveMode") === "True")
+            display.AbortLiveMode();
         return;
+    }
     var before = display.LastErrorString;
     display.LoadImage(controller.server, path, controller.user, controller.password);
     ++frames;
