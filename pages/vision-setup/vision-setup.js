@@ -49,6 +49,7 @@ var controller = args.server ? {
 var zoomEvents = [];
 var pageButtons = [];
 var frames = 0;
+var cameraProblem = "";
 
 function status(text) {
     statusLine.text = text;
@@ -64,7 +65,7 @@ display.OnZoomChanged.connect(function (zoom) {
 });
 display.OnLiveModeToggled.connect(function (on) {
     status(on ? "Live mode on: pictures stream from the camera; Snap ends it"
-              : "Live mode off after " + frames + " pictures");
+              : "Live mode off after " + frames + " pictures" + (cameraProblem ? ": " + cameraProblem : ""));
 });
 display.OnButtonClicked.connect(function (name) {
     pageButtons.push(name);
@@ -86,9 +87,11 @@ function takePicture() {
     request.open("GET", url, false);
     request.send();
     if (request.status !== 200) {
-        status("Camera did not answer (" + request.status + " " + request.statusText + ")");
+        cameraProblem = "the camera did not answer (" + request.status + " " + request.statusText + ")";
+        status("Error: " + cameraProblem);
         return "";
     }
+    cameraProblem = "";
     return String(request.responseText).trim();
 }
 
