@@ -26,38 +26,21 @@ ViewMaths makeView(QSize image, QSize area, float zoom)
 
 // ---- integer zoom ----
 
-struct IntegerZoomCase
+TEST(ViewMathsZoom, IntegerZoomSnapsToWholePixelZooms)
 {
-    double wanted;
-    bool nearest;
-    float expected;
-};
-
-class IntegerZoom : public ::testing::TestWithParam<IntegerZoomCase>
-{
-};
-
-TEST_P(IntegerZoom, SnapsToWholePixelZooms)
-{
-    const IntegerZoomCase c = GetParam();
-    EXPECT_EQ(ViewMaths::integerZoom(c.wanted, c.nearest), c.expected) << "wanted " << c.wanted;
+    const std::tuple<double, bool, float> table[] = {
+        {0, true, 100.0f}, {-5, true, 100.0f}, {std::nan(""), true, 100.0f}, {45, true, 50.0f},
+        {30, true, float(100.0 / 3.0)}, {250, true, 300.0f}, {249, true, 200.0f}, {100, true, 100.0f},
+        {200, true, 200.0f},
+        // zoom in from 100 and from 33.33 (single precision): 200 and 50, not 66.67 or 100
+        {double(100.0f) * 2.0, true, 200.0f}, {double(float(100.0 / 3.0)) * 2.0, true, 50.0f},
+        // zoom out from 50 and from 300
+        {double(50.0f) / 2.0, true, 25.0f}, {150, true, 200.0f},
+        // not nearest: never above the wanted zoom (but for the small slack)
+        {30.86, false, 25.0f}, {34, false, float(100.0 / 3.0)}, {190, false, 100.0f}, {390, false, 300.0f}};
+    for (const auto& [wanted, nearest, expected] : table)
+        EXPECT_EQ(ViewMaths::integerZoom(wanted, nearest), expected) << "wanted " << wanted << " " << nearest;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, IntegerZoom,
-    ::testing::Values(IntegerZoomCase{0, true, 100.0f}, IntegerZoomCase{-5, true, 100.0f},
-                      IntegerZoomCase{std::nan(""), true, 100.0f}, IntegerZoomCase{45, true, 50.0f},
-                      IntegerZoomCase{30, true, float(100.0 / 3.0)}, IntegerZoomCase{250, true, 300.0f},
-                      IntegerZoomCase{249, true, 200.0f}, IntegerZoomCase{100, true, 100.0f},
-                      IntegerZoomCase{200, true, 200.0f},
-                      // zoom in from 100 and from 33.33 (single precision): 200 and 50, not 66.67 or 100
-                      IntegerZoomCase{double(100.0f) * 2.0, true, 200.0f},
-                      IntegerZoomCase{double(float(100.0 / 3.0)) * 2.0, true, 50.0f},
-                      // zoom out from 50 and from 300
-                      IntegerZoomCase{double(50.0f) / 2.0, true, 25.0f}, IntegerZoomCase{150, true, 200.0f},
-                      // not nearest: never above the wanted zoom (but for the small slack)
-                      IntegerZoomCase{30.86, false, 25.0f}, IntegerZoomCase{34, false, float(100.0 / 3.0)},
-                      IntegerZoomCase{190, false, 100.0f}, IntegerZoomCase{390, false, 300.0f}));
 
 TEST(ViewMathsZoom, SafeZoomClampsButDirectZoomDoesNot)
 {
@@ -273,13 +256,10 @@ TEST(ViewMathsWheel, AtTheZoomLimitsNothingMoves)
 
 TEST(ViewMathsWheel, StepsClimbTheIntegerZoomLadder)
 {
-    EXPECT_EQ(ViewMaths::wheelZoom(100, 1), 200.0f);
-    EXPECT_EQ(ViewMaths::wheelZoom(100, -1), 50.0f);
-    EXPECT_EQ(ViewMaths::wheelZoom(200, -1), 100.0f);
-    EXPECT_EQ(ViewMaths::wheelZoom(50, 1), 100.0f);
-    EXPECT_EQ(ViewMaths::wheelZoom(float(100.0 / 3.0), 1), 50.0f);
-    EXPECT_EQ(ViewMaths::wheelZoom(25, 1), float(100.0 / 3.0));
-    EXPECT_EQ(ViewMaths::wheelZoom(100, 2), 300.0f);
+    for (auto [from, steps, to] : {std::tuple{100.0f, 1, 200.0f}, {100.0f, -1, 50.0f}, {200.0f, -1, 100.0f},
+                                   {50.0f, 1, 100.0f}, {float(100.0 / 3.0), 1, 50.0f}, {25.0f, 1, float(100.0 / 3.0)},
+                                   {100.0f, 2, 300.0f}})
+        EXPECT_EQ(ViewMaths::wheelZoom(from, steps), to) << from << " " << steps;
     // Every rung is an integer zoom and the walk is strictly monotonic both ways.
     float z = 1.0f;
     for (int i = 0; i < 40; ++i) {
@@ -326,62 +306,31 @@ TEST(DisplayLayoutTest, PartsStackInsideTheMarginAndRespectTheMinimum)
 
 // ---- names, passing rules, status text ----
 
-TEST(ViewButtonNames, LookupByNumber)
+TEST(ToolbarPassing, NameThePageHears)
 {
-    EXPECT_EQ(nxr::viewButtonName(vvb_ContinuousAcquire), "LiveMode");
-    EXPECT_EQ(nxr::viewButtonName(vvb_DefaultZoom), "ZoomDefault");
-    EXPECT_EQ(nxr::viewButtonName(vvb_PixelGrid), "");
-    EXPECT_EQ(nxr::viewButtonName(vvb_LaserOff), "LaserOff");
-    EXPECT_EQ(nxr::viewButtonName(20), "");
-    EXPECT_EQ(nxr::viewButtonName(-1), "");
+    // button, was live, live now, editing a mask or window: the name, "" for none
+    const std::tuple<int, bool, bool, bool, const char*> table[] = {
+        {vvb_ContinuousAcquire, false, false, false, "LiveMode"},
+        {vvb_ContinuousAcquire, false, true, false, "Snap"},
+        {vvb_Acquire, false, false, false, "Snap"},
+        {vvb_Acquire, true, false, false, ""}, // the snap that ended live mode
+        {vvb_Acquire, true, true, false, "Snap"}, {vvb_Open, false, false, false, ""},
+        {vvb_Save, false, false, false, "Save"}, {vvb_MouseModePan, false, false, false, ""},
+        {vvb_MouseModeZoomOut, false, false, false, ""}, {vvb_FitImage, false, false, false, "ZoomFitImage"},
+        {vvb_DefaultZoom, false, false, false, "ZoomDefault"}, {vvb_FitImage, false, false, true, ""},
+        {vvb_FitImage, true, true, false, ""}, {vvb_LaserOn, false, false, true, "LaserOn"},
+        {vvb_LaserOff, true, true, false, "LaserOff"}, {vvb_Save, false, false, true, ""},
+        {vvb_PixelGrid, false, false, false, "Unknown"}, {42, false, false, true, ""}};
+    for (const auto& [button, wasLive, liveNow, editing, expected] : table)
+        EXPECT_EQ(nxr::ToolbarClickHandler::nameToPass(button, wasLive, liveNow, editing), QString::fromLatin1(expected))
+            << button << " " << wasLive << liveNow << editing;
 }
-
-struct PassCase
-{
-    int button;
-    bool wasLive;
-    bool liveNow;
-    bool editing;
-    const char* expected;
-};
-
-class Passing : public ::testing::TestWithParam<PassCase>
-{
-};
-
-TEST_P(Passing, NameThePageHears)
-{
-    const PassCase c = GetParam();
-    EXPECT_EQ(nxr::ToolbarClickHandler::nameToPass(c.button, c.wasLive, c.liveNow, c.editing),
-              QString::fromLatin1(c.expected));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rules, Passing,
-    ::testing::Values(
-        PassCase{vvb_ContinuousAcquire, false, false, false, "LiveMode"},
-        PassCase{vvb_ContinuousAcquire, false, true, false, "Snap"},
-        PassCase{vvb_Acquire, false, false, false, "Snap"},
-        PassCase{vvb_Acquire, true, false, false, ""}, // the snap that ended live mode
-        PassCase{vvb_Acquire, true, true, false, "Snap"}, PassCase{vvb_Open, false, false, false, ""},
-        PassCase{vvb_Save, false, false, false, "Save"}, PassCase{vvb_MouseModePan, false, false, false, ""},
-        PassCase{vvb_MouseModeZoomOut, false, false, false, ""},
-        PassCase{vvb_FitImage, false, false, false, "ZoomFitImage"},
-        PassCase{vvb_FitImage, false, false, true, ""}, PassCase{vvb_FitImage, true, true, false, ""},
-        PassCase{vvb_LaserOn, false, false, true, "LaserOn"},
-        PassCase{vvb_LaserOff, true, true, false, "LaserOff"}, PassCase{vvb_Save, false, false, true, ""},
-        PassCase{vvb_PixelGrid, false, false, false, "Unknown"}, PassCase{42, false, false, true, ""}));
 
 TEST(StatusBarText, ZoomFormat)
 {
-    EXPECT_EQ(NXRStatusBar::zoomText(100.0f), "100%");
-    EXPECT_EQ(NXRStatusBar::zoomText(200.0f), "200%");
-    EXPECT_EQ(NXRStatusBar::zoomText(33.333332f), "33.33%");
-    EXPECT_EQ(NXRStatusBar::zoomText(12.5f), "12.5%");
-    EXPECT_EQ(NXRStatusBar::zoomText(float(100.0 / 7.0)), "14.29%");
-    EXPECT_EQ(NXRStatusBar::zoomText(6.25f), "6.25%");
-    EXPECT_EQ(NXRStatusBar::zoomText(0.5f), "0.5%");
-    EXPECT_EQ(NXRStatusBar::zoomText(1600.0f), "1600%");
+    for (auto [zoom, text] : {std::pair{100.0f, "100%"}, {33.333332f, "33.33%"}, {12.5f, "12.5%"},
+                              {float(100.0 / 7.0), "14.29%"}, {6.25f, "6.25%"}, {0.5f, "0.5%"}, {1600.0f, "1600%"}})
+        EXPECT_EQ(NXRStatusBar::zoomText(zoom), text) << zoom;
 }
 
 } // namespace

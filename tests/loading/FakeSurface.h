@@ -29,8 +29,6 @@ public:
     bool busyPointer = false;
     int repaints = 0;
     int reinitializations = 0;
-    int fits = 0;
-    QSize viewport{640, 480};
     QStringList toolBar; // "key=value" in order
     std::vector<MouseDown> replayed;
     std::function<void(const MouseDown&)> onReplay;
@@ -48,10 +46,7 @@ public:
     }
     float fitImage() override
     {
-        ++fits;
-        zoomValue = image.isNull() ? 100.0f
-                                   : std::min(viewport.width() * 100.0f / image.width(),
-                                              viewport.height() * 100.0f / image.height());
+        zoomValue = image.isNull() ? 100.0f : std::min(64000.0f / image.width(), 48000.0f / image.height());
         scroll = QPointF();
         return zoomValue;
     }
