@@ -64,6 +64,13 @@ protected:
             names << args.at(0).toString();
         return names;
     }
+    // A 2592 x 1944 image at the given zoom and scroll position.
+    void showBig(float zoom, QPoint scroll = QPoint())
+    {
+        display->showImage(testImage(2592, 1944));
+        display->setZoom(zoom);
+        display->viewport().setScrollPosition(scroll);
+    }
     // A point of the image view in widget (logical) coordinates, from device pixels.
     QPoint logical(QPointF device) { return (device / lead()->deviceRatio()).toPoint(); }
 
@@ -217,12 +224,10 @@ TEST_F(Display, MouseModeAndOpenClicksRaiseNoPageEvent)
 {
     display->showImage(testImage(640, 480));
     zooms->clear();
-    click(vvb_MouseModePan);
-    EXPECT_EQ(display->mouseMode(), 2);
-    click(vvb_MouseModeZoomOut);
-    EXPECT_EQ(display->mouseMode(), 4);
-    click(vvb_MouseModePointer);
-    EXPECT_EQ(display->mouseMode(), 1);
+    for (auto [button, mode] : {std::pair{vvb_MouseModePan, 2}, {vvb_MouseModeZoomOut, 4}, {vvb_MouseModePointer, 1}}) {
+        click(button);
+        EXPECT_EQ(display->mouseMode(), mode);
+    }
     click(vvb_Open);
     EXPECT_EQ(pageClicks->count(), 0);
     EXPECT_EQ(zooms->count(), 4); // every action ends with OnZoomChanged
@@ -232,9 +237,22 @@ TEST_F(Display, MouseModeAndOpenClicksRaiseNoPageEvent)
     EXPECT_EQ(pageNames(), QStringList({"Save", "CrosshairOn", "CrosshairOff"}));
 }
 
-TEST_F(Display, WhileAMaskIsEditedFitZoomsSilentlyAndTheLaserStillPasses)
+TEST_F(Display, DefaultZoomAndFitPassOutsideEditingWhileAMaskIsEditedFitIsSilent)
 {
-    display->showImage(testImage(2592, 1944));
+    showBig(400);
+    click(vvb_DefaultZoom);
+    EXPECT_EQ(display->Zoom(), 100.0f);
+    // centred on the image centre
+    const QPointF centre =
+        maths().toImage(QPointF(maths().visibleSize().width() / 2.0, maths().visibleSize().height() / 2.0));
+    EXPECT_NEAR(centre.x(), 1296, 1.0);
+    EXPECT_NEAR(centre.y(), 972, 1.0);
+    click(vvb_FitImage);
+    EXPECT_EQ(display->Zoom(), nxr::ViewMaths::fitZoom(maths().usableArea().height(),
+                                                       maths().usableArea().width(), 1944, 2592, false));
+    EXPECT_EQ(pageNames(), QStringList({"ZoomDefault", "ZoomFitImage"}));
+
+    pageClicks->clear();
     display->setZoom(400);
     display->state().editMaskMode = 1;
     display->editModeChanged();
@@ -247,24 +265,8 @@ TEST_F(Display, WhileAMaskIsEditedFitZoomsSilentlyAndTheLaserStillPasses)
     EXPECT_EQ(zooms->at(0).at(0).toFloat(), display->Zoom());
     EXPECT_EQ(display->statusBar()->zoomLabelText(), NXRStatusBar::zoomText(display->Zoom()));
     click(vvb_Save);
-    click(vvb_LaserOn);
+    click(vvb_LaserOn); // the laser still passes
     EXPECT_EQ(pageNames(), QStringList({"LaserOn"}));
-}
-
-TEST_F(Display, DefaultZoomAndFitOutsideEditing)
-{
-    display->showImage(testImage(2592, 1944));
-    click(vvb_DefaultZoom);
-    EXPECT_EQ(display->Zoom(), 100.0f);
-    // centred on the image centre
-    const QPointF centre =
-        maths().toImage(QPointF(maths().visibleSize().width() / 2.0, maths().visibleSize().height() / 2.0));
-    EXPECT_NEAR(centre.x(), 1296, 1.0);
-    EXPECT_NEAR(centre.y(), 972, 1.0);
-    click(vvb_FitImage);
-    EXPECT_EQ(display->Zoom(), nxr::ViewMaths::fitZoom(maths().usableArea().height(),
-                                                       maths().usableArea().width(), 1944, 2592, false));
-    EXPECT_EQ(pageNames(), QStringList({"ZoomDefault", "ZoomFitImage"}));
 }
 
 TEST_F(Display, OkAndCancelReachThePageAfterTheClick)
@@ -297,9 +299,7 @@ TEST_F(Display, ClosingWhileEditingCancelsTheEdit)
 
 TEST_F(Display, ZoomModeClicksDoubleAndHalveAtTheClickedPoint)
 {
-    display->showImage(testImage(2592, 1944));
-    display->setZoom(100);
-    display->viewport().setScrollPosition(QPoint(900, 700));
+    showBig(100, QPoint(900, 700));
     click(vvb_MouseModeZoomIn);
     zooms->clear();
     const QPointF device(300, 200);
@@ -353,11 +353,9 @@ TEST_F(Display, WheelZoomKeepsThePointUnderTheCursor)
     EXPECT_EQ(zooms->count(), 0);
 }
 
-TEST_F(Display, PanDragMovesTheImageWithTheMouse)
+TEST_F(Display, PanDragAndScrollBarsMoveTheView)
 {
-    display->showImage(testImage(2592, 1944));
-    display->setZoom(100);
-    display->viewport().setScrollPosition(QPoint(500, 400));
+    showBig(100, QPoint(500, 400));
     click(vvb_MouseModePan);
     mouse(QEvent::MouseButtonPress, QPoint(200, 200), Qt::LeftButton, Qt::LeftButton);
     mouse(QEvent::MouseMove, QPoint(180, 190), Qt::NoButton, Qt::LeftButton);
@@ -369,12 +367,7 @@ TEST_F(Display, PanDragMovesTheImageWithTheMouse)
     // Moving without the button does not pan.
     mouse(QEvent::MouseMove, QPoint(10, 10), Qt::NoButton, Qt::NoButton);
     EXPECT_EQ(maths().scrollPosition(), QPoint(500, 400) + moved);
-}
-
-TEST_F(Display, ScrollBarsMoveTheView)
-{
-    display->showImage(testImage(2592, 1944));
-    display->setZoom(100);
+    // The bars move the view too.
     QScrollBar* v = display->viewport().verticalBar();
     ASSERT_TRUE(v->isVisible());
     EXPECT_EQ(v->maximum(), maths().scrollMaximum().y());
@@ -421,9 +414,7 @@ TEST_F(Display, AtHundredPercentOneImagePixelCoversOneDevicePixel)
 
 TEST_F(Display, DiagnosticDumpOfTheViewRectangles)
 {
-    display->showImage(testImage(2592, 1944));
-    display->setZoom(50);
-    display->viewport().setScrollPosition(QPoint(100, 60));
+    showBig(50, QPoint(100, 60));
     const QStringList lines = display->viewport().dimensionLines();
     ASSERT_EQ(lines.size(), 4);
     EXPECT_EQ(lines[0], "Scale (L, T) (W, H)    = (-100, -60) (1296, 972)");

@@ -59,43 +59,30 @@ TEST(ViewMathsZoom, SafeZoomClampsButDirectZoomDoesNot)
 
 // ---- fit ----
 
-struct FitCase
+TEST(ViewMathsFit, WholeImageFitsWithoutScrollBarsAndIsCentred)
 {
-    QSize image;
-    QSize area;
-    float expected;
-};
-
-class Fit : public ::testing::TestWithParam<FitCase>
-{
-};
-
-TEST_P(Fit, WholeImageFitsWithoutScrollBarsAndIsCentred)
-{
-    const FitCase c = GetParam();
-    ViewMaths v = makeView(c.image, c.area, 100);
-    const float zoom =
-        ViewMaths::fitZoom(c.area.height(), c.area.width(), c.image.height(), c.image.width(), false);
-    EXPECT_FLOAT_EQ(zoom, c.expected);
-    v.focusedZoom(zoom, c.image.width() / 2.0, c.image.height() / 2.0);
-    EXPECT_FALSE(v.horizontalBarNeeded());
-    EXPECT_FALSE(v.verticalBarNeeded());
-    const QRectF dest = v.destinationRect();
-    EXPECT_GE(dest.left(), 0);
-    EXPECT_GE(dest.top(), 0);
-    EXPECT_LE(dest.right(), c.area.width() + 1e-6);
-    EXPECT_LE(dest.bottom(), c.area.height() + 1e-6);
-    // centred within a pixel
-    EXPECT_LE(std::abs(dest.left() - (c.area.width() - dest.right())), 1.0 + 1e-6);
-    EXPECT_LE(std::abs(dest.top() - (c.area.height() - dest.bottom())), 1.0 + 1e-6);
+    for (auto [image, area, expected] : {std::tuple{QSize(2000, 500), QSize(400, 300), 20.0f},
+                                         {QSize(500, 2000), QSize(400, 300), float(100.0 / 7.0)},
+                                         {QSize(2592, 1944), QSize(800, 600), 25.0f},
+                                         {QSize(100, 50), QSize(800, 600), 800.0f},
+                                         {QSize(640, 480), QSize(640, 480), 100.0f}}) {
+        SCOPED_TRACE(std::to_string(image.width()) + "x" + std::to_string(image.height()));
+        ViewMaths v = makeView(image, area, 100);
+        const float zoom = ViewMaths::fitZoom(area.height(), area.width(), image.height(), image.width(), false);
+        EXPECT_FLOAT_EQ(zoom, expected);
+        v.focusedZoom(zoom, image.width() / 2.0, image.height() / 2.0);
+        EXPECT_FALSE(v.horizontalBarNeeded());
+        EXPECT_FALSE(v.verticalBarNeeded());
+        const QRectF dest = v.destinationRect();
+        EXPECT_GE(dest.left(), 0);
+        EXPECT_GE(dest.top(), 0);
+        EXPECT_LE(dest.right(), area.width() + 1e-6);
+        EXPECT_LE(dest.bottom(), area.height() + 1e-6);
+        // centred within a pixel
+        EXPECT_LE(std::abs(dest.left() - (area.width() - dest.right())), 1.0 + 1e-6);
+        EXPECT_LE(std::abs(dest.top() - (area.height() - dest.bottom())), 1.0 + 1e-6);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Table, Fit,
-                         ::testing::Values(FitCase{QSize(2000, 500), QSize(400, 300), 20.0f},
-                                           FitCase{QSize(500, 2000), QSize(400, 300), float(100.0 / 7.0)},
-                                           FitCase{QSize(2592, 1944), QSize(800, 600), 25.0f},
-                                           FitCase{QSize(100, 50), QSize(800, 600), 800.0f},
-                                           FitCase{QSize(640, 480), QSize(640, 480), 100.0f}));
 
 TEST(ViewMathsFit, OptimalZoomOfNothingIs100AndEmptyViewAssumes512x480)
 {

@@ -12,8 +12,10 @@
 #include "imagedisplay/ViewMaths.h"
 #include "imagedisplay/loading/DisplayLoading.h"
 #include "imagedisplay/loading/ImageFile.h"
+#include "transfer/NXRFileTransferObject.h"
 
 #include <QAbstractButton>
+#include <QDir>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTest>
@@ -79,14 +81,14 @@ std::unique_ptr<nxr::test::ControllerSimulator> DisplayLoadingTest::sim;
 
 TEST_F(DisplayLoadingTest, LoadsKeepingTheViewForEqualSizesRefittingOtherwiseAndEmptyPathClears)
 {
-    put("MC:\\E2E\\A.PNG", pattern(640, 480, 1, false));
-    put("MC:\\E2E\\B.PNG", pattern(640, 480, 2, false));
+    put("MC:\\E2E\\A.PNG", pattern(640, 480, 1));
+    put("MC:\\E2E\\B.PNG", pattern(640, 480, 2));
     put("MC:\\E2E\\C.JPG", pattern(1280, 1024, 3, true), ImageFileFormat::Jpeg);
     QSignalSpy zoom(display.get(), &NXRImageDisplay::OnZoomChanged);
 
     load("MC:\\E2E\\A.PNG");
     ASSERT_EQ(errors, 0) << display->LastErrorString().toStdString();
-    EXPECT_EQ(shown(), pattern(640, 480, 1, false));
+    EXPECT_EQ(shown(), pattern(640, 480, 1));
     EXPECT_EQ(zoom.count(), 1);
     EXPECT_EQ(display->GetProperty("OriginalFilename"), "A.PNG");
     EXPECT_EQ(display->CurrentImageFilename(), Globals::storageFolder() + "/MC/E2E/image.PNG");
@@ -99,7 +101,7 @@ TEST_F(DisplayLoadingTest, LoadsKeepingTheViewForEqualSizesRefittingOtherwiseAnd
     ASSERT_NE(scrollBefore, QPoint());
     zoom.clear();
     load("MC:\\E2E\\B.PNG");
-    EXPECT_EQ(shown(), pattern(640, 480, 2, false));
+    EXPECT_EQ(shown(), pattern(640, 480, 2));
     EXPECT_FLOAT_EQ(display->Zoom(), zoomBefore);
     EXPECT_EQ(display->viewport().maths().scrollPosition(), scrollBefore);
     EXPECT_EQ(zoom.count(), 0);
@@ -119,7 +121,7 @@ TEST_F(DisplayLoadingTest, LoadsKeepingTheViewForEqualSizesRefittingOtherwiseAnd
 
 TEST_F(DisplayLoadingTest, NonImageGivesTheMessageAndAnEmptyDisplayOutsideLiveMode)
 {
-    put("MC:\\E2E\\A.PNG", pattern(64, 48, 1, false));
+    put("MC:\\E2E\\A.PNG", pattern(64, 48, 1));
     load("MC:\\E2E\\A.PNG");
     ASSERT_TRUE(sim->writeFile("MC:\\E2E\\NOTE.JPG", "just some text, no picture\r\n"));
     load("MC:\\E2E\\NOTE.JPG");
@@ -176,8 +178,8 @@ TEST_F(DisplayLoadingTest, LiveCycleFromTheLiveButtonUntilTheSnapButtonEndsIt)
 
 TEST_F(DisplayLoadingTest, ZoomClicksDuringALiveLoadAreAppliedInOrderAfterIt)
 {
-    put("MC:\\E2E\\BIG.PNG", pattern(2592, 1944, 5, false));
-    put("MC:\\E2E\\BIG2.PNG", pattern(2592, 1944, 6, false));
+    put("MC:\\E2E\\BIG.PNG", pattern(2592, 1944, 5));
+    put("MC:\\E2E\\BIG2.PNG", pattern(2592, 1944, 6));
     load("MC:\\E2E\\BIG.PNG");
     display->SetProperty("LiveMode", "True");
     display->mouse().setMouseMode(MouseDispatcher::ZoomIn);
@@ -194,10 +196,10 @@ TEST_F(DisplayLoadingTest, ZoomClicksDuringALiveLoadAreAppliedInOrderAfterIt)
     });
     load("MC:\\E2E\\BIG2.PNG");
     EXPECT_EQ(queuedDuringLoad, 3);
-    EXPECT_EQ(imageDuringClicks, pattern(2592, 1944, 5, false)); // nothing applied to the old one
+    EXPECT_EQ(imageDuringClicks, pattern(2592, 1944, 5)); // nothing applied to the old one
     EXPECT_EQ(display->loading().live().queuedCount(), 0);
     // x2, x2, /2 in that order, on the new image.
-    EXPECT_EQ(shown(), pattern(2592, 1944, 6, false));
+    EXPECT_EQ(shown(), pattern(2592, 1944, 6));
     EXPECT_NEAR(display->Zoom(),
                 ViewMaths::integerZoom(ViewMaths::integerZoom(start * 2.0, true) * 2.0, true) / 2.0, 0.01);
     display->AbortLiveMode();
@@ -205,7 +207,7 @@ TEST_F(DisplayLoadingTest, ZoomClicksDuringALiveLoadAreAppliedInOrderAfterIt)
 
     // Outside live mode too: a click during the transfer of an image of another size waits for
     // the fit of the new image and zooms it, instead of zooming the old one and being undone.
-    put("MC:\\E2E\\SMALL.PNG", pattern(640, 480, 7, false));
+    put("MC:\\E2E\\SMALL.PNG", pattern(640, 480, 7));
     QTimer::singleShot(0, display.get(), [&] {
         clickAt(1 / 2.0);
         queuedDuringLoad = display->loading().live().queuedCount();
@@ -254,11 +256,35 @@ TEST_F(DisplayLoadingTest, SaveRoundTripPerFormatAndNoImageToSave)
 
     // An image the page showed from a local file is the current one too.
     const QString localFile = nxr::testing::usePrivateTempFolder() + "/page-image.png";
-    ImageFile::write(pattern(30, 20, 8, false), localFile, ImageFileFormat::Png);
+    ImageFile::write(pattern(30, 20, 8), localFile, ImageFileFormat::Png);
     display->LoadLocalImage(localFile);
     save("MC:\\E2E\\LOCAL.PNG");
-    EXPECT_EQ(ImageFile::read(sim->localPathOf("MC:\\E2E\\LOCAL.PNG")), pattern(30, 20, 8, false));
+    EXPECT_EQ(ImageFile::read(sim->localPathOf("MC:\\E2E\\LOCAL.PNG")), pattern(30, 20, 8));
     EXPECT_EQ(errors, 1);
+}
+
+// The display's road to the controller through the file transfer object: a version cache that is
+// already filled (where the transfer object keeps files it has) must not bring back an old picture.
+TEST_F(DisplayLoadingTest, FilledVersionCacheStillGivesTheNewPicture)
+{
+    NXRFileTransferObject versionSetter;
+    versionSetter.setVersionID("V9.40P/01");
+    QDir().mkpath(versionSetter.StorageFolder() + "V940P01");
+    QFile seed(versionSetter.StorageFolder() + "V940P01/OVERLAY.TXT");
+    ASSERT_TRUE(seed.open(QIODevice::WriteOnly));
+    seed.write("cached");
+    seed.close();
+    for (int frame = 0; frame < 3; ++frame) {
+        QImage img(96, 64, QImage::Format_Grayscale8);
+        img.fill(frame * 80);
+        put("MC:\\CAMERA\\SNAP.PNG", img);
+        load("MC:\\CAMERA\\SNAP.PNG");
+        ASSERT_EQ(errors, 0) << display->LastErrorString().toStdString();
+        EXPECT_EQ(shown(), img) << frame;
+    }
+    // The downloads did not pile up in the version cache.
+    EXPECT_EQ(QDir(versionSetter.StorageFolder() + "V940P01").entryList(QDir::Files), QStringList{"OVERLAY.TXT"});
+    versionSetter.setVersionID("");
 }
 
 } // namespace
