@@ -178,22 +178,6 @@ TEST_F(Display, CaptionAndOverrideLabel)
 
 // ---- showing images ----
 
-TEST_F(Display, SameSizeKeepsTheViewAnotherSizeRefits)
-{
-    display->showImage(testImage(2592, 1944));
-    EXPECT_EQ(zooms->count(), 1);
-    EXPECT_LT(display->Zoom(), 100.0f);
-    display->setZoom(200);
-    display->viewport().setScrollPosition(QPoint(700, 500));
-    display->showImage(testImage(2592, 1944, QImage::Format_Grayscale8));
-    EXPECT_EQ(display->Zoom(), 200.0f);
-    EXPECT_EQ(maths().scrollPosition(), QPoint(700, 500));
-    EXPECT_EQ(zooms->count(), 1);
-    display->showImage(testImage(640, 480));
-    EXPECT_EQ(zooms->count(), 2);
-    EXPECT_FALSE(maths().horizontalBarNeeded());
-}
-
 TEST_F(Display, LoadLocalImageShowsAFileAndReportsBadOnes)
 {
     display->LoadLocalImage(QStringLiteral(NXR_TEST_DATA_DIR "/sample-part.png"));

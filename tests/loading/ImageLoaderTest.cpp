@@ -55,10 +55,18 @@ TEST_F(ImageLoaderTest, CorruptImageInLiveModeKeepsTheLastImageAndAsksForTheNext
     EXPECT_TRUE(snap.wait(1000));
 }
 
-TEST_F(ImageLoaderTest, FailedCopyReportsTheTransferReasonWithoutThePassword)
+TEST_F(ImageLoaderTest, FailuresOutsideLiveModeEmptyTheDisplayAndHideThePassword)
 {
+    put("MC:\\V\\a.png", pattern(64, 48, 1));
+    files.put("MC:\\V\\note.jpg", "just some text, no picture\r\n");
+    load("MC:\\V\\a.png");
+    load("MC:\\V\\note.jpg");
+    EXPECT_EQ(core.lastError(), "Error in mflng_LoadNewImage: file MC:\\V\\note.jpg does not contain image");
+    EXPECT_TRUE(surface.image.isNull());
+    EXPECT_EQ(surface.reinitializations, 1);
+    load("MC:\\V\\a.png");
     load("MC:\\V\\missing.png");
-    EXPECT_EQ(errors, 1);
+    EXPECT_EQ(errors, 2);
     EXPECT_TRUE(core.lastError().startsWith("Error in mfbln_CopyFileFromController: no such file"))
         << core.lastError().toStdString();
     EXPECT_FALSE(core.lastError().contains("s3cret!"));
