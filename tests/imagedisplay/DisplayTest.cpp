@@ -328,12 +328,17 @@ TEST_F(Display, WheelZoomKeepsThePointUnderTheCursor)
         }
         EXPECT_EQ(zooms->count(), 3);
     }
-    // At the top limit the wheel changes nothing and raises nothing.
-    display->setZoom(1e9f);
-    const QPoint origin = maths().origin();
+    // At the zoom limits the wheel changes nothing and raises nothing.
     zooms->clear();
-    wheel(QPoint(100, 100), 1);
-    EXPECT_EQ(maths().origin(), origin);
+    for (auto [zoom, notches] : {std::pair{1e9f, 1}, {1.0f, -1}}) {
+        display->setZoom(zoom);
+        display->viewport().setScrollPosition(maths().scrollMaximum() / 3);
+        const QPoint origin = maths().origin();
+        const float limit = display->Zoom();
+        wheel(QPoint(100, 100), notches);
+        EXPECT_EQ(maths().origin(), origin) << notches;
+        EXPECT_EQ(display->Zoom(), limit);
+    }
     EXPECT_EQ(zooms->count(), 0);
 }
 

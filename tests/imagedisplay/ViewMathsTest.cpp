@@ -226,21 +226,6 @@ INSTANTIATE_TEST_SUITE_P(Grid, Anchor,
                                                               QSize(1800, 8000)),
                                             ::testing::Values(1, 2, 3, -1)));
 
-TEST(ViewMathsWheel, AtTheZoomLimitsNothingMoves)
-{
-    ViewMaths v = makeView(QSize(2592, 1944), QSize(800, 600), 100);
-    v.setSafeZoom(1e9);
-    v.setScrollPosition(v.scrollMaximum() / 3);
-    const QPoint origin = v.origin();
-    const float top = v.zoom();
-    EXPECT_EQ(v.anchoredZoom(ViewMaths::wheelZoom(top, 1), QPointF(300, 200)), top);
-    EXPECT_EQ(v.origin(), origin);
-    v.setSafeZoom(1);
-    const QPoint low = v.origin();
-    EXPECT_EQ(v.anchoredZoom(ViewMaths::wheelZoom(1.0f, -1), QPointF(300, 200)), 1.0f);
-    EXPECT_EQ(v.origin(), low);
-}
-
 TEST(ViewMathsWheel, StepsClimbTheIntegerZoomLadder)
 {
     for (auto [from, steps, to] : {std::tuple{100.0f, 1, 200.0f}, {100.0f, -1, 50.0f}, {200.0f, -1, 100.0f},
