@@ -401,20 +401,6 @@ TEST_F(Display, AtHundredPercentOneImagePixelCoversOneDevicePixel)
     EXPECT_NE(qGray(shot.pixel(o.x() - 1, o.y())), 255); // background beside the image
 }
 
-TEST_F(Display, DiagnosticDumpOfTheViewRectangles)
-{
-    showBig(50, QPoint(100, 60));
-    const QStringList lines = display->viewport().dimensionLines();
-    ASSERT_EQ(lines.size(), 4);
-    EXPECT_EQ(lines[0], "Scale (L, T) (W, H)    = (-100, -60) (1296, 972)");
-    EXPECT_EQ(lines[1], "Source (L, T) (W, H)   = (0, 0) (2592, 1944)");
-    EXPECT_TRUE(lines[2].startsWith("Dest. l(L, T) (W, H)    = (-100, -60)"));
-    const QSize vis = maths().visibleSize();
-    EXPECT_EQ(
-        lines[3],
-        QString("SrcClip l(L, T) (W, H)  = (200, 120) (%1, %2)").arg(vis.width() * 2).arg(vis.height() * 2));
-}
-
 // ---- layout and methods ----
 
 TEST_F(Display, ResizeKeepsTheMinimumSize)
