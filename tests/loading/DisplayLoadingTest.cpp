@@ -135,8 +135,6 @@ TEST_F(DisplayLoadingTest, LiveCycleFromTheLiveButtonUntilTheSnapButtonEndsIt)
             return;
         ++frames;
         const QString path = sim->snap(640, 480, true, "MC:\\E2E\\LIVE.JPG");
-        if (frames == 3) // the camera delivers garbage once: the last good image stays, live mode goes on
-            sim->writeFile("MC:\\E2E\\LIVE.JPG", "garbage");
         load(path.isEmpty() ? "MC:\\E2E\\LIVE.JPG" : path);
     });
     // Live, Open and Save are off while live mode runs.
@@ -151,7 +149,7 @@ TEST_F(DisplayLoadingTest, LiveCycleFromTheLiveButtonUntilTheSnapButtonEndsIt)
     EXPECT_EQ(buttonsEnabled(), QList<bool>({false, false, false}));
 
     ASSERT_TRUE(waitFor([&] { return frames >= 6; }, 20000)) << frames;
-    EXPECT_EQ(errors, 1); // the garbage frame
+    EXPECT_EQ(errors, 0) << display->LastErrorString().toStdString();
     EXPECT_FALSE(shown().isNull());
 
     toolButton("cmd_Acquire")->click(); // snap while live: abort after the running load

@@ -3,7 +3,7 @@
 
 #include "imagedisplay/loading/ImageSurface.h"
 
-#include <QStringList>
+#include <QString>
 
 #include <algorithm>
 #include <functional>
@@ -29,7 +29,6 @@ public:
     bool busyPointer = false;
     int repaints = 0;
     int reinitializations = 0;
-    QStringList toolBar; // "key=value" in order
     std::vector<MouseDown> replayed;
     std::function<void(const MouseDown&)> onReplay;
 
@@ -63,10 +62,7 @@ public:
         zoomValue = 100.0f;
         scroll = QPointF();
     }
-    void setViewButtonProperty(const QString& key, const QString& value) override
-    {
-        toolBar << key + QLatin1Char('=') + value;
-    }
+    void setViewButtonProperty(const QString&, const QString&) override {}
     void setBusyPointer(bool busy) override { busyPointer = busy; }
     void replayMouseDown(int button, int shift, double x, double y) override
     {
