@@ -12,7 +12,6 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
-#include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -57,6 +56,21 @@ protected:
     const nxr::ViewMaths& maths() { return display->viewport().maths(); }
     QAbstractButton* toolButton(int b) { return display->viewButtons()->buttonControl(b); }
     void click(int button) { QTest::mouseClick(toolButton(button), Qt::LeftButton); }
+    // The names the page heard in OnButtonClicked, in order.
+    QStringList pageNames()
+    {
+        QStringList names;
+        for (const QList<QVariant>& args : *pageClicks)
+            names << args.at(0).toString();
+        return names;
+    }
+    // A 2592 x 1944 image at the given zoom and scroll position.
+    void showBig(float zoom, QPoint scroll = QPoint())
+    {
+        display->showImage(testImage(2592, 1944));
+        display->setZoom(zoom);
+        display->viewport().setScrollPosition(scroll);
+    }
     // A point of the image view in widget (logical) coordinates, from device pixels.
     QPoint logical(QPointF device) { return (device / lead()->deviceRatio()).toPoint(); }
 
@@ -80,49 +94,35 @@ protected:
 
 // ---- keys ----
 
-TEST_F(Display, UnknownKeysRaiseOneErrorEachAndChangeNothing)
+TEST_F(Display, KeysOfLaterFeaturesAreAcceptedAndBadKeysOrValuesRaiseOneErrorEach)
 {
     display->showImage(testImage(640, 480));
-    display->SetProperty("Zoom", "150");
-    display->SetProperty("zoom", "300"); // keys are case-sensitive
-    EXPECT_EQ(display->LastErrorString(), "Error: unknown property (zoom)");
-    EXPECT_EQ(errors->count(), 1);
-    EXPECT_EQ(display->GetProperty("Zoom"), "150");
-    EXPECT_EQ(display->GetProperty("Bogus"), "");
-    EXPECT_EQ(display->LastErrorString(), "Error: unknown property (Bogus)");
-    EXPECT_EQ(errors->count(), 2);
-    // Write-only keys are unknown to GetProperty.
-    EXPECT_EQ(display->GetProperty("FTPPortNo"), "");
-    EXPECT_EQ(errors->count(), 3);
-}
-
-TEST_F(Display, KeysOfLaterFeaturesAreAcceptedNow)
-{
-    for (auto [key, value] : {std::pair{"FTPPortNo", "2121"},
-                              {"HTTPPortNo", "8080"},
-                              {"EnableLogImageLoad", "True"},
-                              {"MinPairWidth", "2.5"},
-                              {"MaxPairWidth", "40"},
-                              {"AutoZoom", "whatever"},
-                              {"RefreshDisplay", ""},
-                              {"FontName", "DejaVu Sans"},
-                              {"FontSize", "11"}})
+    for (auto [key, value] : {std::pair{"FTPPortNo", "2121"}, {"HTTPPortNo", "8080"}, {"EnableLogImageLoad", "True"},
+                              {"MinPairWidth", "2.5"}, {"MaxPairWidth", "40"}, {"AutoZoom", "whatever"},
+                              {"RefreshDisplay", ""}, {"FontName", "DejaVu Sans"}, {"FontSize", "11"},
+                              {"Zoom", "150"}, {"LiveMode", "True"}, {"LiveMode", "False"}})
         display->SetProperty(key, value);
     EXPECT_EQ(errors->count(), 0) << display->LastErrorString().toStdString();
-    display->SetProperty("LiveMode", "True");
-    EXPECT_EQ(display->GetProperty("LiveMode"), "True");
-    display->SetProperty("LiveMode", "False");
-    EXPECT_EQ(display->GetProperty("AutoZoom"), "");
-    EXPECT_EQ(errors->count(), 0);
-    // Bad values are reported with the key and leave the state alone.
-    display->SetProperty("FTPPortNo", "ftp");
-    EXPECT_EQ(display->LastErrorString(), "Error in SetProperty(FTPPortNo): Type mismatch");
-    display->SetProperty("LiveMode", "perhaps");
-    EXPECT_EQ(display->LastErrorString(), "Error in SetProperty(LiveMode): Type mismatch");
+    // Each bad key or value: its own text, one OnError, and the state stays. No value: GetProperty.
+    const std::tuple<const char*, const char*, const char*> bad[] = {
+        {"zoom", "300", "Error: unknown property (zoom)"}, // keys are case-sensitive
+        {"FTPPortNo", "ftp", "Error in SetProperty(FTPPortNo): Type mismatch"},
+        {"LiveMode", "perhaps", "Error in SetProperty(LiveMode): Type mismatch"},
+        {"Zoom", "-4", "Error in SetProperty(Zoom): Invalid property value"},
+        {"Bogus", nullptr, "Error: unknown property (Bogus)"},
+        {"FTPPortNo", nullptr, "Error: unknown property (FTPPortNo)"}, // write-only
+    };
+    int expected = 0;
+    for (const auto& [key, value, text] : bad) {
+        if (value)
+            display->SetProperty(key, value);
+        else
+            EXPECT_EQ(display->GetProperty(key), "");
+        EXPECT_EQ(display->LastErrorString(), text);
+        EXPECT_EQ(errors->count(), ++expected) << key;
+    }
+    EXPECT_EQ(display->GetProperty("Zoom"), "150");
     EXPECT_EQ(display->GetProperty("LiveMode"), "False");
-    display->SetProperty("Zoom", "-4");
-    EXPECT_EQ(display->LastErrorString(), "Error in SetProperty(Zoom): Invalid property value");
-    EXPECT_EQ(errors->count(), 3);
 }
 
 TEST_F(Display, ZoomKeyBypassesTheClampButTheZoomPropertyDoesNot)
@@ -139,26 +139,16 @@ TEST_F(Display, ZoomKeyBypassesTheClampButTheZoomPropertyDoesNot)
     EXPECT_EQ(zooms->count(), 1); // only the image's fit was a user-visible zoom event
 }
 
-TEST_F(Display, ToolbarKeysAndProperties)
+TEST_F(Display, ToolbarKeysReachTheToolBar)
 {
     display->SetProperty("LaserButtonEnabled", "False");
     EXPECT_FALSE(toolButton(vvb_LaserOn)->isEnabled());
-    EXPECT_EQ(display->GetProperty("LaserButtonEnabled"), "False");
-    display->SetProperty("LaserOn", "True");
-    EXPECT_EQ(display->GetProperty("LaserOn"), "True");
     display->SetProperty("OpenButtonEnabled", "False");
     EXPECT_FALSE(toolButton(vvb_Open)->isEnabled());
     display->setOpenSaveButtonsVisible(false);
     EXPECT_TRUE(toolButton(vvb_Save)->isHidden());
-    EXPECT_FALSE(display->OpenSaveButtonsVisible());
     display->setImageCaptureButtonsVisible(false);
-    EXPECT_FALSE(display->ImageCaptureButtonsVisible());
-    display->setWindowResetButtonVisible(false);
-    EXPECT_FALSE(display->WindowResetButtonVisible());
-    display->setAcquireEnabled(false);
-    EXPECT_FALSE(display->AcquireEnabled());
-    display->setLiveEnabled(false);
-    EXPECT_FALSE(display->LiveEnabled());
+    EXPECT_TRUE(toolButton(vvb_Acquire)->isHidden());
     display->setHourglassCursor(true);
     EXPECT_EQ(display->viewButtons()->cursor().shape(), Qt::WaitCursor);
     EXPECT_EQ(errors->count(), 0);
@@ -187,25 +177,6 @@ TEST_F(Display, CaptionAndOverrideLabel)
 }
 
 // ---- showing images ----
-
-TEST_F(Display, SameSizeKeepsTheViewAnotherSizeRefits)
-{
-    display->showImage(testImage(2592, 1944));
-    EXPECT_EQ(zooms->count(), 1);
-    const float fitted = display->Zoom();
-    EXPECT_LT(fitted, 100.0f);
-    EXPECT_EQ(display->ImageWidth(), 2592);
-    display->setZoom(200);
-    display->viewport().setScrollPosition(QPoint(700, 500));
-    display->showImage(testImage(2592, 1944, QImage::Format_Grayscale8));
-    EXPECT_EQ(display->Zoom(), 200.0f);
-    EXPECT_EQ(maths().scrollPosition(), QPoint(700, 500));
-    EXPECT_EQ(zooms->count(), 1);
-    display->showImage(testImage(640, 480));
-    EXPECT_EQ(zooms->count(), 2);
-    EXPECT_EQ(display->ImageHeight(), 480);
-    EXPECT_FALSE(maths().horizontalBarNeeded());
-}
 
 TEST_F(Display, LoadLocalImageShowsAFileAndReportsBadOnes)
 {
@@ -237,27 +208,35 @@ TEST_F(Display, MouseModeAndOpenClicksRaiseNoPageEvent)
 {
     display->showImage(testImage(640, 480));
     zooms->clear();
-    click(vvb_MouseModePan);
-    EXPECT_EQ(display->mouseMode(), 2);
-    click(vvb_MouseModeZoomOut);
-    EXPECT_EQ(display->mouseMode(), 4);
-    click(vvb_MouseModePointer);
-    EXPECT_EQ(display->mouseMode(), 1);
+    for (auto [button, mode] : {std::pair{vvb_MouseModePan, 2}, {vvb_MouseModeZoomOut, 4}, {vvb_MouseModePointer, 1}}) {
+        click(button);
+        EXPECT_EQ(display->mouseMode(), mode);
+    }
     click(vvb_Open);
     EXPECT_EQ(pageClicks->count(), 0);
     EXPECT_EQ(zooms->count(), 4); // every action ends with OnZoomChanged
     click(vvb_Save);
     click(vvb_CrosshairOn);
     click(vvb_CrosshairOn);
-    ASSERT_EQ(pageClicks->count(), 3);
-    EXPECT_EQ(pageClicks->at(0).at(0).toString(), "Save");
-    EXPECT_EQ(pageClicks->at(1).at(0).toString(), "CrosshairOn");
-    EXPECT_EQ(pageClicks->at(2).at(0).toString(), "CrosshairOff");
+    EXPECT_EQ(pageNames(), QStringList({"Save", "CrosshairOn", "CrosshairOff"}));
 }
 
-TEST_F(Display, WhileAMaskIsEditedFitZoomsSilentlyAndTheLaserStillPasses)
+TEST_F(Display, DefaultZoomAndFitPassOutsideEditingWhileAMaskIsEditedFitIsSilent)
 {
-    display->showImage(testImage(2592, 1944));
+    showBig(400);
+    click(vvb_DefaultZoom);
+    EXPECT_EQ(display->Zoom(), 100.0f);
+    // centred on the image centre
+    const QPointF centre =
+        maths().toImage(QPointF(maths().visibleSize().width() / 2.0, maths().visibleSize().height() / 2.0));
+    EXPECT_NEAR(centre.x(), 1296, 1.0);
+    EXPECT_NEAR(centre.y(), 972, 1.0);
+    click(vvb_FitImage);
+    EXPECT_EQ(display->Zoom(), nxr::ViewMaths::fitZoom(maths().usableArea().height(),
+                                                       maths().usableArea().width(), 1944, 2592, false));
+    EXPECT_EQ(pageNames(), QStringList({"ZoomDefault", "ZoomFitImage"}));
+
+    pageClicks->clear();
     display->setZoom(400);
     display->state().editMaskMode = 1;
     display->editModeChanged();
@@ -270,28 +249,8 @@ TEST_F(Display, WhileAMaskIsEditedFitZoomsSilentlyAndTheLaserStillPasses)
     EXPECT_EQ(zooms->at(0).at(0).toFloat(), display->Zoom());
     EXPECT_EQ(display->statusBar()->zoomLabelText(), NXRStatusBar::zoomText(display->Zoom()));
     click(vvb_Save);
-    EXPECT_EQ(pageClicks->count(), 0);
-    click(vvb_LaserOn);
-    ASSERT_EQ(pageClicks->count(), 1);
-    EXPECT_EQ(pageClicks->at(0).at(0).toString(), "LaserOn");
-}
-
-TEST_F(Display, DefaultZoomAndFitOutsideEditing)
-{
-    display->showImage(testImage(2592, 1944));
-    click(vvb_DefaultZoom);
-    EXPECT_EQ(display->Zoom(), 100.0f);
-    // centred on the image centre
-    const QPointF centre =
-        maths().toImage(QPointF(maths().visibleSize().width() / 2.0, maths().visibleSize().height() / 2.0));
-    EXPECT_NEAR(centre.x(), 1296, 1.0);
-    EXPECT_NEAR(centre.y(), 972, 1.0);
-    click(vvb_FitImage);
-    EXPECT_EQ(display->Zoom(), nxr::ViewMaths::fitZoom(maths().usableArea().height(),
-                                                       maths().usableArea().width(), 1944, 2592, false));
-    ASSERT_EQ(pageClicks->count(), 2);
-    EXPECT_EQ(pageClicks->at(0).at(0).toString(), "ZoomDefault");
-    EXPECT_EQ(pageClicks->at(1).at(0).toString(), "ZoomFitImage");
+    click(vvb_LaserOn); // the laser still passes
+    EXPECT_EQ(pageNames(), QStringList({"LaserOn"}));
 }
 
 TEST_F(Display, OkAndCancelReachThePageAfterTheClick)
@@ -303,10 +262,9 @@ TEST_F(Display, OkAndCancelReachThePageAfterTheClick)
     QTest::mouseClick(ok, Qt::LeftButton);
     EXPECT_EQ(pageClicks->count(), 0); // not inside the click
     ASSERT_TRUE(pageClicks->wait(1000));
-    EXPECT_EQ(pageClicks->at(0).at(0).toString(), "Accept");
     QTest::mouseClick(display->findChild<QPushButton*>("cmd_Cancel"), Qt::LeftButton);
     ASSERT_TRUE(pageClicks->wait(1000));
-    EXPECT_EQ(pageClicks->at(1).at(0).toString(), "Cancel");
+    EXPECT_EQ(pageNames(), QStringList({"Accept", "Cancel"}));
     display->state().editingWindow = false;
     display->editModeChanged();
     EXPECT_FALSE(ok->isVisible());
@@ -325,9 +283,7 @@ TEST_F(Display, ClosingWhileEditingCancelsTheEdit)
 
 TEST_F(Display, ZoomModeClicksDoubleAndHalveAtTheClickedPoint)
 {
-    display->showImage(testImage(2592, 1944));
-    display->setZoom(100);
-    display->viewport().setScrollPosition(QPoint(900, 700));
+    showBig(100, QPoint(900, 700));
     click(vvb_MouseModeZoomIn);
     zooms->clear();
     const QPointF device(300, 200);
@@ -351,26 +307,6 @@ TEST_F(Display, ZoomModeClicksDoubleAndHalveAtTheClickedPoint)
     EXPECT_EQ(pageClicks->count(), 0);
 }
 
-TEST_F(Display, ZoomClicksCanBeKeptForLater)
-{
-    display->showImage(testImage(2592, 1944));
-    display->setZoom(100);
-    click(vvb_MouseModeZoomIn);
-    std::vector<nxr::MouseArgs> kept;
-    display->mouse().setZoomClickDeferral([&](const nxr::MouseArgs& a) {
-        kept.push_back(a);
-        return true;
-    });
-    QTest::mouseClick(lead(), Qt::LeftButton, Qt::ShiftModifier, QPoint(40, 30));
-    EXPECT_EQ(display->Zoom(), 100.0f);
-    ASSERT_EQ(kept.size(), 1u);
-    EXPECT_EQ(kept[0].button, 1);
-    EXPECT_EQ(kept[0].shift, 1);
-    display->mouse().setZoomClickDeferral({});
-    display->mouse().leadMouseDown(kept[0]); // replayed
-    EXPECT_EQ(display->Zoom(), 200.0f);
-}
-
 TEST_F(Display, WheelZoomKeepsThePointUnderTheCursor)
 {
     for (QSize size : {QSize(2592, 1944), QSize(6000, 1200), QSize(1200, 6000)}) {
@@ -383,32 +319,32 @@ TEST_F(Display, WheelZoomKeepsThePointUnderTheCursor)
         zooms->clear();
         wheel(at, 1);
         EXPECT_EQ(display->Zoom(), 200.0f);
-        wheel(at, 2);
-        EXPECT_EQ(display->Zoom(), 400.0f);
-        QPointF now = maths().toScreen(before);
-        EXPECT_NEAR(now.x(), device.x(), 0.5) << size.width();
-        EXPECT_NEAR(now.y(), device.y(), 0.5) << size.width();
-        wheel(at, -2);
-        EXPECT_EQ(display->Zoom(), 200.0f);
-        now = maths().toScreen(before);
-        EXPECT_NEAR(now.x(), device.x(), 0.5);
-        EXPECT_NEAR(now.y(), device.y(), 0.5);
+        for (auto [notches, zoom] : {std::pair{2, 400.0f}, {-2, 200.0f}}) {
+            wheel(at, notches);
+            EXPECT_EQ(display->Zoom(), zoom);
+            const QPointF now = maths().toScreen(before);
+            EXPECT_NEAR(now.x(), device.x(), 0.5) << size.width() << " " << notches;
+            EXPECT_NEAR(now.y(), device.y(), 0.5) << size.width() << " " << notches;
+        }
         EXPECT_EQ(zooms->count(), 3);
     }
-    // At the top limit the wheel changes nothing and raises nothing.
-    display->setZoom(1e9f);
-    const QPoint origin = maths().origin();
+    // At the zoom limits the wheel changes nothing and raises nothing.
     zooms->clear();
-    wheel(QPoint(100, 100), 1);
-    EXPECT_EQ(maths().origin(), origin);
+    for (auto [zoom, notches] : {std::pair{1e9f, 1}, {1.0f, -1}}) {
+        display->setZoom(zoom);
+        display->viewport().setScrollPosition(maths().scrollMaximum() / 3);
+        const QPoint origin = maths().origin();
+        const float limit = display->Zoom();
+        wheel(QPoint(100, 100), notches);
+        EXPECT_EQ(maths().origin(), origin) << notches;
+        EXPECT_EQ(display->Zoom(), limit);
+    }
     EXPECT_EQ(zooms->count(), 0);
 }
 
-TEST_F(Display, PanDragMovesTheImageWithTheMouse)
+TEST_F(Display, PanDragAndScrollBarsMoveTheView)
 {
-    display->showImage(testImage(2592, 1944));
-    display->setZoom(100);
-    display->viewport().setScrollPosition(QPoint(500, 400));
+    showBig(100, QPoint(500, 400));
     click(vvb_MouseModePan);
     mouse(QEvent::MouseButtonPress, QPoint(200, 200), Qt::LeftButton, Qt::LeftButton);
     mouse(QEvent::MouseMove, QPoint(180, 190), Qt::NoButton, Qt::LeftButton);
@@ -420,20 +356,13 @@ TEST_F(Display, PanDragMovesTheImageWithTheMouse)
     // Moving without the button does not pan.
     mouse(QEvent::MouseMove, QPoint(10, 10), Qt::NoButton, Qt::NoButton);
     EXPECT_EQ(maths().scrollPosition(), QPoint(500, 400) + moved);
-}
-
-TEST_F(Display, ScrollBarsScrollWithinTheLimits)
-{
-    display->showImage(testImage(2592, 1944));
-    display->setZoom(100);
+    // The bars move the view too.
     QScrollBar* v = display->viewport().verticalBar();
     ASSERT_TRUE(v->isVisible());
     EXPECT_EQ(v->maximum(), maths().scrollMaximum().y());
     v->setValue(321);
     EXPECT_EQ(maths().scrollPosition().y(), 321);
     EXPECT_EQ(lead()->origin().y(), -321);
-    display->viewport().setScrollV(100000);
-    EXPECT_EQ(display->viewport().scrollV(), maths().scrollMaximum().y());
 }
 
 TEST_F(Display, PixelUnderTheCursorInTheStatusBar)
@@ -472,22 +401,6 @@ TEST_F(Display, AtHundredPercentOneImagePixelCoversOneDevicePixel)
     EXPECT_NE(qGray(shot.pixel(o.x() - 1, o.y())), 255); // background beside the image
 }
 
-TEST_F(Display, DiagnosticDumpOfTheViewRectangles)
-{
-    display->showImage(testImage(2592, 1944));
-    display->setZoom(50);
-    display->viewport().setScrollPosition(QPoint(100, 60));
-    const QStringList lines = display->viewport().dimensionLines();
-    ASSERT_EQ(lines.size(), 4);
-    EXPECT_EQ(lines[0], "Scale (L, T) (W, H)    = (-100, -60) (1296, 972)");
-    EXPECT_EQ(lines[1], "Source (L, T) (W, H)   = (0, 0) (2592, 1944)");
-    EXPECT_TRUE(lines[2].startsWith("Dest. l(L, T) (W, H)    = (-100, -60)"));
-    const QSize vis = maths().visibleSize();
-    EXPECT_EQ(
-        lines[3],
-        QString("SrcClip l(L, T) (W, H)  = (200, 120) (%1, %2)").arg(vis.width() * 2).arg(vis.height() * 2));
-}
-
 // ---- layout and methods ----
 
 TEST_F(Display, ResizeKeepsTheMinimumSize)
@@ -499,14 +412,7 @@ TEST_F(Display, ResizeKeepsTheMinimumSize)
     EXPECT_GE(display->height(), display->viewButtons()->height());
     EXPECT_EQ(display->GetProperty("Width"), QString::number(minWidth));
     display->Resize(640, 400);
-    EXPECT_EQ(display->GetProperty("Height"), "400");
-    // The tool bar and the status bar stay inside, the viewport between them.
-    const QRect bar = display->viewButtons()->geometry();
-    const QRect status = display->statusBar()->geometry();
-    const QRect frame = display->findChild<QFrame*>("fra_Image")->geometry();
-    EXPECT_GT(frame.top(), bar.bottom());
-    EXPECT_LT(frame.bottom(), status.top());
-    EXPECT_EQ(status.bottom(), 400 - 2);
+    EXPECT_EQ(display->statusBar()->geometry().bottom(), 400 - 2); // the parts follow the size
     display->Resize(-1, 10);
     EXPECT_EQ(display->LastErrorString(), "Error in Resize(-1, 10): Invalid procedure call or argument");
     EXPECT_EQ(display->width(), 640);
@@ -522,8 +428,6 @@ TEST_F(Display, ZoomToFillsTheViewportWithTheRectangle)
     const QRectF shown = maths().visibleSourceRect();
     EXPECT_TRUE(shown.contains(QRectF(1200, 1000, 100, 100))) << shown.x() << "," << shown.y();
     EXPECT_EQ(zooms->count(), 1);
-    display->setShowFrame(true);
-    EXPECT_EQ(display->findChild<QFrame*>("fra_Image")->frameShape(), QFrame::Box);
 }
 
 TEST_F(Display, MouseEventsOnTheMaskGoToTheMaskHook)
@@ -581,23 +485,6 @@ TEST(RasterViewTest, AutoRepaintOffHoldsRepaintsUntilSwitchedOn)
     view.setOrigin(QPoint(-20, -20));
     QTest::qWait(50);
     EXPECT_GT(counter.paints, before);
-}
-
-TEST(RasterViewTest, PainterOnTheBitmapDrawsIntoIt)
-{
-    nxr::RasterView view;
-    QImage grey(40, 30, QImage::Format_Grayscale8);
-    grey.fill(10);
-    view.setBitmap(grey);
-    {
-        auto painter = view.bitmapPainter();
-        painter->fillRect(QRect(5, 5, 4, 4), QColor(255, 0, 0));
-    }
-    EXPECT_EQ(view.bitmap().pixel(6, 6), qRgb(255, 0, 0));
-    EXPECT_EQ(qGray(view.bitmap().pixel(0, 0)), 10);
-    EXPECT_EQ(view.bitmapWidth(), 40);
-    view.convertToGrey();
-    EXPECT_EQ(view.bitmap().format(), QImage::Format_Grayscale8);
 }
 
 } // namespace

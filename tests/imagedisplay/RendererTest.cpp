@@ -77,7 +77,7 @@ INSTANTIATE_TEST_SUITE_P(Grid, NearestAtAndAbove100,
                                             ::testing::Values(100.0f, 150.0f, 400.0f, 1600.0f),
                                             ::testing::Values(QPoint(0, 0), QPoint(7, 3), QPoint(-30, -41))));
 
-TEST(RendererReduction, HalfZoomShowsTheMeanOfEachTwoByTwoBlock)
+TEST(RendererReduction, HalfZoomShowsTheMeanOfEachTwoByTwoBlockPerChannel)
 {
     QImage src(4, 2, QImage::Format_Grayscale8);
     const uchar rows[2][4] = {{0, 100, 200, 255}, {50, 150, 201, 255}};
@@ -95,19 +95,15 @@ TEST(RendererReduction, HalfZoomShowsTheMeanOfEachTwoByTwoBlock)
     EXPECT_EQ(RasterRenderer::levelForZoom(25.0f), 2);
     EXPECT_EQ(RasterRenderer::levelForZoom(6.25f), 4);
     EXPECT_EQ(RasterRenderer::levelForZoom(400.0f), 0);
-}
 
-TEST(RendererReduction, ColourChannelsAreAveragedSeparately)
-{
-    QImage src(3, 2, QImage::Format_RGB32); // odd width: the last column repeats its edge
-    src.setPixel(0, 0, qRgb(255, 0, 10));
-    src.setPixel(1, 0, qRgb(255, 255, 20));
-    src.setPixel(0, 1, qRgb(254, 1, 30));
-    src.setPixel(1, 1, qRgb(0, 255, 41));
-    src.setPixel(2, 0, qRgb(7, 8, 9));
-    src.setPixel(2, 1, qRgb(9, 8, 7));
-    RasterRenderer r;
-    r.setImage(src);
+    // Colour channels are averaged separately; an odd width repeats the edge column.
+    QImage colour(3, 2, QImage::Format_RGB32);
+    const QRgb pixels[2][3] = {{qRgb(255, 0, 10), qRgb(255, 255, 20), qRgb(7, 8, 9)},
+                               {qRgb(254, 1, 30), qRgb(0, 255, 41), qRgb(9, 8, 7)}};
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 3; ++x)
+            colour.setPixel(x, y, pixels[y][x]);
+    r.setImage(colour);
     const QImage& half = r.level(1);
     ASSERT_EQ(half.size(), QSize(2, 1));
     EXPECT_EQ(half.pixel(0, 0), qRgb(191, 128, 25)); // (764+2)/4, (511+2)/4, (101+2)/4

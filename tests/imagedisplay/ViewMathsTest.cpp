@@ -26,38 +26,21 @@ ViewMaths makeView(QSize image, QSize area, float zoom)
 
 // ---- integer zoom ----
 
-struct IntegerZoomCase
+TEST(ViewMathsZoom, IntegerZoomSnapsToWholePixelZooms)
 {
-    double wanted;
-    bool nearest;
-    float expected;
-};
-
-class IntegerZoom : public ::testing::TestWithParam<IntegerZoomCase>
-{
-};
-
-TEST_P(IntegerZoom, SnapsToWholePixelZooms)
-{
-    const IntegerZoomCase c = GetParam();
-    EXPECT_EQ(ViewMaths::integerZoom(c.wanted, c.nearest), c.expected) << "wanted " << c.wanted;
+    const std::tuple<double, bool, float> table[] = {
+        {0, true, 100.0f}, {-5, true, 100.0f}, {std::nan(""), true, 100.0f}, {45, true, 50.0f},
+        {30, true, float(100.0 / 3.0)}, {250, true, 300.0f}, {249, true, 200.0f}, {100, true, 100.0f},
+        {200, true, 200.0f},
+        // zoom in from 100 and from 33.33 (single precision): 200 and 50, not 66.67 or 100
+        {double(100.0f) * 2.0, true, 200.0f}, {double(float(100.0 / 3.0)) * 2.0, true, 50.0f},
+        // zoom out from 50 and from 300
+        {double(50.0f) / 2.0, true, 25.0f}, {150, true, 200.0f},
+        // not nearest: never above the wanted zoom (but for the small slack)
+        {30.86, false, 25.0f}, {34, false, float(100.0 / 3.0)}, {190, false, 100.0f}, {390, false, 300.0f}};
+    for (const auto& [wanted, nearest, expected] : table)
+        EXPECT_EQ(ViewMaths::integerZoom(wanted, nearest), expected) << "wanted " << wanted << " " << nearest;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, IntegerZoom,
-    ::testing::Values(IntegerZoomCase{0, true, 100.0f}, IntegerZoomCase{-5, true, 100.0f},
-                      IntegerZoomCase{std::nan(""), true, 100.0f}, IntegerZoomCase{45, true, 50.0f},
-                      IntegerZoomCase{30, true, float(100.0 / 3.0)}, IntegerZoomCase{250, true, 300.0f},
-                      IntegerZoomCase{249, true, 200.0f}, IntegerZoomCase{100, true, 100.0f},
-                      IntegerZoomCase{200, true, 200.0f},
-                      // zoom in from 100 and from 33.33 (single precision): 200 and 50, not 66.67 or 100
-                      IntegerZoomCase{double(100.0f) * 2.0, true, 200.0f},
-                      IntegerZoomCase{double(float(100.0 / 3.0)) * 2.0, true, 50.0f},
-                      // zoom out from 50 and from 300
-                      IntegerZoomCase{double(50.0f) / 2.0, true, 25.0f}, IntegerZoomCase{150, true, 200.0f},
-                      // not nearest: never above the wanted zoom (but for the small slack)
-                      IntegerZoomCase{30.86, false, 25.0f}, IntegerZoomCase{34, false, float(100.0 / 3.0)},
-                      IntegerZoomCase{190, false, 100.0f}, IntegerZoomCase{390, false, 300.0f}));
 
 TEST(ViewMathsZoom, SafeZoomClampsButDirectZoomDoesNot)
 {
@@ -76,43 +59,30 @@ TEST(ViewMathsZoom, SafeZoomClampsButDirectZoomDoesNot)
 
 // ---- fit ----
 
-struct FitCase
+TEST(ViewMathsFit, WholeImageFitsWithoutScrollBarsAndIsCentred)
 {
-    QSize image;
-    QSize area;
-    float expected;
-};
-
-class Fit : public ::testing::TestWithParam<FitCase>
-{
-};
-
-TEST_P(Fit, WholeImageFitsWithoutScrollBarsAndIsCentred)
-{
-    const FitCase c = GetParam();
-    ViewMaths v = makeView(c.image, c.area, 100);
-    const float zoom =
-        ViewMaths::fitZoom(c.area.height(), c.area.width(), c.image.height(), c.image.width(), false);
-    EXPECT_FLOAT_EQ(zoom, c.expected);
-    v.focusedZoom(zoom, c.image.width() / 2.0, c.image.height() / 2.0);
-    EXPECT_FALSE(v.horizontalBarNeeded());
-    EXPECT_FALSE(v.verticalBarNeeded());
-    const QRectF dest = v.destinationRect();
-    EXPECT_GE(dest.left(), 0);
-    EXPECT_GE(dest.top(), 0);
-    EXPECT_LE(dest.right(), c.area.width() + 1e-6);
-    EXPECT_LE(dest.bottom(), c.area.height() + 1e-6);
-    // centred within a pixel
-    EXPECT_LE(std::abs(dest.left() - (c.area.width() - dest.right())), 1.0 + 1e-6);
-    EXPECT_LE(std::abs(dest.top() - (c.area.height() - dest.bottom())), 1.0 + 1e-6);
+    for (auto [image, area, expected] : {std::tuple{QSize(2000, 500), QSize(400, 300), 20.0f},
+                                         {QSize(500, 2000), QSize(400, 300), float(100.0 / 7.0)},
+                                         {QSize(2592, 1944), QSize(800, 600), 25.0f},
+                                         {QSize(100, 50), QSize(800, 600), 800.0f},
+                                         {QSize(640, 480), QSize(640, 480), 100.0f}}) {
+        SCOPED_TRACE(std::to_string(image.width()) + "x" + std::to_string(image.height()));
+        ViewMaths v = makeView(image, area, 100);
+        const float zoom = ViewMaths::fitZoom(area.height(), area.width(), image.height(), image.width(), false);
+        EXPECT_FLOAT_EQ(zoom, expected);
+        v.focusedZoom(zoom, image.width() / 2.0, image.height() / 2.0);
+        EXPECT_FALSE(v.horizontalBarNeeded());
+        EXPECT_FALSE(v.verticalBarNeeded());
+        const QRectF dest = v.destinationRect();
+        EXPECT_GE(dest.left(), 0);
+        EXPECT_GE(dest.top(), 0);
+        EXPECT_LE(dest.right(), area.width() + 1e-6);
+        EXPECT_LE(dest.bottom(), area.height() + 1e-6);
+        // centred within a pixel
+        EXPECT_LE(std::abs(dest.left() - (area.width() - dest.right())), 1.0 + 1e-6);
+        EXPECT_LE(std::abs(dest.top() - (area.height() - dest.bottom())), 1.0 + 1e-6);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Table, Fit,
-                         ::testing::Values(FitCase{QSize(2000, 500), QSize(400, 300), 20.0f},
-                                           FitCase{QSize(500, 2000), QSize(400, 300), float(100.0 / 7.0)},
-                                           FitCase{QSize(2592, 1944), QSize(800, 600), 25.0f},
-                                           FitCase{QSize(100, 50), QSize(800, 600), 800.0f},
-                                           FitCase{QSize(640, 480), QSize(640, 480), 100.0f}));
 
 TEST(ViewMathsFit, OptimalZoomOfNothingIs100AndEmptyViewAssumes512x480)
 {
@@ -256,30 +226,12 @@ INSTANTIATE_TEST_SUITE_P(Grid, Anchor,
                                                               QSize(1800, 8000)),
                                             ::testing::Values(1, 2, 3, -1)));
 
-TEST(ViewMathsWheel, AtTheZoomLimitsNothingMoves)
-{
-    ViewMaths v = makeView(QSize(2592, 1944), QSize(800, 600), 100);
-    v.setSafeZoom(1e9);
-    v.setScrollPosition(v.scrollMaximum() / 3);
-    const QPoint origin = v.origin();
-    const float top = v.zoom();
-    EXPECT_EQ(v.anchoredZoom(ViewMaths::wheelZoom(top, 1), QPointF(300, 200)), top);
-    EXPECT_EQ(v.origin(), origin);
-    v.setSafeZoom(1);
-    const QPoint low = v.origin();
-    EXPECT_EQ(v.anchoredZoom(ViewMaths::wheelZoom(1.0f, -1), QPointF(300, 200)), 1.0f);
-    EXPECT_EQ(v.origin(), low);
-}
-
 TEST(ViewMathsWheel, StepsClimbTheIntegerZoomLadder)
 {
-    EXPECT_EQ(ViewMaths::wheelZoom(100, 1), 200.0f);
-    EXPECT_EQ(ViewMaths::wheelZoom(100, -1), 50.0f);
-    EXPECT_EQ(ViewMaths::wheelZoom(200, -1), 100.0f);
-    EXPECT_EQ(ViewMaths::wheelZoom(50, 1), 100.0f);
-    EXPECT_EQ(ViewMaths::wheelZoom(float(100.0 / 3.0), 1), 50.0f);
-    EXPECT_EQ(ViewMaths::wheelZoom(25, 1), float(100.0 / 3.0));
-    EXPECT_EQ(ViewMaths::wheelZoom(100, 2), 300.0f);
+    for (auto [from, steps, to] : {std::tuple{100.0f, 1, 200.0f}, {100.0f, -1, 50.0f}, {200.0f, -1, 100.0f},
+                                   {50.0f, 1, 100.0f}, {float(100.0 / 3.0), 1, 50.0f}, {25.0f, 1, float(100.0 / 3.0)},
+                                   {100.0f, 2, 300.0f}})
+        EXPECT_EQ(ViewMaths::wheelZoom(from, steps), to) << from << " " << steps;
     // Every rung is an integer zoom and the walk is strictly monotonic both ways.
     float z = 1.0f;
     for (int i = 0; i < 40; ++i) {
@@ -326,62 +278,31 @@ TEST(DisplayLayoutTest, PartsStackInsideTheMarginAndRespectTheMinimum)
 
 // ---- names, passing rules, status text ----
 
-TEST(ViewButtonNames, LookupByNumber)
+TEST(ToolbarPassing, NameThePageHears)
 {
-    EXPECT_EQ(nxr::viewButtonName(vvb_ContinuousAcquire), "LiveMode");
-    EXPECT_EQ(nxr::viewButtonName(vvb_DefaultZoom), "ZoomDefault");
-    EXPECT_EQ(nxr::viewButtonName(vvb_PixelGrid), "");
-    EXPECT_EQ(nxr::viewButtonName(vvb_LaserOff), "LaserOff");
-    EXPECT_EQ(nxr::viewButtonName(20), "");
-    EXPECT_EQ(nxr::viewButtonName(-1), "");
+    // button, was live, live now, editing a mask or window: the name, "" for none
+    const std::tuple<int, bool, bool, bool, const char*> table[] = {
+        {vvb_ContinuousAcquire, false, false, false, "LiveMode"},
+        {vvb_ContinuousAcquire, false, true, false, "Snap"},
+        {vvb_Acquire, false, false, false, "Snap"},
+        {vvb_Acquire, true, false, false, ""}, // the snap that ended live mode
+        {vvb_Acquire, true, true, false, "Snap"}, {vvb_Open, false, false, false, ""},
+        {vvb_Save, false, false, false, "Save"}, {vvb_MouseModePan, false, false, false, ""},
+        {vvb_MouseModeZoomOut, false, false, false, ""}, {vvb_FitImage, false, false, false, "ZoomFitImage"},
+        {vvb_DefaultZoom, false, false, false, "ZoomDefault"}, {vvb_FitImage, false, false, true, ""},
+        {vvb_FitImage, true, true, false, ""}, {vvb_LaserOn, false, false, true, "LaserOn"},
+        {vvb_LaserOff, true, true, false, "LaserOff"}, {vvb_Save, false, false, true, ""},
+        {vvb_PixelGrid, false, false, false, "Unknown"}, {42, false, false, true, ""}};
+    for (const auto& [button, wasLive, liveNow, editing, expected] : table)
+        EXPECT_EQ(nxr::ToolbarClickHandler::nameToPass(button, wasLive, liveNow, editing), QString::fromLatin1(expected))
+            << button << " " << wasLive << liveNow << editing;
 }
-
-struct PassCase
-{
-    int button;
-    bool wasLive;
-    bool liveNow;
-    bool editing;
-    const char* expected;
-};
-
-class Passing : public ::testing::TestWithParam<PassCase>
-{
-};
-
-TEST_P(Passing, NameThePageHears)
-{
-    const PassCase c = GetParam();
-    EXPECT_EQ(nxr::ToolbarClickHandler::nameToPass(c.button, c.wasLive, c.liveNow, c.editing),
-              QString::fromLatin1(c.expected));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rules, Passing,
-    ::testing::Values(
-        PassCase{vvb_ContinuousAcquire, false, false, false, "LiveMode"},
-        PassCase{vvb_ContinuousAcquire, false, true, false, "Snap"},
-        PassCase{vvb_Acquire, false, false, false, "Snap"},
-        PassCase{vvb_Acquire, true, false, false, ""}, // the snap that ended live mode
-        PassCase{vvb_Acquire, true, true, false, "Snap"}, PassCase{vvb_Open, false, false, false, ""},
-        PassCase{vvb_Save, false, false, false, "Save"}, PassCase{vvb_MouseModePan, false, false, false, ""},
-        PassCase{vvb_MouseModeZoomOut, false, false, false, ""},
-        PassCase{vvb_FitImage, false, false, false, "ZoomFitImage"},
-        PassCase{vvb_FitImage, false, false, true, ""}, PassCase{vvb_FitImage, true, true, false, ""},
-        PassCase{vvb_LaserOn, false, false, true, "LaserOn"},
-        PassCase{vvb_LaserOff, true, true, false, "LaserOff"}, PassCase{vvb_Save, false, false, true, ""},
-        PassCase{vvb_PixelGrid, false, false, false, "Unknown"}, PassCase{42, false, false, true, ""}));
 
 TEST(StatusBarText, ZoomFormat)
 {
-    EXPECT_EQ(NXRStatusBar::zoomText(100.0f), "100%");
-    EXPECT_EQ(NXRStatusBar::zoomText(200.0f), "200%");
-    EXPECT_EQ(NXRStatusBar::zoomText(33.333332f), "33.33%");
-    EXPECT_EQ(NXRStatusBar::zoomText(12.5f), "12.5%");
-    EXPECT_EQ(NXRStatusBar::zoomText(float(100.0 / 7.0)), "14.29%");
-    EXPECT_EQ(NXRStatusBar::zoomText(6.25f), "6.25%");
-    EXPECT_EQ(NXRStatusBar::zoomText(0.5f), "0.5%");
-    EXPECT_EQ(NXRStatusBar::zoomText(1600.0f), "1600%");
+    for (auto [zoom, text] : {std::pair{100.0f, "100%"}, {33.333332f, "33.33%"}, {12.5f, "12.5%"},
+                              {float(100.0 / 7.0), "14.29%"}, {6.25f, "6.25%"}, {0.5f, "0.5%"}, {1600.0f, "1600%"}})
+        EXPECT_EQ(NXRStatusBar::zoomText(zoom), text) << zoom;
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
+#include <QImage>
 #include <QTimer>
 
 #include <cstdlib>
@@ -29,6 +30,20 @@ inline QString usePrivateTempFolder()
         std::atexit([] { QDir(folder).removeRecursively(); });
     }
     return folder;
+}
+
+// A test picture, different for every seed; grey or colour.
+inline QImage pattern(int w, int h, int seed, bool grey = false)
+{
+    QImage img(w, h, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            if (grey)
+                img.scanLine(y)[x] = uchar(x * 3 + y * 5 + seed);
+            else
+                img.setPixel(x, y, qRgb((x + seed) & 255, (y * 2 + seed) & 255, (x ^ y) & 255));
+        }
+    return img;
 }
 
 // Waits in the event loop, as a transfer does.
@@ -57,7 +72,6 @@ public:
     int transferMs = 0;               // how long each download waits in the event loop
     std::function<void()> duringCopy; // runs inside that wait
     int downloads = 0;
-    int uploads = 0;
     QString lastPassword;
 
     // Where a controller path lives: "MC:\A\B.PNG" is <root>/MC/A/B.PNG.
@@ -69,9 +83,8 @@ public:
     }
     void put(const QString& controllerPath, const QByteArray& data) const
     {
-        const QString file = fileFor(controllerPath);
-        QDir().mkpath(QFileInfo(file).path());
-        QFile f(file);
+        QDir().mkpath(QFileInfo(fileFor(controllerPath)).path());
+        QFile f(fileFor(controllerPath));
         f.open(QIODevice::WriteOnly);
         f.write(data);
     }
@@ -95,18 +108,12 @@ public:
         return QFile::copy(source, localPath);
     }
 
-    bool copyToController(const QString& localPath, const QString&, const QString& controllerPath,
-                          const QString&, const QString&, QString* error) override
+    // The loader tests save nothing; saving is tested against the simulator.
+    bool copyToController(const QString&, const QString&, const QString&, const QString&, const QString&,
+                          QString* error) override
     {
-        ++uploads;
-        const QString target = fileFor(controllerPath);
-        QDir().mkpath(QFileInfo(target).path());
-        QFile::remove(target);
-        if (!QFile::copy(localPath, target)) {
-            *error = QStringLiteral("upload refused");
-            return false;
-        }
-        return true;
+        *error = QStringLiteral("saving is not part of this stand-in");
+        return false;
     }
 
 private:

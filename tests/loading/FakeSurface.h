@@ -3,7 +3,7 @@
 
 #include "imagedisplay/loading/ImageSurface.h"
 
-#include <QStringList>
+#include <QString>
 
 #include <algorithm>
 #include <functional>
@@ -29,9 +29,6 @@ public:
     bool busyPointer = false;
     int repaints = 0;
     int reinitializations = 0;
-    int fits = 0;
-    QSize viewport{640, 480};
-    QStringList toolBar; // "key=value" in order
     std::vector<MouseDown> replayed;
     std::function<void(const MouseDown&)> onReplay;
 
@@ -48,10 +45,7 @@ public:
     }
     float fitImage() override
     {
-        ++fits;
-        zoomValue = image.isNull() ? 100.0f
-                                   : std::min(viewport.width() * 100.0f / image.width(),
-                                              viewport.height() * 100.0f / image.height());
+        zoomValue = image.isNull() ? 100.0f : std::min(64000.0f / image.width(), 48000.0f / image.height());
         scroll = QPointF();
         return zoomValue;
     }
@@ -68,10 +62,7 @@ public:
         zoomValue = 100.0f;
         scroll = QPointF();
     }
-    void setViewButtonProperty(const QString& key, const QString& value) override
-    {
-        toolBar << key + QLatin1Char('=') + value;
-    }
+    void setViewButtonProperty(const QString&, const QString&) override {}
     void setBusyPointer(bool busy) override { busyPointer = busy; }
     void replayMouseDown(int button, int shift, double x, double y) override
     {

@@ -85,35 +85,31 @@ protected:
     QString path(const QString& name) const { return dir.filePath(name); }
 };
 
-TEST_F(ImageFileTest, LosslessFormatsRoundTripPixelForPixelAndGreyStaysGrey)
+TEST_F(ImageFileTest, RoundTripPerFormatKeepsGreyGreyAndThePixels)
 {
-    const QImage grey = greyRamp(301, 203);
-    const QImage colour = colourField(301, 203);
-    for (ImageFileFormat format : {ImageFileFormat::Png, ImageFileFormat::Bmp, ImageFileFormat::Gif}) {
+    // Lossless formats give the pixels back; JPEG stays close. GIF of many colours: see below.
+    const QImage grey = greyRamp(301, 203), colour = colourField(301, 203);
+    for (auto [format, greyError, colourError] : {std::tuple{ImageFileFormat::Png, 0.0, 0.0},
+                                                  {ImageFileFormat::Bmp, 0.0, 0.0},
+                                                  {ImageFileFormat::Gif, 0.0, -1.0},
+                                                  {ImageFileFormat::Jpeg, 4.0, 2.0}}) {
         const QString ext = ImageFile::extensionOf(format);
         SCOPED_TRACE(ext.toStdString());
-        ImageFile::write(grey, path("g" + ext), format);
-        EXPECT_TRUE(samePixels(ImageFile::read(path("g" + ext)), grey));
-        if (format == ImageFileFormat::Gif)
-            continue; // more than 256 colours: see the quantising test
-        ImageFile::write(colour, path("c" + ext), format);
-        EXPECT_TRUE(samePixels(ImageFile::read(path("c" + ext)), colour));
+        for (auto [original, error] : {std::pair{grey, greyError}, {colour, colourError}}) {
+            if (error < 0)
+                continue;
+            ImageFile::write(original, path("x" + ext), format);
+            const QImage back = ImageFile::read(path("x" + ext));
+            EXPECT_EQ(back.format(), original.format());
+            if (error == 0)
+                EXPECT_TRUE(samePixels(back, original));
+            else
+                EXPECT_LT(meanChannelError(back, original), error);
+        }
     }
-}
-
-TEST_F(ImageFileTest, JpegKeepsGreyGreyAndStaysCloseToTheOriginal)
-{
-    const QImage grey = greyRamp(320, 240);
-    ImageFile::write(grey, path("g.jpg"), ImageFileFormat::Jpeg);
-    const QImage g = ImageFile::read(path("g.jpg"));
-    EXPECT_EQ(g.format(), QImage::Format_Grayscale8);
-    EXPECT_LT(meanChannelError(g, grey), 4.0);
-
-    const QImage colour = colourField(320, 240);
-    ImageFile::write(colour, path("c.jpg"), ImageFileFormat::Jpeg);
-    const QImage c = ImageFile::read(path("c.jpg"));
-    EXPECT_EQ(c.format(), QImage::Format_RGB32);
-    EXPECT_LT(meanChannelError(c, colour), 2.0);
+    // Content decides the format, not the name.
+    ImageFile::write(grey, path("image.JPG"), ImageFileFormat::Png);
+    EXPECT_TRUE(samePixels(ImageFile::read(path("image.JPG")), grey));
 }
 
 TEST_F(ImageFileTest, GifOfAFewColoursIsExactAndOfManyColoursIsQuantisedClosely)
@@ -174,12 +170,6 @@ TEST_F(ImageFileTest, SixteenBitGreyAndTransparencySurvivePng)
     EXPECT_TRUE(samePixels(ImageFile::read(path("alpha.png")), alpha));
 }
 
-TEST_F(ImageFileTest, ContentDecidesTheFormatNotTheName)
-{
-    ImageFile::write(greyRamp(30, 20), path("image.JPG"), ImageFileFormat::Png);
-    EXPECT_TRUE(samePixels(ImageFile::read(path("image.JPG")), greyRamp(30, 20)));
-}
-
 TEST_F(ImageFileTest, TruncatedCorruptAndNonImageFilesGiveClearReasons)
 {
     const QImage colour = colourField(200, 150);
@@ -224,12 +214,10 @@ TEST_F(ImageFileTest, TruncatedCorruptAndNonImageFilesGiveClearReasons)
 
 TEST(ImageFileFormatTest, FormatFollowsTheControllerPathsExtensionWithJpegByDefault)
 {
-    EXPECT_EQ(ImageFile::formatForPath("MC:\\VISION\\A.png"), ImageFileFormat::Png);
-    EXPECT_EQ(ImageFile::formatForPath("MC:\\VISION\\A.Gif"), ImageFileFormat::Gif);
-    EXPECT_EQ(ImageFile::formatForPath("MC:\\VISION\\A.BMP"), ImageFileFormat::Bmp);
-    EXPECT_EQ(ImageFile::formatForPath("MC:\\VISION\\A.jpg"), ImageFileFormat::Jpeg);
-    EXPECT_EQ(ImageFile::formatForPath("MC:\\VISION\\A"), ImageFileFormat::Jpeg);
-    EXPECT_EQ(ImageFile::formatForPath("MC:\\VISION\\A.TIF"), ImageFileFormat::Jpeg);
+    for (auto [path, format] : {std::pair{"MC:\\VISION\\A.png", ImageFileFormat::Png}, {"MC:\\V\\A.Gif", ImageFileFormat::Gif},
+                                {"MC:\\V\\A.BMP", ImageFileFormat::Bmp}, {"MC:\\V\\A.jpg", ImageFileFormat::Jpeg},
+                                {"MC:\\V\\A", ImageFileFormat::Jpeg}, {"MC:\\V\\A.TIF", ImageFileFormat::Jpeg}})
+        EXPECT_EQ(ImageFile::formatForPath(path), format) << path;
 }
 
 TEST(LocalImagePathTest, StorageFolderPlusNormalisedSubfolderPlusImageAndExtension)

@@ -1,12 +1,14 @@
+// The loader and live mode against stand-ins for the display and the controller.
+
 #include "FakeFiles.h"
 #include "FakeSurface.h"
 
-#include "frame/Globals.h"
 #include "frame/ScriptableCore.h"
 #include "imagedisplay/loading/ImageFile.h"
 #include "imagedisplay/loading/ImageLoader.h"
 #include "imagedisplay/loading/LiveMode.h"
 
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -17,28 +19,12 @@ using namespace nxr::testing;
 
 namespace {
 
-QImage pattern(int w, int h, int seed, bool grey = false)
-{
-    QImage img(w, h, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            if (grey)
-                img.scanLine(y)[x] = uchar(x * 3 + y * 5 + seed);
-            else
-                img.setPixel(x, y, qRgb((x + seed) & 255, (y * 2 + seed) & 255, (x ^ y) & 255));
-        }
-    return img;
-}
-
 class ImageLoaderTest : public ::testing::Test
 {
 protected:
     void SetUp() override { usePrivateTempFolder(); }
 
-    void put(const QString& path, const QImage& img, ImageFileFormat format = ImageFileFormat::Png)
-    {
-        files.put(path, ImageFile::encode(img, format));
-    }
+    void put(const QString& path, const QImage& img) { files.put(path, ImageFile::encode(img, ImageFileFormat::Png)); }
     void load(const QString& path) { loader.loadImage("robot", path, "operator", "s3cret!"); }
 
     QObject owner;
@@ -69,10 +55,18 @@ TEST_F(ImageLoaderTest, CorruptImageInLiveModeKeepsTheLastImageAndAsksForTheNext
     EXPECT_TRUE(snap.wait(1000));
 }
 
-TEST_F(ImageLoaderTest, FailedCopyReportsTheTransferReasonWithoutThePassword)
+TEST_F(ImageLoaderTest, FailuresOutsideLiveModeEmptyTheDisplayAndHideThePassword)
 {
+    put("MC:\\V\\a.png", pattern(64, 48, 1));
+    files.put("MC:\\V\\note.jpg", "just some text, no picture\r\n");
+    load("MC:\\V\\a.png");
+    load("MC:\\V\\note.jpg");
+    EXPECT_EQ(core.lastError(), "Error in mflng_LoadNewImage: file MC:\\V\\note.jpg does not contain image");
+    EXPECT_TRUE(surface.image.isNull());
+    EXPECT_EQ(surface.reinitializations, 1);
+    load("MC:\\V\\a.png");
     load("MC:\\V\\missing.png");
-    EXPECT_EQ(errors, 1);
+    EXPECT_EQ(errors, 2);
     EXPECT_TRUE(core.lastError().startsWith("Error in mfbln_CopyFileFromController: no such file"))
         << core.lastError().toStdString();
     EXPECT_FALSE(core.lastError().contains("s3cret!"));
@@ -117,6 +111,155 @@ TEST_F(ImageLoaderTest, LoadImageCalledDuringATransferRunsAfterItInOrder)
     EXPECT_EQ(files.downloads, 3);
     EXPECT_EQ(surface.image, pattern(64, 48, 3));
     EXPECT_EQ(errors, 0);
+}
+
+
+class LiveModeTest : public ImageLoaderTest
+{
+protected:
+    void SetUp() override
+    {
+        ImageLoaderTest::SetUp();
+        for (int i = 0; i < 3; ++i) {
+            QImage img(160, 120, QImage::Format_Grayscale8);
+            img.fill(i * 60);
+            put(QString("MC:\\LIVE\\F%1.JPG").arg(i), img);
+        }
+    }
+    void loadFrame(int i) { load(QString("MC:\\LIVE\\F%1.JPG").arg(i % 3)); }
+
+    QSignalSpy toggled{&live, &LiveMode::liveModeToggled};
+    QSignalSpy snaps{&live, &LiveMode::snapRequested};
+};
+
+TEST_F(LiveModeTest, SnapLoadSnapCycleWithOneToggleEventPerTransition)
+{
+    // Each load waits 30 ms in the event loop; requests still come one interval apart, not one
+    // interval after each load.
+    files.transferMs = 30;
+    int frames = 0;
+    QElapsedTimer sinceFirst, sinceRequest;
+    qint64 shortestGap = 1000;
+    QObject::connect(&live, &LiveMode::snapRequested, [&] {
+        if (sinceRequest.isValid())
+            shortestGap = std::min(shortestGap, sinceRequest.elapsed());
+        sinceRequest.start();
+        if (frames++ == 0)
+            sinceFirst.start();
+        if (frames < 11)
+            loadFrame(frames);
+    });
+    live.turnOn(); // the tool bar's buttons during live mode are checked through the display
+    EXPECT_TRUE(surface.busyPointer);
+    live.turnOn(); // already on: no second event
+    loadFrame(0);
+    ASSERT_TRUE(waitFor([&] { return frames == 11; }));
+    const double period = sinceFirst.elapsed() / 10.0;
+    EXPECT_GE(shortestGap, LiveMode::kInterval * 19 / 20); // coarse timers may fire 5% early
+    EXPECT_LT(period, LiveMode::kInterval + 20.0);         // 30 ms loads hidden in the 40 ms
+    // The last request went unanswered: live mode waits, asking nothing more.
+    spin(150);
+    EXPECT_EQ(snaps.count(), 11);
+    EXPECT_FALSE(live.timer().isActive());
+
+    live.doAbort();
+    live.doAbort(); // already off: nothing
+    ASSERT_EQ(toggled.count(), 2);
+    EXPECT_TRUE(toggled[0][0].toBool());
+    EXPECT_FALSE(toggled[1][0].toBool());
+    EXPECT_FALSE(surface.busyPointer);
+    EXPECT_EQ(errors, 0);
+}
+
+TEST_F(LiveModeTest, SnapButtonAbortLetsTheRunningLoadFinishThenEndsLiveMode)
+{
+    files.transferMs = 200;
+    QElapsedTimer sinceRequest;
+    qint64 abortedAfter = -1;
+    QObject::connect(&live, &LiveMode::liveModeToggled, [&](bool on) {
+        if (!on)
+            abortedAfter = sinceRequest.elapsed();
+    });
+    QObject::connect(&live, &LiveMode::snapRequested, [&] { loadFrame(snaps.count()); });
+    files.duringCopy = [&] {
+        if (!sinceRequest.isValid()) {
+            live.requestAbort(); // the operator presses snap while an image is on its way
+            sinceRequest.start();
+            EXPECT_EQ(live.timer().interval(), LiveMode::kAbortInterval);
+        }
+    };
+    live.turnOn();
+    loadFrame(0);
+    EXPECT_EQ(qGray(surface.image.pixel(0, 0)), 0); // the running load finished and shows
+    EXPECT_TRUE(live.isOn());
+    ASSERT_TRUE(waitFor([&] { return !live.isOn(); }));
+    EXPECT_GE(abortedAfter, LiveMode::kAbortInterval * 9 / 10); // coarse timers may fire 5% early
+    EXPECT_EQ(snaps.count(), 0);
+    EXPECT_EQ(toggled.count(), 2);
+    EXPECT_FALSE(live.abortRequested());
+    EXPECT_EQ(live.timer().interval(), LiveMode::kInterval);
+    spin(100);
+    EXPECT_EQ(toggled.count(), 2);
+    EXPECT_EQ(files.downloads, 1);
+}
+
+TEST_F(LiveModeTest, AbortLiveModeWhileAnAbortIsPendingRaisesOneEventAndLeavesANormalTimer)
+{
+    live.turnOn();
+    loadFrame(0);
+    live.requestAbort();
+    live.doAbort(); // AbortLiveMode from the page
+    spin(LiveMode::kAbortInterval + 100);
+    EXPECT_EQ(toggled.count(), 2);
+    EXPECT_EQ(snaps.count(), 0);
+    // A new session runs at the normal pace.
+    live.turnOn();
+    loadFrame(1);
+    QElapsedTimer clock;
+    clock.start();
+    ASSERT_TRUE(snaps.wait(1000));
+    EXPECT_LT(clock.elapsed(), LiveMode::kAbortInterval / 2);
+    EXPECT_EQ(toggled.count(), 3);
+}
+
+TEST_F(LiveModeTest, ZoomClicksDuringALiveLoadAreQueuedAndReplayedInOrderAfterIt)
+{
+    EXPECT_FALSE(live.deferMouseDown(1, 0, 5, 5)); // not busy: handled at once by the caller
+    files.transferMs = 120;
+    QImage shownDuringReplay;
+    surface.onReplay = [&](const MouseDown&) { shownDuringReplay = surface.image; };
+    files.duringCopy = [&] {
+        EXPECT_TRUE(live.isBusy());
+        EXPECT_TRUE(live.deferMouseDown(1, 0, 10.5, 20.25));
+        EXPECT_TRUE(live.deferMouseDown(2, 1, 30, 40));
+        EXPECT_TRUE(live.deferMouseDown(1, 4, 0.125, 479));
+        EXPECT_TRUE(surface.replayed.empty());
+    };
+    live.turnOn();
+    loadFrame(2);
+    EXPECT_FALSE(live.isBusy());
+    EXPECT_EQ(surface.replayed,
+              (std::vector<MouseDown>{{1, 0, 10.5, 20.25}, {2, 1, 30, 40}, {1, 4, 0.125, 479}}));
+    EXPECT_EQ(shownDuringReplay, surface.image); // replayed onto the new image, not the old one
+    EXPECT_EQ(live.queuedCount(), 0);
+}
+
+TEST_F(LiveModeTest, TickWaitsWhileBusyAndStopsWhenLiveModeIsOff)
+{
+    live.turnOn();
+    live.setBusy(true);
+    live.loadFinished(); // timer on
+    spin(150);
+    EXPECT_EQ(snaps.count(), 0);
+    EXPECT_TRUE(live.timer().isActive());
+    live.setBusy(false);
+    ASSERT_TRUE(snaps.wait(500));
+    EXPECT_FALSE(live.timer().isActive());
+
+    // Outside live mode a finished load starts nothing.
+    live.doAbort();
+    live.loadFinished();
+    EXPECT_FALSE(live.timer().isActive());
 }
 
 } // namespace
