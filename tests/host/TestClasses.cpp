@@ -9,7 +9,7 @@
 
 NXR_REGISTER_CLASS(TestClickPad)
 NXR_REGISTER_CLASS(TestCounter)
-NXR_REGISTER_CLASS(TestUnsafeObject)
+NXR_REGISTER_CLASS(TestNoInitPad)
 NXR_REGISTER_CLASS(TestUnsafeWidget)
 
 namespace {
@@ -26,13 +26,6 @@ QString buttonName(Qt::MouseButton b)
     default:
         return QStringLiteral("none");
     }
-}
-
-nxr::HResult refuse(const QString& iid, std::uint32_t* supported, std::uint32_t* enabled)
-{
-    *supported = nxr::kSafeForUntrustedCaller | nxr::kSafeForUntrustedData;
-    *enabled = 0;
-    return iid == nxr::kIID_IDispatch ? nxr::S_Ok : nxr::E_NoInterface;
 }
 
 } // namespace
@@ -96,12 +89,7 @@ void TestClickPad::keyPressEvent(QKeyEvent* e)
 TestCounter::TestCounter(QObject* parent) : nxr::ScriptableObject(parent)
 {
     properties().add(
-        QStringLiteral("Count"),
-        [this](const QString& v) {
-            if (!nxr::isNumeric(v))
-                throw nxr::Failure(QStringLiteral("Type mismatch"));
-            m_count = nxr::toInteger(v);
-        },
+        QStringLiteral("Count"), [this](const QString& v) { m_count = nxr::toInteger(v); },
         [this] { return QString::number(m_count); });
 }
 
@@ -111,18 +99,21 @@ void TestCounter::Add(int amount)
     Q_EMIT OnChanged(m_count);
 }
 
-TestUnsafeObject::TestUnsafeObject(QObject* parent) : nxr::ScriptableObject(parent) {}
-
-nxr::HResult TestUnsafeObject::GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
-                                                         std::uint32_t* enabled)
-{
-    return refuse(iid, supported, enabled);
-}
-
 TestUnsafeWidget::TestUnsafeWidget(QWidget* parent) : nxr::ScriptableWidget(parent) {}
 
 nxr::HResult TestUnsafeWidget::GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
                                                          std::uint32_t* enabled)
 {
-    return refuse(iid, supported, enabled);
+    *supported = nxr::kSafeForUntrustedCaller | nxr::kSafeForUntrustedData;
+    *enabled = 0;
+    return iid == nxr::kIID_IDispatch ? nxr::S_Ok : nxr::E_NoInterface;
+}
+
+nxr::HResult TestNoInitPad::GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
+                                                      std::uint32_t* enabled)
+{
+    const nxr::HResult result = TestClickPad::GetInterfaceSafetyOptions(iid, supported, enabled);
+    if (iid == nxr::kIID_IPersistPropertyBag)
+        *enabled = 0;
+    return result;
 }

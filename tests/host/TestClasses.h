@@ -58,21 +58,22 @@ private:
     int m_count = 0;
 };
 
-// Classes that answer that they are not safe for scripting.
-class TestUnsafeObject : public nxr::ScriptableObject
-{
-    Q_OBJECT
-public:
-    explicit TestUnsafeObject(QObject* parent = nullptr);
-    nxr::HResult GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
-                                           std::uint32_t* enabled) override;
-};
-
+// A control that answers it is not safe for scripting.
 class TestUnsafeWidget : public nxr::ScriptableWidget
 {
     Q_OBJECT
 public:
     explicit TestUnsafeWidget(QWidget* parent = nullptr);
+    nxr::HResult GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
+                                           std::uint32_t* enabled) override;
+};
+
+// A pad that may be scripted but not initialised from the form's data.
+class TestNoInitPad : public TestClickPad
+{
+    Q_OBJECT
+public:
+    explicit TestNoInitPad(QWidget* parent = nullptr) : TestClickPad(parent) {}
     nxr::HResult GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
                                            std::uint32_t* enabled) override;
 };
