@@ -22,13 +22,12 @@ struct PageRun
     bool timedOut = false;
     QString out;
     QString err;
-    QStringList outLines() const;
+    QStringList outLines() const { return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts); }
 };
 
 class PageRunner
 {
 public:
-    PageRunner();
     QString dir() const { return m_dir.path(); }
     QString path(const QString& name) const { return m_dir.filePath(name); }
     // Writes a file (folders made as needed); returns its path.

@@ -41,11 +41,11 @@ QStringList baseArg(const TestHttpServer& server)
 struct PageCase
 {
     const char* name;
-    QByteArray js;
-    QStringList extra;
     int code;
     QString out;
     QString err;
+    QByteArray js;
+    QStringList extra = {};
 };
 
 void runCases(const PageRunner& runner, const QByteArray& ui, const QList<PageCase>& cases)
@@ -61,43 +61,12 @@ void runCases(const PageRunner& runner, const QByteArray& ui, const QList<PageCa
 
 } // namespace
 
-TEST(HostPage, ObjectsAreCreatedByClassNameAndScripted)
-{
-    PageRunner runner;
-    const PageRun run = runner.runPage(QStringLiteral("objects"), kEmptyForm, R"JS(
-var a = createObject("TestCounter");
-var b = createObject("NexaroControls.TestCounter");
-a.Count = 5;
-console.log("count " + a.Count);
-a.SetProperty("Count", "12");
-console.log("keyed " + a.GetProperty("Count") + " " + a.Count);
-a.OnChanged.connect(function (n) { console.log("changed " + n); });
-a.Add(3);
-b.Count = 1;
-console.log("b " + b.Count + " a " + a.Count);
-var pad = createObject("TestClickPad");
-pad.OnButtonClicked.connect(function (name) { console.log("event " + name); });
-pad.Fire("Snap");
-console.log("pad " + pad.visible);
-try { createObject("NoSuchClass"); } catch (e) { console.log("no class: " + e.message); }
-)JS");
-    EXPECT_RUN(run, 0);
-    EXPECT_EQ(run.outLines(), (QStringList{
-                                  "count 5",
-                                  "keyed 12 12",
-                                  "changed 15",
-                                  "b 1 a 15",
-                                  "event Snap",
-                                  "pad true",
-                                  "no class: createObject: no class named \"NoSuchClass\" (see --list-classes)",
-                              }));
-}
-
 TEST(HostPage, SynthesizedInputReachesTheControlUnderThePoint)
 {
     PageRunner runner;
     const QByteArray items =
         PageRunner::item("QLineEdit", "txt_Name") + PageRunner::item("QPushButton", "cmd_Ok") + kPad;
+    const QString shot = runner.path("out/shot.png");
     const PageRun run = runner.runPage(QStringLiteral("input"), PageRunner::form(400, 300, items), R"JS(
 var okClicks = 0;
 cmd_Ok.clicked.connect(function () { okClicks++; });
@@ -114,7 +83,9 @@ host.type(txt_Name, "bc");
 host.key(txt_Name, "Backspace");
 console.log("ok " + okClicks + " pad events " + padEvents + " text " + txt_Name.text);
 console.log("pad " + ctl_Pad.Log);
-)JS");
+host.screenshot("mid.png");
+)JS",
+                                       {"--screenshot", shot});
     EXPECT_RUN(run, 0);
     EXPECT_EQ(lineStartingWith(run, "ok "), "ok 1 pad events 4 text Ab");
     // Positions arrive in the pad's own coordinates although it sits below two other widgets.
@@ -129,9 +100,26 @@ console.log("pad " + ctl_Pad.Log);
     ASSERT_GE(pad.size(), expected.size()) << qPrintable(pad.join('\n'));
     EXPECT_EQ(pad.mid(0, expected.size()), expected);
     EXPECT_TRUE(pad.mid(expected.size()).contains("key S '' ctrl")) << qPrintable(pad.join('\n'));
+
+    // Screenshots, one taken by the script and one at the end of the run: PNG files of the page
+    // window with the pad drawn in it.
+    EXPECT_TRUE(run.out.contains("screenshot written to " + shot + " (400x300)")) << qPrintable(run.out);
+    for (const QString& file : {shot, runner.path("mid.png")}) {
+        QFile f(file);
+        ASSERT_TRUE(f.open(QIODevice::ReadOnly)) << qPrintable(file);
+        EXPECT_TRUE(f.read(8) == QByteArray("\x89PNG\r\n\x1a\n", 8)) << qPrintable(file);
+        const QImage image(file);
+        EXPECT_EQ(image.size(), QSize(400, 300));
+        int padPixels = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                padPixels += (image.pixel(x, y) | 0xff000000) == TestClickPad::kColor;
+        EXPECT_GE(padPixels, 120 * 80) << qPrintable(file);
+        EXPECT_NE(image.pixel(1, 1) | 0xff000000, TestClickPad::kColor);
+    }
 }
 
-TEST(HostPage, ObjectsAreAskedWhetherTheyAreSafeToScriptAndToInitialise)
+TEST(HostPage, ObjectsAreCreatedByClassNameScriptedAndAskedForSafety)
 {
     PageRunner runner;
     const QByteArray props = R"(<property name="Caption"><string>from the form</string></property>
@@ -139,7 +127,19 @@ TEST(HostPage, ObjectsAreAskedWhetherTheyAreSafeToScriptAndToInitialise)
     const QByteArray items = PageRunner::item("TestUnsafeWidget", "ctl_Unsafe") +
                              PageRunner::item("TestClickPad", "ctl_Pad", props) +
                              PageRunner::item("TestNoInitPad", "ctl_NoInit", props);
-    const PageRun run = runner.runPage(QStringLiteral("safety"), PageRunner::form(300, 300, items), R"JS(
+    const PageRun run = runner.runPage(QStringLiteral("objects"), PageRunner::form(300, 300, items), R"JS(
+var a = createObject("TestCounter");
+var b = createObject("NexaroControls.TestCounter");
+a.SetProperty("Count", "12");
+a.OnChanged.connect(function (n) { console.log("changed " + n); });
+a.Add(3);
+b.Count = 1;
+console.log("keyed " + a.GetProperty("Count") + " a " + a.Count + " b " + b.Count);
+var pad = createObject("TestClickPad");
+pad.OnButtonClicked.connect(function (name) { console.log("event " + name); });
+pad.Fire("Snap");
+console.log("created pad shown " + pad.visible);
+try { createObject("NoSuchClass"); } catch (e) { console.log(e.message); }
 console.log("unsafe " + typeof ctl_Unsafe + ", created " + createObject("NexaroControls.TestUnsafeWidget"));
 console.log("pad " + ctl_Pad.Caption + ", " + ctl_Pad.toolTip);
 console.log("no init [" + ctl_NoInit.Caption + "], [" + ctl_NoInit.toolTip + "], " + ctl_NoInit.visible);
@@ -147,8 +147,17 @@ ctl_NoInit.Caption = "from the script";
 console.log("scripted " + ctl_NoInit.GetProperty("Caption"));
 )JS");
     EXPECT_RUN(run, 0);
-    EXPECT_EQ(run.outLines(), (QStringList{"unsafe undefined, created null", "pad from the form, tip",
-                                           "no init [], [], true", "scripted from the script"}));
+    EXPECT_EQ(run.outLines(), (QStringList{
+                                  "changed 15",
+                                  "keyed 15 a 15 b 1",
+                                  "event Snap",
+                                  "created pad shown true",
+                                  "createObject: no class named \"NoSuchClass\" (see --list-classes)",
+                                  "unsafe undefined, created null",
+                                  "pad from the form, tip",
+                                  "no init [], [], true",
+                                  "scripted from the script",
+                              }));
     for (const char* text : {"ctl_Unsafe (TestUnsafeWidget) is not safe for scripting",
                              "(NexaroControls.TestUnsafeWidget) is not safe for scripting",
                              "ctl_NoInit (TestNoInitPad) is not safe for initialising; it is created without "
@@ -160,97 +169,66 @@ console.log("scripted " + ctl_NoInit.GetProperty("Caption"));
 TEST(HostPage, ScriptErrorsNameFileAndLineAndFailTheRun)
 {
     PageRunner runner;
-    runCases(runner, PageRunner::form(300, 200, kPad),
-             {
-                 {"main", "console.log(\"before\");\nvar x = 1;\nmissingFunction();\nconsole.log(\"after\");\n",
-                  {}, 2, "before", "$DIR/main/page.js:3: ReferenceError: missingFunction is not defined"},
-                 {"handler", R"JS(ctl_Pad.OnButtonClicked.connect(function (name) {
-  throw new Error("handler failed " + name);
-});
-ctl_Pad.Fire("Snap");
-console.log("still running");
-)JS",
-                  {}, 2, "still running", "$DIR/handler/page.js:2: Error: handler failed Snap"},
-                 {"timer", "var a = 1;\nsetTimeout(function () {\n  null.property;\n}, 10);\n", {}, 2, "",
-                  "$DIR/timer/page.js:3: TypeError"},
-                 {"syntax", "var ok = 1;\nvar broken = ;\n", {}, 2, "", "$DIR/syntax/page.js:2: SyntaxError"},
-                 // Raised inside the host's own wrapper, reported at the page's line that called it.
-                 {"wrapped", "var a = 1;\nsetTimeout(\"code\", 5);\n", {}, 2, "",
-                  "$DIR/wrapped/page.js:2: TypeError: setTimeout"},
-             });
-}
-
-TEST(HostPage, ScreenshotIsAPngOfThePageWindow)
-{
-    PageRunner runner;
-    const QString shot = runner.path("out/shot.png");
-    const PageRun run = runner.runPage(QStringLiteral("shot"), PageRunner::form(300, 220, kPad),
-                                       "host.screenshot(\"mid.png\");\n", {"--screenshot", shot});
-    EXPECT_RUN(run, 0);
-    EXPECT_TRUE(run.out.contains("screenshot written to " + shot + " (300x220)")) << qPrintable(run.out);
-    for (const QString& file : {shot, runner.path("mid.png")}) {
-        QFile f(file);
-        ASSERT_TRUE(f.open(QIODevice::ReadOnly)) << qPrintable(file);
-        EXPECT_TRUE(f.read(8) == QByteArray("\x89PNG\r\n\x1a\n", 8)) << qPrintable(file);
-        const QImage image(file);
-        EXPECT_EQ(image.size(), QSize(300, 220));
-        // The pad fills the layout: its colour away from its diagonal, the window's own at the edge.
-        EXPECT_EQ(image.pixel(60, 150) | 0xff000000, TestClickPad::kColor);
-        EXPECT_NE(image.pixel(1, 1) | 0xff000000, TestClickPad::kColor);
-    }
+    // clang-format off
+    runCases(runner, PageRunner::form(300, 200, kPad), {
+        {"main", 2, "before", "$DIR/main/page.js:3: ReferenceError: missingFunction is not defined",
+         "console.log(\"before\");\nvar x = 1;\nmissingFunction();\nconsole.log(\"after\");\n"},
+        {"handler", 2, "still running", "$DIR/handler/page.js:2: Error: handler failed Snap",
+         "ctl_Pad.OnButtonClicked.connect(function (name) {\n  throw new Error(\"handler failed \" + name);\n});\n"
+         "ctl_Pad.Fire(\"Snap\");\nconsole.log(\"still running\");\n"},
+        {"timer", 2, "", "$DIR/timer/page.js:3: TypeError",
+         "var a = 1;\nsetTimeout(function () {\n  null.property;\n}, 10);\n"},
+        {"syntax", 2, "", "$DIR/syntax/page.js:2: SyntaxError", "var ok = 1;\nvar broken = ;\n"},
+        // Raised inside the host's own wrapper, reported at the page's line that called it.
+        {"wrapped", 2, "", "$DIR/wrapped/page.js:2: TypeError: setTimeout", "var a = 1;\nsetTimeout(\"code\", 5);\n"},
+    });
+    // clang-format on
 }
 
 TEST(HostPage, XmlHttpRequestTalksToAServer)
 {
     TestHttpServer server;
-    server.set("/data", {200, "text/plain", "hello data"});
-    server.set("/json", {200, "application/json", R"({"list": [1, 2]})"});
+    server.set("/data", "text/plain", "hello data");
+    server.set("/json", "application/json", R"({"list": [1, 2]})");
+    server.set("/login", "text/plain", "welcome", "Set-Cookie: session=abc123; Max-Age=3600; Path=/\r\n");
     PageRunner runner;
     runner.write("xhr/local.txt", "beside the page");
+    // Steps run one after the other; each ends with done(its line).
     const PageRun run = runner.runPage(QStringLiteral("xhr"), kEmptyForm, R"JS(
-var base = host.args.base;
-var log = [];
-var steps = [];
+var log = [], steps = [];
 function step(name, fn) { steps.push([name, fn]); }
 function next() {
-  if (steps.length === 0) { console.log(log.join("\n")); return; }
+  if (steps.length === 0) return finish();
   var s = steps.shift();
   s[1](function (line) { log.push(s[0] + ": " + line); next(); });
 }
-function request(method, url) { var x = new XMLHttpRequest(); x.open(method, url); return x; }
+function request(path, method) {
+  var x = new XMLHttpRequest();
+  x.open(method || "GET", path.indexOf(":") < 0 ? host.args.base + path : path);
+  return x;
+}
+function show(x, done, body) { x.onload = function () { done(x.status + " " + x.responseText); }; x.send(body); }
 step("get", function (done) {
-  var x = request("GET", base + "/data");
+  var x = request("/data");
   x.onreadystatechange = function () { if (x.readyState === 4) done(x.status + " " + x.responseText); };
   x.send();
 });
-step("missing", function (done) {
-  var x = request("GET", base + "/missing");
-  x.onload = function () { done(x.status); };
-  x.send();
-});
-step("post", function (done) {
-  var x = request("POST", base + "/echo");
-  x.setRequestHeader("X-Test", "yes");
-  x.onload = function () { done(x.status + " " + x.responseText); };
-  x.send("payload");
-});
+step("missing", function (done) { show(request("/missing"), done); });
+step("post", function (done) { var x = request("/echo", "POST"); x.setRequestHeader("X-Test", "yes"); show(x, done, "payload"); });
 step("refused", function (done) {
-  var x = new XMLHttpRequest();
+  var x = request("http://127.0.0.1:1/");
   x.onerror = function () { done("error status " + x.status + " state " + x.readyState); };
-  x.onload = function () { done("loaded?"); };
-  x.open("GET", "http://127.0.0.1:1/");
   console.log("before send " + x.readyState + " " + x.status);
   x.send();
 });
 step("timeout", function (done) {
-  var x = request("GET", base + "/hang");
+  var x = request("/hang");
   x.timeout = 200;
   x.ontimeout = function () { done("timed out, status " + x.status); };
   x.send();
 });
 step("abort", function (done) {
-  var x = request("GET", base + "/hang");
-  var events = [];
+  var x = request("/hang"), events = [];
   x.addEventListener("abort", function (e) { events.push(e.type + " " + x.readyState); });
   x.onloadend = function () { events.push("loadend"); };
   x.send();
@@ -258,7 +236,7 @@ step("abort", function (done) {
   done(events.join(",") + " then state " + x.readyState);
 });
 step("json", function (done) {
-  var x = request("GET", base + "/json");
+  var x = request("/json");
   x.responseType = "json";
   x.addEventListener("load", function () {
     done(x.response.list.length + " " + x.getResponseHeader("content-type") + " " + x.getResponseHeader("nope"));
@@ -267,26 +245,35 @@ step("json", function (done) {
 });
 step("sync", function (done) {
   var x = new XMLHttpRequest();
-  x.open("GET", base + "/json", false);
+  x.open("GET", host.args.base + "/json", false);
   x.send();
   done(x.readyState + " " + x.status + " " + x.responseText);
 });
-step("local", function (done) {
-  var x = request("GET", "local.txt");
-  x.onload = function () { done(x.status + " " + x.responseText); };
+step("local", function (done) { var x = new XMLHttpRequest(); x.open("GET", "local.txt"); show(x, done); });
+step("cookie", function (done) {
+  var x = request("/login");
+  x.onload = function () { show(request("/cookie"), done); };
   x.send();
 });
-step("misuse", function (done) {
-  try { new XMLHttpRequest().send(); } catch (e) { done(String(e)); }
-});
+step("misuse", function (done) { try { new XMLHttpRequest().send(); } catch (e) { done(String(e)); } });
+// A run that ends with requests under way drops them cleanly.
+function finish() {
+  console.log(log.join("\n"));
+  for (var i = 0; i < 3; ++i) {
+    var x = request("/hang");
+    x.onloadend = function () { console.log("must not be called"); };
+    x.send();
+  }
+  setTimeout(function () { host.exit(5); }, 100);
+}
 next();
 )JS",
                                        baseArg(server));
-    EXPECT_RUN(run, 0);
+    EXPECT_RUN(run, 5);
     EXPECT_EQ(run.outLines(), (QStringList{
                                   "before send 1 0",
                                   "get: 200 hello data",
-                                  "missing: 404",
+                                  "missing: 404 not here",
                                   "post: 200 POST yes payload",
                                   "refused: error status 0 state 4",
                                   "timeout: timed out, status 0",
@@ -294,65 +281,50 @@ next();
                                   "json: 2 application/json null",
                                   "sync: 4 200 {\"list\": [1, 2]}",
                                   "local: 200 beside the page",
+                                  "cookie: 200 cookie: session=abc123",
                                   "misuse: Error: InvalidStateError: send() needs open() first",
                               }));
 
-    // Cookies a server sets are sent back, in the same run and in the next one (the host's jar
-    // is kept on disk).
-    server.set("/login", {200, "text/plain", "welcome", "Set-Cookie: session=abc123; Max-Age=3600; Path=/\r\n"});
-    const QByteArray cookieScript = R"JS(
-function get(path, done) {
-  var x = new XMLHttpRequest();
-  x.onload = function () { done(x.responseText); };
-  x.open("GET", host.args.base + path);
-  x.send();
-}
-var show = function () { get("/cookie", function (t) { console.log(t); }); };
-if (host.args.login === "yes") get("/login", show); else show();
-)JS";
-    for (const QStringList& login : {QStringList{"--script-arg", "login=yes"}, QStringList{}}) {
-        const PageRun again =
-            runner.runPage(QStringLiteral("cookies"), kEmptyForm, cookieScript, baseArg(server) + login);
-        EXPECT_RUN(again, 0);
-        EXPECT_EQ(again.out.trimmed(), "cookie: session=abc123");
-    }
-
-    // A run that ends with requests under way drops them cleanly.
-    const PageRun pending = runner.runPage(QStringLiteral("pending"), kEmptyForm, R"JS(
-for (var i = 0; i < 3; ++i) {
-  var x = new XMLHttpRequest();
-  x.onloadend = function () { console.log("must not be called"); };
-  x.open("GET", host.args.base + "/hang");
-  x.send();
-}
-setTimeout(function () { host.exit(5); }, 100);
+    // The cookie set in the first run is sent in the next one: the host's jar is kept on disk.
+    const PageRun again = runner.runPage(QStringLiteral("cookie"), kEmptyForm, R"JS(
+var x = new XMLHttpRequest();
+x.onload = function () { console.log(x.responseText); };
+x.open("GET", host.args.base + "/cookie");
+x.send();
 )JS",
-                                           baseArg(server));
-    EXPECT_RUN(pending, 5);
-    EXPECT_EQ(pending.out, QString());
+                                         baseArg(server));
+    EXPECT_RUN(again, 0);
+    EXPECT_EQ(again.out.trimmed(), "cookie: session=abc123");
 }
 
 TEST(HostPage, RemotePageIsFetchedWithItsScriptThroughTheUrlCache)
 {
     TestHttpServer server;
-    server.set("/site/page.json",
-               {200, "application/json", R"({"form": "p.ui", "script": ["p.js"], "title": "Remote"})"});
-    server.set("/site/p.ui",
-               {200, "text/xml", PageRunner::form(200, 120, PageRunner::item("QLabel", "lbl_Text"))});
-    server.set("/site/p.js", {200, "text/javascript", R"JS(
+    server.set("/site/page.json", "application/json",
+               R"({"form": "p.ui", "script": ["../lib/lib.js", "p.js"], "title": "Remote"})");
+    server.set("/site/p.ui", "text/xml", PageRunner::form(200, 120, PageRunner::item("QLabel", "lbl_Text")));
+    server.set("/lib/lib.js", "text/javascript", "var lib = \"lib\";");
+    server.set("/site/p.js", "text/javascript", R"JS(
 lbl_Text.text = "from the server";
 var x = new XMLHttpRequest();
-x.onload = function () { console.log(host.window.windowTitle + ": " + lbl_Text.text + ", " + x.responseText); };
+x.onload = function () {
+  console.log(host.window.windowTitle + ": " + (typeof lib === "undefined" ? "no lib" : lib) + ", " + lbl_Text.text +
+              ", " + x.responseText);
+};
 x.open("GET", "data.txt");
 x.send();
-)JS"});
-    server.set("/site/data.txt", {200, "text/plain", "relative data"});
+)JS");
+    server.set("/site/data.txt", "text/plain", "relative data");
     PageRunner runner;
-    // A form URL brings the script of the same name; the title then comes from the form.
-    for (const auto& [page, title] : {std::pair{server.url("/site/"), "Remote"}, {server.url("/site/p.ui"), "p"}}) {
-        const PageRun run = runner.run({"--headless", "--timeout", "20000", page});
+    // A folder URL means its page.json; a form URL brings the script of the same name, the title
+    // then comes from the form.
+    for (const auto& [page, first] : {std::pair{"/site", "Remote: lib"},
+                                      {"/site/", "Remote: lib"},
+                                      {"/site/page.json", "Remote: lib"},
+                                      {"/site/p.ui", "p: no lib"}}) {
+        const PageRun run = runner.run({"--headless", "--timeout", "20000", server.url(page)});
         EXPECT_RUN(run, 0);
-        EXPECT_EQ(run.outLines(), QStringList{QString(title) + ": from the server, relative data"});
+        EXPECT_EQ(run.outLines(), QStringList{QString(first) + ", from the server, relative data"});
     }
 
     // The page's files went through the library's URL cache (in the runs' own cache folder).
@@ -371,9 +343,9 @@ x.send();
 TEST(HostPage, TimersRunInDueOrderAndWaitKeepsTheLoopRunning)
 {
     PageRunner runner;
-    runCases(runner, kEmptyForm,
-             {
-                 {"order", R"JS(
+    // clang-format off
+    runCases(runner, kEmptyForm, {
+        {"order", 0, "sync t0 t0-inner t10a t10b t30:xy iv1 iv2 iv3", "", R"JS(
 var log = [];
 setTimeout(function (a, b) { log.push("t30:" + a + b); }, 30, "x", "y");
 setTimeout(function () { log.push("t10a"); }, 10);
@@ -385,19 +357,17 @@ var n = 0;
 var iv = setInterval(function () { n++; log.push("iv" + n); if (n === 3) clearInterval(iv); }, 40);
 log.push("sync");
 setTimeout(function () { console.log(log.join(" ")); }, 400);
-)JS",
-                  {}, 0, "sync t0 t0-inner t10a t10b t30:xy iv1 iv2 iv3", ""},
-                 {"wait", R"JS(
+)JS"},
+        {"wait", 0, "before timer after", "", R"JS(
 var log = [];
 setTimeout(function () { log.push("timer"); }, 20);
 log.push("before");
 host.wait(150);
 log.push("after");
 console.log(log.join(" "));
-)JS",
-                  {}, 0, "before timer after", ""},
-                 // Timers that fall due together (the script kept the loop busy) still run by due time.
-                 {"blocked", R"JS(
+)JS"},
+        // Timers that fall due together (the script kept the loop busy) still run by due time.
+        {"blocked", 0, "a b c", "", R"JS(
 var log = [];
 setTimeout(function () { log.push("c"); }, 30);
 setTimeout(function () { log.push("b"); }, 10);
@@ -405,55 +375,40 @@ setTimeout(function () { log.push("a"); }, 0);
 var until = Date.now() + 80;
 while (Date.now() < until) {}
 setTimeout(function () { console.log(log.join(" ")); }, 0);
-)JS",
-                  {}, 0, "a b c", ""},
-             });
+)JS"},
+    });
+    // clang-format on
 }
 
 TEST(HostPage, RunEndsByExitIdleTimeLimitOrTimeout)
 {
     PageRunner runner;
     const QByteArray endless = "var n = 0;\nsetInterval(function () { n++; }, 10);\n";
-    runCases(runner, kEmptyForm,
-             {
-                 {"exit",
-                  "console.log(\"a\");\nsetTimeout(function () { console.log(\"t\"); }, 0);\n"
-                  "host.exit(7);\nconsole.log(\"b\");\n",
-                  {}, 7, "a", ""},
-                 // Idle: the run waits for the pending timer, then ends by itself.
-                 {"idle", "setTimeout(function () { console.log(\"late\"); }, 300);\n", {}, 0, "late", ""},
-                 {"limited", endless, {"--exit-after", "300"}, 0, "", ""},
-                 {"endless", endless, {"--timeout", "500"}, 3, "", "timed out after 500 ms"},
-             });
-
-    const PageRun absent = runner.run({"--headless", runner.path("no-such-page")});
-    EXPECT_RUN(absent, 1);
-    EXPECT_TRUE(absent.err.contains("cannot load the page: no page at")) << qPrintable(absent.err);
-    const PageRun badOption = runner.run({"--headless", "--exit-after", "soon", runner.path("exit")});
-    EXPECT_RUN(badOption, 1);
-    EXPECT_TRUE(badOption.err.contains("--exit-after needs a number")) << qPrintable(badOption.err);
+    // clang-format off
+    runCases(runner, kEmptyForm, {
+        {"exit", 7, "a", "",
+         "console.log(\"a\");\nsetTimeout(function () { console.log(\"t\"); }, 0);\nhost.exit(7);\nconsole.log(\"b\");\n"},
+        // Idle: the run waits for the pending timer, then ends by itself.
+        {"idle", 0, "late", "", "setTimeout(function () { console.log(\"late\"); }, 300);\n"},
+        {"limited", 0, "", "", endless, {"--exit-after", "300"}},
+        {"endless", 3, "", "timed out after 500 ms", endless, {"--timeout", "500"}},
+    });
+    // clang-format on
+    for (const auto& [args, err] :
+         {std::pair{QStringList{runner.path("no-such-page")}, "cannot load the page: no page at"},
+          {{"--exit-after", "soon", runner.path("exit")}, "--exit-after needs a number"}}) {
+        const PageRun run = runner.run(QStringList{"--headless"} + args);
+        EXPECT_RUN(run, 1);
+        EXPECT_TRUE(run.err.contains(err)) << qPrintable(run.err);
+    }
 }
 
 TEST(HostPage, FirstPageShowsTheHelperObjectsFindings)
 {
+    // The first page, driven like a user by a second script: it types a version number, clicks
+    // Check and picks a language with the keyboard.
     PageRunner runner;
     runner.setEnv(QStringLiteral("TORVIK_LANG"), QStringLiteral("kn"));
-    const QString shot = runner.path("first.png");
-    const PageRun run =
-        runner.run({"--headless", "--screenshot", shot, QStringLiteral(PAGES_DIR "/first-page")}, 60000,
-                   QStringLiteral(NEXARO_PAGE));
-    EXPECT_RUN(run, 0);
-    const QStringList lines = run.outLines();
-    EXPECT_TRUE(lines.contains("version 64 served: true, version 65 served: false")) << qPrintable(run.out);
-    EXPECT_TRUE(lines.contains("TORVIK_LANG: kn")) << qPrintable(run.out);
-    EXPECT_TRUE(QRegularExpression("^controller software: V\\d\\.\\d\\d[A-Z]/\\d\\d$")
-                    .match(lineStartingWith(run, "controller software: "))
-                    .hasMatch())
-        << qPrintable(run.out);
-    EXPECT_EQ(QImage(shot).size(), QSize(560, 300));
-
-    // Driven like a user: another script on the same page types a version number, clicks Check
-    // and picks a language with the keyboard.
     runner.write("drive/drive.js", R"JS(
 host.key(spn_VNUM, "Ctrl+A");
 host.type(spn_VNUM, "65");
@@ -468,9 +423,18 @@ console.log("language: " + lbl_Language.text);
         "script": ["%1/first-page/first-page.js", "drive.js"]})")
                                         .arg(QStringLiteral(PAGES_DIR))
                                         .toUtf8());
-    const PageRun driven =
-        runner.run({"--headless", runner.path("drive")}, 60000, QStringLiteral(NEXARO_PAGE));
-    EXPECT_RUN(driven, 0);
-    EXPECT_EQ(driven.outLines().mid(driven.outLines().size() - 3),
-              (QStringList{"65: not served by this library", "64: served by this library", "language: \"default\""}));
+    const QString shot = runner.path("first.png");
+    const PageRun run = runner.run({"--headless", "--screenshot", shot, runner.path("drive")}, 60000,
+                                   QStringLiteral(NEXARO_PAGE));
+    EXPECT_RUN(run, 0);
+    const QStringList lines = run.outLines();
+    for (const char* line :
+         {"version 64 served: true, version 65 served: false", "TORVIK_LANG: kn",
+          "65: not served by this library", "64: served by this library", "language: \"default\""})
+        EXPECT_TRUE(lines.contains(line)) << line << "\n" << qPrintable(run.out);
+    EXPECT_TRUE(QRegularExpression("^controller software: V\\d\\.\\d\\d[A-Z]/\\d\\d$")
+                    .match(lineStartingWith(run, "controller software: "))
+                    .hasMatch())
+        << qPrintable(run.out);
+    EXPECT_EQ(QImage(shot).size(), QSize(560, 300));
 }
