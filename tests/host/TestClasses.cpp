@@ -50,13 +50,6 @@ void TestClickPad::keyPressEvent(QKeyEvent* e)
                       (e->modifiers() & Qt::ControlModifier) ? QStringLiteral(" ctrl") : QString());
 }
 
-TestCounter::TestCounter(QObject* parent) : nxr::ScriptableObject(parent)
-{
-    properties().add(
-        QStringLiteral("Count"), [this](const QString& v) { m_count = nxr::toInteger(v); },
-        [this] { return QString::number(m_count); });
-}
-
 nxr::HResult TestUnsafeWidget::GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
                                                          std::uint32_t* enabled)
 {

@@ -50,14 +50,14 @@ private:
     QString m_caption;
 };
 
-// A plain object with a typed property, a keyed property, a method and an event.
+// A plain object with a property, a method and an event.
 class TestCounter : public nxr::ScriptableObject
 {
     Q_OBJECT
     Q_PROPERTY(int Count READ Count WRITE setCount)
 
 public:
-    explicit TestCounter(QObject* parent = nullptr);
+    explicit TestCounter(QObject* parent = nullptr) : nxr::ScriptableObject(parent) {}
     int Count() const { return m_count; }
     void setCount(int count) { m_count = count; }
     Q_INVOKABLE void Add(int amount) { Q_EMIT OnChanged(m_count += amount); }

@@ -130,11 +130,11 @@ TEST(HostPage, ObjectsAreCreatedByClassNameScriptedAndAskedForSafety)
     const PageRun run = runner.runPage(QStringLiteral("objects"), PageRunner::form(300, 300, items), R"JS(
 var a = createObject("TestCounter");
 var b = createObject("NexaroControls.TestCounter");
-a.SetProperty("Count", "12");
+a.Count = 12;
 a.OnChanged.connect(function (n) { console.log("changed " + n); });
 a.Add(3);
 b.Count = 1;
-console.log("keyed " + a.GetProperty("Count") + " a " + a.Count + " b " + b.Count);
+console.log("a " + a.Count + " b " + b.Count);
 var pad = createObject("TestClickPad");
 pad.OnButtonClicked.connect(function (name) { console.log("event " + name); });
 pad.Fire("Snap");
@@ -149,7 +149,7 @@ console.log("scripted " + ctl_NoInit.GetProperty("Caption"));
     EXPECT_RUN(run, 0);
     EXPECT_EQ(run.outLines(), (QStringList{
                                   "changed 15",
-                                  "keyed 15 a 15 b 1",
+                                  "a 15 b 1",
                                   "event Snap",
                                   "created pad shown true",
                                   "createObject: no class named \"NoSuchClass\" (see --list-classes)",

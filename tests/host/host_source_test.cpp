@@ -40,7 +40,7 @@ protected:
 
 } // namespace
 
-TEST_F(LocalPages, FormAndScriptsAreFoundByTheRules)
+TEST_F(LocalPages, FormAndScriptsAreFoundByTheRulesOrRefusedWithAReason)
 {
     runner.write("p/view.ui", "<ui/>");
     runner.write("p/view.js", "var a = 1;");
@@ -76,10 +76,8 @@ TEST_F(LocalPages, FormAndScriptsAreFoundByTheRules)
     ASSERT_EQ(read("p"), QString());
     EXPECT_EQ(files.form, "<ui/>");
     EXPECT_EQ(files.scripts.value(0).url, QUrl::fromLocalFile(runner.path("p/view.js")));
-}
 
-TEST_F(LocalPages, AmbiguousOrBrokenPagesAreRefusedWithAReason)
-{
+    // Ambiguous or broken pages are refused with a reason.
     for (const char* file :
          {"two/a.ui", "two/b.ui", "scripts/a.ui", "scripts/x.js", "scripts/y.js", "notes.txt"})
         runner.write(file);
@@ -87,7 +85,7 @@ TEST_F(LocalPages, AmbiguousOrBrokenPagesAreRefusedWithAReason)
     runner.write("bad/page.json", "{\"form\": ");
     runner.write("noform/page.json", R"({"script": "a.js"})");
     runner.write("lost/page.json", R"({"form": "gone.ui"})");
-    const QList<std::pair<const char*, const char*>> cases{
+    const QList<std::pair<const char*, const char*>> refusals{
         {"two", "several forms (a.ui, b.ui)"},
         {"scripts", "several scripts (x.js, y.js)"},
         {"empty", "no .ui form"},
@@ -97,7 +95,7 @@ TEST_F(LocalPages, AmbiguousOrBrokenPagesAreRefusedWithAReason)
         {"noform", "names no form"},
         {"lost", "cannot read"},
     };
-    for (const auto& [page, reason] : cases)
+    for (const auto& [page, reason] : refusals)
         EXPECT_TRUE(read(page).contains(reason)) << page << ": " << qPrintable(read(page));
 }
 
