@@ -97,19 +97,33 @@ HResult setInterfaceSafetyOptions(const QString& className, const QString& iid, 
     return E_Fail;
 }
 
-bool isSafeForScripting(QObject* object)
+namespace {
+
+// Asks for one option on one interface, then enables it; false on any refusal.
+bool isSafeFor(QObject* object, const QString& iid, std::uint32_t option)
 {
     auto* safety = qobject_cast<IObjectSafety*>(object);
     if (!safety)
         return false;
     std::uint32_t supported = 0;
     std::uint32_t enabled = 0;
-    if (safety->GetInterfaceSafetyOptions(kIID_IDispatch, &supported, &enabled) != S_Ok)
+    if (safety->GetInterfaceSafetyOptions(iid, &supported, &enabled) != S_Ok)
         return false;
-    if ((enabled & kSafeForUntrustedCaller) == 0)
+    if ((enabled & option) == 0)
         return false;
-    return safety->SetInterfaceSafetyOptions(kIID_IDispatch, kSafeForUntrustedCaller,
-                                             kSafeForUntrustedCaller) == S_Ok;
+    return safety->SetInterfaceSafetyOptions(iid, option, option) == S_Ok;
+}
+
+} // namespace
+
+bool isSafeForScripting(QObject* object)
+{
+    return isSafeFor(object, kIID_IDispatch, kSafeForUntrustedCaller);
+}
+
+bool isSafeForInitializing(QObject* object)
+{
+    return isSafeFor(object, kIID_IPersistPropertyBag, kSafeForUntrustedData);
 }
 
 } // namespace nxr

@@ -51,6 +51,9 @@ NXR_EXPORT HResult setInterfaceSafetyOptions(const QString& className, const QSt
 
 // True when the object answers that it is safe for untrusted callers through IDispatch.
 NXR_EXPORT bool isSafeForScripting(QObject* object);
+// True when the object answers that it may be initialised from untrusted data through
+// IPersistPropertyBag (the saved properties of a form).
+NXR_EXPORT bool isSafeForInitializing(QObject* object);
 
 } // namespace nxr
 

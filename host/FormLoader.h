@@ -3,6 +3,7 @@
 // also "NexaroControls.NXRImageDisplay"), Qt's own widgets otherwise.
 
 #include <QList>
+#include <QMap>
 #include <QPointer>
 #include <QStringList>
 #include <QUiLoader>
@@ -15,6 +16,10 @@ class FormLoader : public QUiLoader
 
 public:
     explicit FormLoader(QObject* parent = nullptr);
+
+    // Loads a form (.ui text). A library control that is not safe for initialising from untrusted
+    // data is still created, but none of the form's property values reach it.
+    QWidget* loadForm(const QByteArray& form, QWidget* parentWidget = nullptr);
 
     QWidget* createWidget(const QString& className, QWidget* parent = nullptr,
                           const QString& name = QString()) override;
@@ -31,6 +36,10 @@ public:
     const QStringList& messages() const { return m_messages; }
 
 private:
+    QByteArray withoutUnsafeProperties(const QByteArray& form);
+    bool isSafeToInitialize(const QString& className);
+
+    QMap<QString, bool> m_initSafety; // by class name
     QList<Created> m_created;
     QStringList m_messages;
 };

@@ -6,7 +6,6 @@
 #include "host/ScriptRuntime.h"
 #include "host/ScriptTimers.h"
 
-#include <QBuffer>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -153,10 +152,7 @@ void PageHost::onLoaded(const PageFiles& files)
     FormLoader loader;
     if (!files.workingDirectory.isEmpty())
         loader.setWorkingDirectory(QDir(files.workingDirectory));
-    QByteArray form = files.form;
-    QBuffer buffer(&form);
-    buffer.open(QIODevice::ReadOnly);
-    QWidget* root = loader.load(&buffer, nullptr);
+    QWidget* root = loader.loadForm(files.form);
     for (const QString& message : loader.messages())
         note(message);
     if (!root) {

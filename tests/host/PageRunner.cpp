@@ -7,13 +7,6 @@
 #include <QProcess>
 #include <QTimer>
 
-QStringList PageRun::outLines() const
-{
-    return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-}
-
-PageRunner::PageRunner() = default;
-
 QString PageRunner::write(const QString& name, const QByteArray& content) const
 {
     const QString file = m_dir.filePath(name);

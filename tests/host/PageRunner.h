@@ -22,17 +22,16 @@ struct PageRun
     bool timedOut = false;
     QString out;
     QString err;
-    QStringList outLines() const;
+    QStringList outLines() const { return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts); }
 };
 
 class PageRunner
 {
 public:
-    PageRunner();
     QString dir() const { return m_dir.path(); }
     QString path(const QString& name) const { return m_dir.filePath(name); }
     // Writes a file (folders made as needed); returns its path.
-    QString write(const QString& name, const QByteArray& content) const;
+    QString write(const QString& name, const QByteArray& content = {}) const;
     // A form whose top widget is `width` x `height`, with `body` as the content of a QVBoxLayout
     // (a list of <item> elements).
     static QByteArray form(int width, int height, const QByteArray& items);

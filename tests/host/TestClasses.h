@@ -4,7 +4,10 @@
 #include "frame/ScriptableObject.h"
 #include "frame/ScriptableWidget.h"
 
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QStringList>
+#include <QWheelEvent>
 
 // A control that draws a solid colour and writes down every mouse, wheel and key event it gets.
 class TestClickPad : public nxr::ScriptableWidget
@@ -26,30 +29,38 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent*) override;
-    void mousePressEvent(QMouseEvent* e) override;
+    void mousePressEvent(QMouseEvent* e) override { record("press", e->button(), e->position()); }
     void mouseReleaseEvent(QMouseEvent* e) override;
-    void mouseMoveEvent(QMouseEvent* e) override;
-    void mouseDoubleClickEvent(QMouseEvent* e) override;
-    void wheelEvent(QWheelEvent* e) override;
+    // Moves are many during a drag; only those with a button held are of interest.
+    void mouseMoveEvent(QMouseEvent* e) override
+    {
+        if (e->buttons() != Qt::NoButton)
+            record("drag", Qt::NoButton, e->position());
+    }
+    void mouseDoubleClickEvent(QMouseEvent* e) override { record("double", e->button(), e->position()); }
+    void wheelEvent(QWheelEvent* e) override
+    {
+        record(QStringLiteral("wheel %1").arg(e->angleDelta().y()), Qt::NoButton, e->position());
+    }
     void keyPressEvent(QKeyEvent* e) override;
 
 private:
-    void record(const QString& what, const QPointF& pos);
+    void record(const QString& what, Qt::MouseButton button, const QPointF& pos);
     QStringList m_log;
     QString m_caption;
 };
 
-// A plain object with a typed property, a keyed property, a method and an event.
+// A plain object with a property, a method and an event.
 class TestCounter : public nxr::ScriptableObject
 {
     Q_OBJECT
     Q_PROPERTY(int Count READ Count WRITE setCount)
 
 public:
-    explicit TestCounter(QObject* parent = nullptr);
+    explicit TestCounter(QObject* parent = nullptr) : nxr::ScriptableObject(parent) {}
     int Count() const { return m_count; }
     void setCount(int count) { m_count = count; }
-    Q_INVOKABLE void Add(int amount);
+    Q_INVOKABLE void Add(int amount) { Q_EMIT OnChanged(m_count += amount); }
 
 Q_SIGNALS:
     void OnChanged(int count);
@@ -58,21 +69,22 @@ private:
     int m_count = 0;
 };
 
-// Classes that answer that they are not safe for scripting.
-class TestUnsafeObject : public nxr::ScriptableObject
-{
-    Q_OBJECT
-public:
-    explicit TestUnsafeObject(QObject* parent = nullptr);
-    nxr::HResult GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
-                                           std::uint32_t* enabled) override;
-};
-
+// A control that answers it is not safe for scripting.
 class TestUnsafeWidget : public nxr::ScriptableWidget
 {
     Q_OBJECT
 public:
-    explicit TestUnsafeWidget(QWidget* parent = nullptr);
+    explicit TestUnsafeWidget(QWidget* parent = nullptr) : nxr::ScriptableWidget(parent) {}
+    nxr::HResult GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
+                                           std::uint32_t* enabled) override;
+};
+
+// A pad that may be scripted but not initialised from the form's data.
+class TestNoInitPad : public TestClickPad
+{
+    Q_OBJECT
+public:
+    explicit TestNoInitPad(QWidget* parent = nullptr) : TestClickPad(parent) {}
     nxr::HResult GetInterfaceSafetyOptions(const QString& iid, std::uint32_t* supported,
                                            std::uint32_t* enabled) override;
 };

@@ -25,37 +25,29 @@ void TestHttpServer::serve(QTcpSocket* socket)
     const int headerEnd = buffer.indexOf("\r\n\r\n");
     if (headerEnd < 0)
         return;
-    Request request;
+    QMap<QByteArray, QByteArray> headers; // names lower-cased
     const QList<QByteArray> lines = buffer.left(headerEnd).split('\n');
     const QList<QByteArray> first = lines.value(0).trimmed().split(' ');
-    request.method = first.value(0);
-    request.path = first.value(1);
-    for (int i = 1; i < lines.size(); ++i) {
-        const int colon = lines[i].indexOf(':');
-        if (colon > 0)
-            request.headers.insert(lines[i].left(colon).trimmed().toLower(),
-                                   lines[i].mid(colon + 1).trimmed());
+    const QByteArray method = first.value(0);
+    const QByteArray path = first.value(1);
+    for (const QByteArray& line : lines.mid(1)) {
+        if (const int colon = line.indexOf(':'); colon > 0)
+            headers.insert(line.left(colon).trimmed().toLower(), line.mid(colon + 1).trimmed());
     }
-    const int length = request.headers.value("content-length").toInt();
+    const int length = headers.value("content-length").toInt();
     if (buffer.size() < headerEnd + 4 + length)
         return;
-    request.body = buffer.mid(headerEnd + 4, length);
     socket->setProperty("buffer", QByteArray());
-    m_requests << request;
 
-    if (request.path == "/hang")
+    if (path == "/hang")
         return; // never answers
     Answer answer;
-    if (request.path == "/echo") {
-        answer.body = request.method + " " + request.headers.value("x-test") + " " + request.body;
-    } else if (request.path == "/cookie") {
-        answer.body = "cookie: " + request.headers.value("cookie");
-    } else if (m_answers.contains(request.path)) {
-        answer = m_answers.value(request.path);
-    } else {
-        answer.status = 404;
-        answer.body = "not here";
-    }
+    if (path == "/echo")
+        answer.body = method + " " + headers.value("x-test") + " " + buffer.mid(headerEnd + 4, length);
+    else if (path == "/cookie")
+        answer.body = "cookie: " + headers.value("cookie");
+    else
+        answer = m_answers.value(path, Answer{404, "text/plain", "not here", {}});
     const QByteArray reason = answer.status == 200 ? "OK" : answer.status == 404 ? "Not Found" : "Status";
     socket->write("HTTP/1.1 " + QByteArray::number(answer.status) + " " + reason +
                   "\r\nContent-Type: " + answer.contentType + "\r\n" + answer.extraHeaders +
