@@ -97,10 +97,18 @@ protected:
 TEST_F(Display, KeysOfLaterFeaturesAreAcceptedAndBadKeysOrValuesRaiseOneErrorEach)
 {
     display->showImage(testImage(640, 480));
-    for (auto [key, value] : {std::pair{"FTPPortNo", "2121"}, {"HTTPPortNo", "8080"}, {"EnableLogImageLoad", "True"},
-                              {"MinPairWidth", "2.5"}, {"MaxPairWidth", "40"}, {"AutoZoom", "whatever"},
-                              {"RefreshDisplay", ""}, {"FontName", "DejaVu Sans"}, {"FontSize", "11"},
-                              {"Zoom", "150"}, {"LiveMode", "True"}, {"LiveMode", "False"}})
+    for (auto [key, value] : {std::pair{"FTPPortNo", "2121"},
+                              {"HTTPPortNo", "8080"},
+                              {"EnableLogImageLoad", "True"},
+                              {"MinPairWidth", "2.5"},
+                              {"MaxPairWidth", "40"},
+                              {"AutoZoom", "whatever"},
+                              {"RefreshDisplay", ""},
+                              {"FontName", "DejaVu Sans"},
+                              {"FontSize", "11"},
+                              {"Zoom", "150"},
+                              {"LiveMode", "True"},
+                              {"LiveMode", "False"}})
         display->SetProperty(key, value);
     EXPECT_EQ(errors->count(), 0) << display->LastErrorString().toStdString();
     // Each bad key or value: its own text, one OnError, and the state stays. No value: GetProperty.
@@ -208,7 +216,8 @@ TEST_F(Display, MouseModeAndOpenClicksRaiseNoPageEvent)
 {
     display->showImage(testImage(640, 480));
     zooms->clear();
-    for (auto [button, mode] : {std::pair{vvb_MouseModePan, 2}, {vvb_MouseModeZoomOut, 4}, {vvb_MouseModePointer, 1}}) {
+    for (auto [button, mode] :
+         {std::pair{vvb_MouseModePan, 2}, {vvb_MouseModeZoomOut, 4}, {vvb_MouseModePointer, 1}}) {
         click(button);
         EXPECT_EQ(display->mouseMode(), mode);
     }

@@ -29,15 +29,26 @@ ViewMaths makeView(QSize image, QSize area, float zoom)
 TEST(ViewMathsZoom, IntegerZoomSnapsToWholePixelZooms)
 {
     const std::tuple<double, bool, float> table[] = {
-        {0, true, 100.0f}, {-5, true, 100.0f}, {std::nan(""), true, 100.0f}, {45, true, 50.0f},
-        {30, true, float(100.0 / 3.0)}, {250, true, 300.0f}, {249, true, 200.0f}, {100, true, 100.0f},
+        {0, true, 100.0f},
+        {-5, true, 100.0f},
+        {std::nan(""), true, 100.0f},
+        {45, true, 50.0f},
+        {30, true, float(100.0 / 3.0)},
+        {250, true, 300.0f},
+        {249, true, 200.0f},
+        {100, true, 100.0f},
         {200, true, 200.0f},
         // zoom in from 100 and from 33.33 (single precision): 200 and 50, not 66.67 or 100
-        {double(100.0f) * 2.0, true, 200.0f}, {double(float(100.0 / 3.0)) * 2.0, true, 50.0f},
+        {double(100.0f) * 2.0, true, 200.0f},
+        {double(float(100.0 / 3.0)) * 2.0, true, 50.0f},
         // zoom out from 50 and from 300
-        {double(50.0f) / 2.0, true, 25.0f}, {150, true, 200.0f},
+        {double(50.0f) / 2.0, true, 25.0f},
+        {150, true, 200.0f},
         // not nearest: never above the wanted zoom (but for the small slack)
-        {30.86, false, 25.0f}, {34, false, float(100.0 / 3.0)}, {190, false, 100.0f}, {390, false, 300.0f}};
+        {30.86, false, 25.0f},
+        {34, false, float(100.0 / 3.0)},
+        {190, false, 100.0f},
+        {390, false, 300.0f}};
     for (const auto& [wanted, nearest, expected] : table)
         EXPECT_EQ(ViewMaths::integerZoom(wanted, nearest), expected) << "wanted " << wanted << " " << nearest;
 }
@@ -68,7 +79,8 @@ TEST(ViewMathsFit, WholeImageFitsWithoutScrollBarsAndIsCentred)
                                          {QSize(640, 480), QSize(640, 480), 100.0f}}) {
         SCOPED_TRACE(std::to_string(image.width()) + "x" + std::to_string(image.height()));
         ViewMaths v = makeView(image, area, 100);
-        const float zoom = ViewMaths::fitZoom(area.height(), area.width(), image.height(), image.width(), false);
+        const float zoom =
+            ViewMaths::fitZoom(area.height(), area.width(), image.height(), image.width(), false);
         EXPECT_FLOAT_EQ(zoom, expected);
         v.focusedZoom(zoom, image.width() / 2.0, image.height() / 2.0);
         EXPECT_FALSE(v.horizontalBarNeeded());
@@ -228,8 +240,12 @@ INSTANTIATE_TEST_SUITE_P(Grid, Anchor,
 
 TEST(ViewMathsWheel, StepsClimbTheIntegerZoomLadder)
 {
-    for (auto [from, steps, to] : {std::tuple{100.0f, 1, 200.0f}, {100.0f, -1, 50.0f}, {200.0f, -1, 100.0f},
-                                   {50.0f, 1, 100.0f}, {float(100.0 / 3.0), 1, 50.0f}, {25.0f, 1, float(100.0 / 3.0)},
+    for (auto [from, steps, to] : {std::tuple{100.0f, 1, 200.0f},
+                                   {100.0f, -1, 50.0f},
+                                   {200.0f, -1, 100.0f},
+                                   {50.0f, 1, 100.0f},
+                                   {float(100.0 / 3.0), 1, 50.0f},
+                                   {25.0f, 1, float(100.0 / 3.0)},
                                    {100.0f, 2, 300.0f}})
         EXPECT_EQ(ViewMaths::wheelZoom(from, steps), to) << from << " " << steps;
     // Every rung is an integer zoom and the walk is strictly monotonic both ways.
@@ -286,22 +302,35 @@ TEST(ToolbarPassing, NameThePageHears)
         {vvb_ContinuousAcquire, false, true, false, "Snap"},
         {vvb_Acquire, false, false, false, "Snap"},
         {vvb_Acquire, true, false, false, ""}, // the snap that ended live mode
-        {vvb_Acquire, true, true, false, "Snap"}, {vvb_Open, false, false, false, ""},
-        {vvb_Save, false, false, false, "Save"}, {vvb_MouseModePan, false, false, false, ""},
-        {vvb_MouseModeZoomOut, false, false, false, ""}, {vvb_FitImage, false, false, false, "ZoomFitImage"},
-        {vvb_DefaultZoom, false, false, false, "ZoomDefault"}, {vvb_FitImage, false, false, true, ""},
-        {vvb_FitImage, true, true, false, ""}, {vvb_LaserOn, false, false, true, "LaserOn"},
-        {vvb_LaserOff, true, true, false, "LaserOff"}, {vvb_Save, false, false, true, ""},
-        {vvb_PixelGrid, false, false, false, "Unknown"}, {42, false, false, true, ""}};
+        {vvb_Acquire, true, true, false, "Snap"},
+        {vvb_Open, false, false, false, ""},
+        {vvb_Save, false, false, false, "Save"},
+        {vvb_MouseModePan, false, false, false, ""},
+        {vvb_MouseModeZoomOut, false, false, false, ""},
+        {vvb_FitImage, false, false, false, "ZoomFitImage"},
+        {vvb_DefaultZoom, false, false, false, "ZoomDefault"},
+        {vvb_FitImage, false, false, true, ""},
+        {vvb_FitImage, true, true, false, ""},
+        {vvb_LaserOn, false, false, true, "LaserOn"},
+        {vvb_LaserOff, true, true, false, "LaserOff"},
+        {vvb_Save, false, false, true, ""},
+        {vvb_PixelGrid, false, false, false, "Unknown"},
+        {42, false, false, true, ""}};
     for (const auto& [button, wasLive, liveNow, editing, expected] : table)
-        EXPECT_EQ(nxr::ToolbarClickHandler::nameToPass(button, wasLive, liveNow, editing), QString::fromLatin1(expected))
+        EXPECT_EQ(nxr::ToolbarClickHandler::nameToPass(button, wasLive, liveNow, editing),
+                  QString::fromLatin1(expected))
             << button << " " << wasLive << liveNow << editing;
 }
 
 TEST(StatusBarText, ZoomFormat)
 {
-    for (auto [zoom, text] : {std::pair{100.0f, "100%"}, {33.333332f, "33.33%"}, {12.5f, "12.5%"},
-                              {float(100.0 / 7.0), "14.29%"}, {6.25f, "6.25%"}, {0.5f, "0.5%"}, {1600.0f, "1600%"}})
+    for (auto [zoom, text] : {std::pair{100.0f, "100%"},
+                              {33.333332f, "33.33%"},
+                              {12.5f, "12.5%"},
+                              {float(100.0 / 7.0), "14.29%"},
+                              {6.25f, "6.25%"},
+                              {0.5f, "0.5%"},
+                              {1600.0f, "1600%"}})
         EXPECT_EQ(NXRStatusBar::zoomText(zoom), text) << zoom;
 }
 

@@ -58,7 +58,10 @@ protected:
         ASSERT_TRUE(sim->writeFile(path, ImageFile::encode(img, format)));
     }
     void load(const QString& path) { display->LoadImage(sim->host(), path, sim->user(), sim->password()); }
-    void save(const QString& path) { display->SaveCurrentImage(sim->host(), path, sim->user(), sim->password()); }
+    void save(const QString& path)
+    {
+        display->SaveCurrentImage(sim->host(), path, sim->user(), sim->password());
+    }
     QImage shown() const { return display->leadView()->bitmap(); }
     QAbstractButton* toolButton(const char* name) const
     {
@@ -257,7 +260,8 @@ TEST_F(DisplayLoadingTest, FilledVersionCacheStillGivesTheNewPicture)
         EXPECT_EQ(shown(), img) << frame;
     }
     // The downloads did not pile up in the version cache.
-    EXPECT_EQ(QDir(versionSetter.StorageFolder() + "V940P01").entryList(QDir::Files), QStringList{"OVERLAY.TXT"});
+    EXPECT_EQ(QDir(versionSetter.StorageFolder() + "V940P01").entryList(QDir::Files),
+              QStringList{"OVERLAY.TXT"});
     versionSetter.setVersionID("");
 }
 

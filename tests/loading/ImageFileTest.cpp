@@ -214,9 +214,12 @@ TEST_F(ImageFileTest, TruncatedCorruptAndNonImageFilesGiveClearReasons)
 
 TEST(ImageFileFormatTest, FormatFollowsTheControllerPathsExtensionWithJpegByDefault)
 {
-    for (auto [path, format] : {std::pair{"MC:\\VISION\\A.png", ImageFileFormat::Png}, {"MC:\\V\\A.Gif", ImageFileFormat::Gif},
-                                {"MC:\\V\\A.BMP", ImageFileFormat::Bmp}, {"MC:\\V\\A.jpg", ImageFileFormat::Jpeg},
-                                {"MC:\\V\\A", ImageFileFormat::Jpeg}, {"MC:\\V\\A.TIF", ImageFileFormat::Jpeg}})
+    for (auto [path, format] : {std::pair{"MC:\\VISION\\A.png", ImageFileFormat::Png},
+                                {"MC:\\V\\A.Gif", ImageFileFormat::Gif},
+                                {"MC:\\V\\A.BMP", ImageFileFormat::Bmp},
+                                {"MC:\\V\\A.jpg", ImageFileFormat::Jpeg},
+                                {"MC:\\V\\A", ImageFileFormat::Jpeg},
+                                {"MC:\\V\\A.TIF", ImageFileFormat::Jpeg}})
         EXPECT_EQ(ImageFile::formatForPath(path), format) << path;
 }
 

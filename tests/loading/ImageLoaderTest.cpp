@@ -24,7 +24,10 @@ class ImageLoaderTest : public ::testing::Test
 protected:
     void SetUp() override { usePrivateTempFolder(); }
 
-    void put(const QString& path, const QImage& img) { files.put(path, ImageFile::encode(img, ImageFileFormat::Png)); }
+    void put(const QString& path, const QImage& img)
+    {
+        files.put(path, ImageFile::encode(img, ImageFileFormat::Png));
+    }
     void load(const QString& path) { loader.loadImage("robot", path, "operator", "s3cret!"); }
 
     QObject owner;
@@ -112,7 +115,6 @@ TEST_F(ImageLoaderTest, LoadImageCalledDuringATransferRunsAfterItInOrder)
     EXPECT_EQ(surface.image, pattern(64, 48, 3));
     EXPECT_EQ(errors, 0);
 }
-
 
 class LiveModeTest : public ImageLoaderTest
 {
