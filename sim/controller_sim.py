@@ -388,46 +388,205 @@ def write_png(path, width, height, color, pixel):
                  + chunk(b"IEND", b""))
 
 
+class CameraScene:
+    """A machine-vision camera looking down on a conveyor: a machined flange (central bore with a
+    keyway, six bolt holes on a pitch circle) lies on a lightly textured belt, lit from the left with
+    a soft shadow to the right and a little sensor noise. The part moves along the belt and turns
+    from frame to frame; a frame counter sits in the top left corner.
+
+    Everything that does not change between frames (belt, part sprite, shadow, noise fields) is
+    built once per size and colour mode, so a frame costs a copy, two small pastes, one noise add
+    and the encoder."""
+
+    NOISE_FIELDS = 3
+
+    def __init__(self, width, height, color):
+        from PIL import Image, ImageChops, ImageDraw, ImageFilter
+        self.width, self.height, self.color = width, height, color
+        self.mode = "RGB" if color else "L"
+        rng = random.Random(width * 7919 + height)
+        s = height / 480.0
+
+        # Belt: mid grey with a fine grain, a few lengthwise scuffs, side rails top and bottom and
+        # light falling off from the left.
+        grain = Image.effect_noise((max(8, width // 3), max(8, height // 3)), 14).resize(
+            (width, height), Image.BICUBIC)
+        belt = Image.new("L", (width, height), 0)
+        belt = ImageChops.add(belt, grain, 1, -128 + 104)
+        draw = ImageDraw.Draw(belt)
+        for _ in range(40):
+            y = rng.randrange(height)
+            x = rng.randrange(width)
+            draw.line((x, y, x + rng.randrange(width // 8, width // 2), y),
+                      fill=rng.choice((92, 96, 112, 116)), width=max(1, int(s)))
+        rail = int(38 * s)
+        draw.rectangle((0, 0, width, rail), fill=150)
+        draw.rectangle((0, height - rail, width, height), fill=150)
+        draw.line((0, rail, width, rail), fill=60, width=max(2, int(3 * s)))
+        draw.line((0, height - rail, width, height - rail), fill=190, width=max(1, int(2 * s)))
+        for x in range(int(20 * s), width, int(120 * s)):  # rail bolts
+            for y in (rail // 2, height - rail // 2):
+                r = max(2, int(5 * s))
+                draw.ellipse((x - r, y - r, x + r, y + r), fill=110)
+        belt = belt.filter(ImageFilter.GaussianBlur(max(0.6, 0.7 * s)))
+        light = Image.linear_gradient("L").rotate(-90).resize((width, height))  # 255 left, 0 right
+        light = light.point(lambda v: 150 + v * 105 // 255)
+        belt = ImageChops.multiply(belt, light.point(lambda v: v))  # darker to the right
+        belt = belt.point(lambda v: min(255, v * 2))
+        if color:
+            belt = Image.merge("RGB", (belt.point(lambda v: v * 88 // 100),
+                                       belt.point(lambda v: v * 96 // 100), belt))
+        self.background = belt
+
+        # The flange, drawn at twice its size and scaled down for smooth edges.
+        self.diameter = d = int(190 * s) | 1
+        big = 2 * d
+        c = big / 2.0
+        shape = Image.new("L", (big, big), 0)
+        face = Image.new("L", (big, big), 0)
+        sd, fd = ImageDraw.Draw(shape), ImageDraw.Draw(face)
+
+        def ring(dr, r, fill):
+            dr.ellipse((c - r, c - r, c + r, c + r), fill=fill)
+
+        ring(sd, c - 1, 255)
+        ring(fd, c - 1, 150)           # outer chamfer
+        ring(fd, c * 0.95, 200)        # turned face
+        for k in range(0, 14):         # faint turning marks
+            ring(fd, c * (0.9 - k * 0.03), 196 + (k % 2) * 8)
+        ring(fd, c * 0.50, 170)        # step up to the hub
+        ring(fd, c * 0.47, 225)        # hub face
+        ring(fd, c * 0.30, 120)        # bore chamfer
+        bore = c * 0.26
+        ring(sd, bore, 0)
+        ring(fd, bore, 0)
+        key = bore * 0.28
+        for dr in (sd, fd):
+            dr.rectangle((c - key, c - bore - key * 1.4, c + key, c), fill=0)
+            ring(dr, bore, 0)
+        pitch, hole = c * 0.72, c * 0.085
+        import math
+        for k in range(6):
+            a = math.radians(k * 60 + 30)
+            hx, hy = c + pitch * math.cos(a), c + pitch * math.sin(a)
+            fd.ellipse((hx - hole * 1.35, hy - hole * 1.35, hx + hole * 1.35, hy + hole * 1.35), fill=140)
+            for dr in (sd, fd):
+                dr.ellipse((hx - hole, hy - hole, hx + hole, hy + hole), fill=0)
+        # Only the face is kept and turned per frame; its outline (every face tone is well above
+        # zero, holes and surroundings are zero) gives the paste mask.
+        shape = shape.resize((d, d), Image.LANCZOS)
+        self.face = face.resize((d, d), Image.LANCZOS)
+        # The shadow is soft, so a quarter-size copy turned and scaled up per frame will do.
+        margin = int(d * 0.15)
+        padded = Image.new("L", (d + 2 * margin, d + 2 * margin), 0)
+        padded.paste(shape, (margin, margin))
+        self.shadow = padded.filter(ImageFilter.GaussianBlur(max(2, 6 * s))).point(lambda v: v * 150 // 255)
+        self.shadow_small = self.shadow.resize((padded.width // 4, padded.height // 4), Image.BOX)
+        self.shadow_margin = margin
+        self.shadow_offset = (int(14 * s), int(6 * s))
+        self.part_light = light  # the same light falls on the part
+
+        # Sensor noise: a few noisy copies of the belt, and noise fields for the part's box.
+        self.noise = [Image.effect_noise((width, height), 5) for _ in range(self.NOISE_FIELDS)]
+        self.noisy_backgrounds = [ImageChops.add(belt, n.convert(self.mode), 1, -128) for n in self.noise]
+        # A frame is drawn straight into one of those copies and the touched box put back after
+        # encoding, which spares copying the whole frame; the lock keeps snaps of one size apart.
+        self.lock = threading.Lock()
+        self.dirty = None
+        from PIL import ImageFont
+        size = max(10, int(15 * s))
+        try:
+            self.font = ImageFont.truetype("/usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf", size)
+        except OSError:
+            try:
+                self.font = ImageFont.truetype("DejaVuSans.ttf", size)
+            except OSError:
+                self.font = ImageFont.load_default()
+        self.s = s
+
+    def snap(self, frame, save):
+        """Draws the frame and hands it to save(image) while it is valid."""
+        with self.lock:
+            img = self.render(frame)
+            try:
+                save(img)
+            finally:
+                for box, patch in self.dirty:
+                    img.paste(patch, box)
+                self.dirty = None
+
+    def render(self, frame):
+        from PIL import Image, ImageChops, ImageDraw
+        w, h, d, s = self.width, self.height, self.diameter, self.s
+        rng = random.Random(frame)
+        # The part rides along the belt from left to right and turns a little every frame.
+        travel = w + d
+        x = int((frame * 0.11 * w) % travel) - d // 2 - d // 4
+        x = min(max(x, -d // 3), w - 2 * d // 3)
+        y = h // 2 - d // 2 + int(rng.uniform(-0.12, 0.12) * h)
+        angle = (frame * 23.0 + rng.uniform(-4, 4)) % 360
+        field = frame % self.NOISE_FIELDS
+        img = self.noisy_backgrounds[field]
+        m = self.shadow_margin
+        ox, oy = self.shadow_offset
+        label_box = (0, 0, int(160 * s), int(40 * s))
+        part_box = (x - m, y - m, x + d + m + ox, y + d + m + oy)
+        self.dirty = [(b[:2], img.crop(b)) for b in (label_box, part_box)]
+
+        face = self.face.rotate(angle, Image.BILINEAR)
+        shape = face.point(lambda v: min(255, v * 3))
+        shadow = self.shadow_small.rotate(angle, Image.BILINEAR).resize(self.shadow.size, Image.BILINEAR)
+        img.paste(0, (x - m + ox, y - m + oy), shadow)
+
+        box = (x, y, x + d, y + d)
+        # Light from the left, taken from the same light field the belt gets, at the part's place.
+        lit = self.part_light.crop(box).point(lambda v: 190 + (v - 150) * 65 // 105)
+        face = ImageChops.multiply(face, lit).point(lambda v: min(255, v * 5 // 4))
+        face = ImageChops.add(face, self.noise[field].crop(box), 1, -128)
+        if self.color:
+            face = Image.merge("RGB", (face.point(lambda v: v * 94 // 100), face.point(lambda v: v * 97 // 100), face))
+        img.paste(face, (x, y), shape)
+
+        draw = ImageDraw.Draw(img)
+        label = "#%06d" % frame
+        pad = int(6 * s)
+        tw, th = draw.textbbox((0, 0), label, font=self.font)[2:]
+        draw.rectangle((pad, pad, pad + tw + 2 * pad, pad + th + pad), fill=(0, 0, 0) if self.color else 0)
+        draw.text((2 * pad, pad + pad // 3), label, font=self.font,
+                  fill=(255, 220, 60) if self.color else 255)
+        return img
+
+
+SCENES = {}
+SCENES_LOCK = threading.Lock()
+
+
+def camera_scene(width, height, color):
+    key = (width, height, bool(color))
+    with SCENES_LOCK:
+        scene = SCENES.get(key)
+        if scene is None:
+            scene = SCENES[key] = CameraScene(width, height, color)
+        return scene
+
+
 def make_image(path, width, height, color, frame):
-    """A synthetic camera picture: a gradient, a moving disc and a frame counter bar code."""
+    """A synthetic camera picture (see CameraScene); the format follows the file name's extension."""
     ext = os.path.splitext(path)[1].lower()
     try:
-        from PIL import Image, ImageDraw
+        import PIL  # noqa: F401
     except ImportError:
-        Image = None
-    if Image is None:
         if ext != ".png":
             raise ValueError("JPEG needs python3-pil")
         cx, cy, r = (frame * 37) % width, height // 2, max(8, height // 8)
         write_png(path, width, height, color,
-                  lambda x, y: (255, 255, 255) if (x - cx) ** 2 + (y - cy) ** 2 < r * r
-                  else ((x * 255 // width), (y * 255 // height), (frame * 16) & 255))
+                  lambda x, y: (200, 200, 200) if (x - cx) ** 2 + (y - cy) ** 2 < r * r else (96, 96, 96))
         return
-    mode = "RGB" if color else "L"
-    grad_x = Image.linear_gradient("L").resize((width, height)).rotate(90 if frame % 2 else 0)
-    if color:
-        grad_y = Image.linear_gradient("L").resize((width, height))
-        blue = Image.new("L", (width, height), (frame * 23) & 255)
-        img = Image.merge("RGB", (grad_x, grad_y, blue))
-    else:
-        img = grad_x
-    draw = ImageDraw.Draw(img)
-    r = max(8, min(width, height) // 8)
-    cx = r + (frame * 41) % max(1, width - 2 * r)
-    cy = r + (frame * 29) % max(1, height - 2 * r)
-    draw.ellipse((cx - r, cy - r, cx + r, cy + r), fill=(255, 255, 255) if color else 255)
-    bar = max(4, width // 64)
-    for bit in range(16):
-        on = (frame >> bit) & 1
-        fill = (0, 0, 0) if not on else ((255, 0, 0) if color else 255)
-        if not color:
-            fill = 255 if on else 0
-        draw.rectangle((bit * bar, 0, bit * bar + bar - 2, bar * 2), fill=fill)
-    draw.text((10, height - 20), "frame %d" % frame, fill=(255, 255, 0) if color else 255)
     if ext in (".jpg", ".jpeg"):
-        img.save(path, "JPEG", quality=85)
+        save = lambda img: img.save(path, "JPEG", quality=85)
     else:
-        img.convert(mode).save(path, "PNG")
+        save = lambda img: img.save(path, "PNG", compress_level=1)
+    camera_scene(width, height, color).snap(frame, save)
 
 
 def controller_local_path(path):
