@@ -210,6 +210,22 @@ TEST_F(Display, LoadLocalImageShowsAFileAndReportsBadOnes)
     EXPECT_EQ(display->ImageWidth(), 1280); // the shown image stays
 }
 
+TEST_F(Display, SameSizeImageKeepsTheViewAnotherSizeRefitsOnce)
+{
+    showBig(200, QPoint(700, 500));
+    zooms->clear();
+    display->showImage(testImage(2592, 1944, QImage::Format_Grayscale8));
+    EXPECT_EQ(display->Zoom(), 200.0f);
+    EXPECT_EQ(maths().scrollPosition(), QPoint(700, 500));
+    EXPECT_EQ(zooms->count(), 0);
+
+    display->showImage(testImage(640, 480));
+    EXPECT_LT(display->Zoom(), 200.0f);
+    EXPECT_EQ(maths().scrollPosition(), QPoint(0, 0));
+    ASSERT_EQ(zooms->count(), 1);
+    EXPECT_EQ(zooms->front().front().toFloat(), display->Zoom());
+}
+
 // ---- tool bar clicks ----
 
 TEST_F(Display, MouseModeAndOpenClicksRaiseNoPageEvent)
