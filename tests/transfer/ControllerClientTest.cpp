@@ -52,9 +52,7 @@ TEST_F(ControllerClientTest, SessionsStayOpenAndPathsGoUnchanged)
     EXPECT_EQ(readAll(localFile("b.png")), sim->readFile("MC:\\VISION\\GREY640.PNG"));
     EXPECT_EQ(readAll(localFile("d.txt")), readAll(localFile("a.txt")));
 
-    QFile f(localFile("up.txt"));
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly) && f.write("uploaded data\r\n") == 15);
-    f.close();
+    ASSERT_TRUE(writeLocal(localFile("up.txt"), "uploaded data\r\n"));
     client->FtpPutFile(localFile("up.txt"), "UD1:\\IMAGES\\UP.TXT");
     EXPECT_EQ(sim->readFile("UD1:\\IMAGES\\UP.TXT"), QByteArray("uploaded data\r\n"));
     EXPECT_THROW(client->FtpPutFile(localFile("missing.txt"), "UD1:\\IMAGES\\X.TXT"), TransferError);

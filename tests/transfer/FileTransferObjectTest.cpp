@@ -299,9 +299,7 @@ TEST_F(FileTransferObjectTest, RetryRulesAndSessionMembers)
 {
     QTemporaryDir local;
     const QString file = local.filePath("up.txt");
-    QFile f(file);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly) && f.write("payload") == 7);
-    f.close();
+    ASSERT_TRUE(writeLocal(file, "payload"));
     const auto upload = [&](const QString& target, int retries) {
         return o.UploadFile("Masks", file, sim->host(), target, sim->user(), sim->password(), retries);
     };

@@ -28,6 +28,12 @@ inline QByteArray readAll(const QString& path)
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
+inline bool writeLocal(const QString& path, const QByteArray& content)
+{
+    QFile f(path);
+    return f.open(QIODevice::WriteOnly) && f.write(content) == content.size();
+}
+
 // Files in a folder, hidden ones (partial downloads) included.
 inline QStringList filesIn(const QString& folder)
 {
