@@ -1,13 +1,12 @@
 // The controller client against the simulator, over real FTP and HTTP.
 
 #include "transfer/ControllerClient.h"
-#include "ControllerSimulator.h"
 #include "TransferTestSupport.h"
 
-#include <QImage>
 #include <QTimer>
 
-#include <gtest/gtest.h>
+#include <functional>
+#include <vector>
 
 using nxr::ControllerClient;
 using nxr::TransferError;
@@ -15,24 +14,12 @@ using namespace nxr::test;
 
 namespace {
 
-class ControllerClientTest : public ::testing::Test
+class ControllerClientTest : public SimulatorTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        sim = new ControllerSimulator();
-        ASSERT_TRUE(sim->start()) << sim->errorText().toStdString();
-    }
-    static void TearDownTestSuite()
-    {
-        delete sim;
-        sim = nullptr;
-    }
     void SetUp() override
     {
-        ASSERT_TRUE(sim->isRunning());
-        ASSERT_TRUE(sim->resetFaults());
-        ASSERT_TRUE(sim->clearLog());
+        SimulatorTest::SetUp();
         ASSERT_TRUE(local.isValid());
         client = ControllerClient::create();
         client->setTimeouts({3000, 1000, 1000});
@@ -43,31 +30,37 @@ protected:
         client->HttpConnect(sim->host(), sim->user(), sim->password(), sim->httpPort());
     }
     QString localFile(const QString& name) const { return local.filePath(name); }
+    // The same file fetched over each protocol.
+    std::vector<std::function<void()>> fetchesOf(const QString& path, const QString& name)
+    {
+        return {[=, this] { client->HttpGetFile(nxr::test::urlOf(path), localFile(name)); },
+                [=, this] { client->FtpGetFile(path, localFile(name)); }};
+    }
 
-    static ControllerSimulator* sim;
     QTemporaryDir local;
     std::shared_ptr<ControllerClient> client;
 };
 
-ControllerSimulator* ControllerClientTest::sim = nullptr;
-
 TEST_F(ControllerClientTest, SessionsStayOpenAndPathsGoUnchanged)
 {
     connectBoth();
-    EXPECT_EQ(client->FtpState(), 1);
-    EXPECT_EQ(client->HttpState(), 1);
-
     client->FtpGetFile("MC:\\VISION\\TOOLS.TXT", localFile("a.txt"));
     client->FtpGetFile("mc:\\vision\\GREY640.PNG", localFile("b.png"));
     client->HttpGetFile("/MC/VISION/TOOLS.TXT", localFile("c.txt"));
     client->HttpGetFile("/MC/VISION/TOOLS.TXT", localFile("d.txt"));
     EXPECT_EQ(readAll(localFile("a.txt")), sim->readFile("MC:\\VISION\\TOOLS.TXT"));
     EXPECT_EQ(readAll(localFile("b.png")), sim->readFile("MC:\\VISION\\GREY640.PNG"));
-    EXPECT_EQ(readAll(localFile("c.txt")), readAll(localFile("a.txt")));
+    EXPECT_EQ(readAll(localFile("d.txt")), readAll(localFile("a.txt")));
 
-    const QStringList ftp = sim->logLines("FTP> ");
+    ASSERT_TRUE(writeLocal(localFile("up.txt"), "uploaded data\r\n"));
+    client->FtpPutFile(localFile("up.txt"), "UD1:\\IMAGES\\UP.TXT");
+    EXPECT_EQ(sim->readFile("UD1:\\IMAGES\\UP.TXT"), QByteArray("uploaded data\r\n"));
+    EXPECT_THROW(client->FtpPutFile(localFile("missing.txt"), "UD1:\\IMAGES\\X.TXT"), TransferError);
+
+    const QStringList ftp = ftpCommands();
     EXPECT_EQ(countOf(ftp, "RETR MC:\\VISION\\TOOLS.TXT"), 1);
     EXPECT_EQ(countOf(ftp, "RETR mc:\\vision\\GREY640.PNG"), 1);
+    EXPECT_EQ(countOf(ftp, "STOR UD1:\\IMAGES\\UP.TXT"), 1);
     EXPECT_EQ(countStarting(ftp, "CWD"), 0) << ftp.join('\n').toStdString();
     EXPECT_EQ(countStarting(ftp, "USER"), 1) << "one FTP login for all transfers";
     EXPECT_EQ(countStarting(sim->logLines("HTTP> "), "GET /MC/VISION/TOOLS.TXT"), 2);
@@ -114,69 +107,58 @@ TEST_F(ControllerClientTest, LineBreaksAndNulAreRefusedBeforeAnythingIsSent)
     EXPECT_THROW(client->HttpGetFile("/MC/A\n.TXT", localFile("x")), TransferError);
     EXPECT_THROW(client->FtpPutFile(localFile("x"), "MC:\\X\r\nDELE Y"), TransferError);
     EXPECT_THROW(client->FtpConnect(sim->host(), "robot\r\nDELE X", "pw", sim->ftpPort()), TransferError);
-    EXPECT_TRUE(sim->logLines("FTP> ").isEmpty()) << sim->logLines().join('\n').toStdString();
+    EXPECT_TRUE(ftpCommands().isEmpty()) << sim->logLines().join('\n').toStdString();
     EXPECT_TRUE(sim->readFile("MC:\\SUMMARY.DG").size() > 0);
-}
-
-TEST_F(ControllerClientTest, UploadWritesTheControllerFile)
-{
-    connectBoth();
-    QFile f(localFile("up.txt"));
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write("uploaded data\r\n");
-    f.close();
-    client->FtpPutFile(localFile("up.txt"), "UD1:\\IMAGES\\UP.TXT");
-    EXPECT_EQ(sim->readFile("UD1:\\IMAGES\\UP.TXT"), QByteArray("uploaded data\r\n"));
-    EXPECT_EQ(countOf(sim->logLines("FTP> "), "STOR UD1:\\IMAGES\\UP.TXT"), 1);
-    EXPECT_THROW(client->FtpPutFile(localFile("missing.txt"), "UD1:\\IMAGES\\X.TXT"), TransferError);
 }
 
 TEST_F(ControllerClientTest, DroppedDownloadsLeaveNoFile)
 {
-    connectBoth();
     ASSERT_TRUE(sim->writeFile("MC:\\BIG\\DATA.BIN", QByteArray(200000, 'x')));
-    ASSERT_TRUE(sim->setFault("drop_after", 5000));
-    EXPECT_THROW(client->HttpGetFile("/MC/BIG/DATA.BIN", localFile("data.bin")), TransferError);
-    EXPECT_TRUE(filesIn(local.path()).isEmpty()) << filesIn(local.path()).join(',').toStdString();
-    connectBoth();
-    EXPECT_THROW(client->FtpGetFile("MC:\\BIG\\DATA.BIN", localFile("data.bin")), TransferError);
-    EXPECT_TRUE(filesIn(local.path()).isEmpty()) << filesIn(local.path()).join(',').toStdString();
-
-    // An earlier complete copy under the final name survives a failed fetch of a newer one.
-    ASSERT_TRUE(sim->resetFaults());
-    connectBoth();
-    client->FtpGetFile("MC:\\BIG\\DATA.BIN", localFile("data.bin"));
-    ASSERT_TRUE(sim->setFault("drop_after", 10));
-    EXPECT_THROW(client->FtpGetFile("MC:\\BIG\\DATA.BIN", localFile("data.bin")), TransferError);
-    EXPECT_EQ(readAll(localFile("data.bin")).size(), 200000);
-    EXPECT_EQ(filesIn(local.path()), QStringList{"data.bin"});
+    for (const auto& fetch : fetchesOf("MC:\\BIG\\DATA.BIN", "data.bin")) {
+        ASSERT_TRUE(sim->setFault("drop_after", 5000));
+        connectBoth();
+        EXPECT_THROW(fetch(), TransferError);
+        EXPECT_TRUE(filesIn(local.path()).isEmpty()) << filesIn(local.path()).join(',').toStdString();
+        // An earlier complete copy under the final name survives a failed fetch of a newer one.
+        ASSERT_TRUE(sim->resetFaults());
+        connectBoth();
+        fetch();
+        ASSERT_TRUE(sim->setFault("drop_after", 10));
+        EXPECT_THROW(fetch(), TransferError);
+        EXPECT_EQ(readAll(localFile("data.bin")).size(), 200000);
+        EXPECT_EQ(filesIn(local.path()), QStringList{"data.bin"});
+        ASSERT_TRUE(QFile::remove(localFile("data.bin")));
+    }
 }
 
-TEST_F(ControllerClientTest, StalledServerTimesOutWhileTheEventLoopRuns)
+TEST_F(ControllerClientTest, StalledOrClosedTransfersEndWhileTheEventLoopRuns)
 {
-    connectBoth();
     ASSERT_TRUE(sim->writeFile("MC:\\BIG\\STALL.BIN", QByteArray(100000, 'y')));
     ASSERT_TRUE(sim->setFault("stall_after", 1000));
     int ticks = 0;
     QTimer ticker;
     QObject::connect(&ticker, &QTimer::timeout, [&] { ++ticks; });
     ticker.start(20);
-    QElapsedTimer clock;
-    clock.start();
-    EXPECT_THROW(client->HttpGetFile("/MC/BIG/STALL.BIN", localFile("s.bin")), TransferError);
-    EXPECT_LT(clock.elapsed(), 8000);
-    EXPECT_GT(ticks, 10) << "timers fire while a transfer waits";
-
-    clock.restart();
-    connectBoth();
-    try {
-        client->FtpGetFile("MC:\\BIG\\STALL.BIN", localFile("s.bin"));
-        FAIL() << "a stalled FTP server did not time out";
-    } catch (const TransferError& e) {
-        EXPECT_LT(clock.elapsed(), 8000) << e.description().toStdString();
+    // Each way twice: ended by the stall timeout, and by CloseConnections long before it.
+    for (const bool close : {false, true}) {
+        client->setTimeouts({3000, close ? 20000 : 1000, 1000});
+        const auto fetches = fetchesOf("MC:\\BIG\\STALL.BIN", "s.bin");
+        for (size_t i = 0; i < fetches.size(); ++i) {
+            connectBoth();
+            if (close)
+                QTimer::singleShot(200, [this] { client->CloseConnections(); });
+            ticks = 0;
+            QElapsedTimer clock;
+            clock.start();
+            EXPECT_THROW(fetches[i](), TransferError);
+            EXPECT_LT(clock.elapsed(), close ? 5000 : 8000);
+            EXPECT_GT(ticks, close ? 5 : 10) << "timers fire while a transfer waits";
+            EXPECT_TRUE(filesIn(local.path()).isEmpty());
+            if (close || i == 1) {
+                EXPECT_EQ(client->FtpState(), 0) << "the stalled FTP session is given up";
+            }
+        }
     }
-    EXPECT_TRUE(filesIn(local.path()).isEmpty());
-    EXPECT_EQ(client->FtpState(), 0);
 }
 
 TEST_F(ControllerClientTest, RefusedLoginAnd421AreErrorsWithoutCredentials)
@@ -186,8 +168,7 @@ TEST_F(ControllerClientTest, RefusedLoginAnd421AreErrorsWithoutCredentials)
         client->FtpConnect(sim->host(), "operator7", "Secr3tPw", sim->ftpPort());
         FAIL() << "login was not refused";
     } catch (const TransferError& e) {
-        EXPECT_FALSE(e.description().contains("Secr3tPw"));
-        EXPECT_FALSE(e.description().contains("operator7"));
+        EXPECT_FALSE(e.description().contains("Secr3tPw") || e.description().contains("operator7"));
     }
     EXPECT_EQ(client->FtpState(), 0);
     ASSERT_TRUE(sim->resetFaults());
@@ -205,29 +186,8 @@ TEST_F(ControllerClientTest, StatesTellTheTruthAfterTheControllerWentAway)
     EXPECT_EQ(client->FtpState(), 0) << "the old control connection is dead";
     EXPECT_EQ(client->HttpState(), 0);
     connectBoth();
-    EXPECT_EQ(client->FtpState(), 1);
     client->FtpGetFile("MC:\\VISION\\TOOLS.TXT", localFile("t.txt"));
-    EXPECT_TRUE(QFile::exists(localFile("t.txt")));
-}
-
-TEST_F(ControllerClientTest, CameraSnapsChangingImages)
-{
-    connectBoth();
-    EXPECT_EQ(sim->snap(640, 480, true), "MC:\\CAMERA\\SNAP.JPG");
-    client->HttpGetFile("/MC/CAMERA/SNAP.JPG", localFile("a.jpg"));
-    sim->snap(640, 480, true);
-    client->HttpGetFile("/MC/CAMERA/SNAP.JPG", localFile("b.jpg"));
-    const QImage a(localFile("a.jpg"));
-    const QImage b(localFile("b.jpg"));
-    EXPECT_EQ(a.size(), QSize(640, 480));
-    EXPECT_NE(a, b) << "every snap shows a new picture";
-
-    EXPECT_EQ(sim->snap(2592, 1944, false, "MC:\\CAMERA\\BIG.PNG"), "MC:\\CAMERA\\BIG.PNG");
-    client->FtpGetFile("MC:\\CAMERA\\BIG.PNG", localFile("big.png"));
-    const QImage big(localFile("big.png"));
-    EXPECT_EQ(big.size(), QSize(2592, 1944));
-    EXPECT_TRUE(big.isGrayscale());
-    EXPECT_EQ(sim->snap(100, 100, true), "") << "sizes outside the camera's range are refused";
+    EXPECT_EQ(readAll(localFile("t.txt")), sim->readFile("MC:\\VISION\\TOOLS.TXT"));
 }
 
 TEST_F(ControllerClientTest, PingProbesTheHost)
@@ -239,20 +199,6 @@ TEST_F(ControllerClientTest, PingProbesTheHost)
     EXPECT_TRUE(client->Ping(sim->host()));
     EXPECT_FALSE(client->Ping("bad host"));
     EXPECT_THROW(client->FtpConnect("bad/host", "u", "p", 21), TransferError);
-}
-
-TEST_F(ControllerClientTest, CloseConnectionsDuringATransferEndsIt)
-{
-    connectBoth();
-    ASSERT_TRUE(sim->writeFile("MC:\\BIG\\SLOW.BIN", QByteArray(100000, 'z')));
-    ASSERT_TRUE(sim->setFault("stall_after", 100));
-    client->setTimeouts({3000, 20000, 1000});
-    QTimer::singleShot(200, [this] { client->CloseConnections(); });
-    QElapsedTimer clock;
-    clock.start();
-    EXPECT_THROW(client->HttpGetFile("/MC/BIG/SLOW.BIN", localFile("slow.bin")), TransferError);
-    EXPECT_LT(clock.elapsed(), 5000);
-    EXPECT_TRUE(filesIn(local.path()).isEmpty());
 }
 
 } // namespace

@@ -7,27 +7,27 @@
 
 using namespace nxr;
 
-TEST(ControllerPaths, FileNamesAndHosts)
+TEST(ControllerPaths, FileNamesHostsAndUrls)
 {
-    EXPECT_EQ(FileNameOfPath("MC:\\A\\B.PNG"), "B.PNG");
-    EXPECT_EQ(FileNameOfPath("MC:B.PNG"), "B.PNG");
-    EXPECT_EQ(FileNameOfPath("B.PNG"), "B.PNG");
-    EXPECT_EQ(FileNameOfPath("A\\B.PNG"), "B.PNG");
-    EXPECT_EQ(FileNameOfPath(""), "");
-    EXPECT_EQ(FileNameOfPath("MC:\\A\\"), "");
+    const std::pair<QString, QString> names[] = {{"MC:\\A\\B.PNG", "B.PNG"},
+                                                 {"MC:B.PNG", "B.PNG"},
+                                                 {"B.PNG", "B.PNG"},
+                                                 {"A\\B.PNG", "B.PNG"},
+                                                 {"", ""},
+                                                 {"MC:\\A\\", ""}};
+    for (const auto& [path, name] : names)
+        EXPECT_EQ(FileNameOfPath(path), name) << path.toStdString();
+    const std::pair<QString, QString> urls[] = {{"MC:\\A\\B\\F.TXT", "/MC/A/B/F.TXT"},
+                                                {"MC:\\F.TXT", "/MC/F.TXT"},
+                                                {"MC:\\A\\\\B\\F.TXT", "/MC/A/B/F.TXT"},
+                                                {"F.TXT", "/F.TXT"},
+                                                {"A\\F.TXT", "/A/F.TXT"}};
+    for (const auto& [path, url] : urls)
+        EXPECT_EQ(RemoteUrlPath(path), url) << path.toStdString();
     EXPECT_EQ(HostFromServer("127.0.0.5:8080"), "127.0.0.5");
     EXPECT_EQ(HostFromServer("robot1"), "robot1");
     EXPECT_EQ(VersionFolderName(" x1.23/b "), "X123B");
     EXPECT_EQ(VersionFolderName("V9.40P/01"), "V940P01");
-}
-
-TEST(ControllerPaths, RemoteUrlPaths)
-{
-    EXPECT_EQ(RemoteUrlPath("MC:\\A\\B\\F.TXT"), "/MC/A/B/F.TXT");
-    EXPECT_EQ(RemoteUrlPath("MC:\\F.TXT"), "/MC/F.TXT");
-    EXPECT_EQ(RemoteUrlPath("MC:\\A\\\\B\\F.TXT"), "/MC/A/B/F.TXT");
-    EXPECT_EQ(RemoteUrlPath("F.TXT"), "/F.TXT");
-    EXPECT_EQ(RemoteUrlPath("A\\F.TXT"), "/A/F.TXT");
 }
 
 TEST(ControllerPaths, LocalNamesMustStayInTheFolder)

@@ -1,6 +1,5 @@
 // NXRFileTransferObject, NXRFileTransferCtl and the pool against the simulator.
 
-#include "ControllerSimulator.h"
 #include "TransferTestSupport.h"
 #include "frame/Globals.h"
 #include "transfer/ConnectionPool.h"
@@ -12,7 +11,8 @@
 #include <QSignalSpy>
 #include <QTimer>
 
-#include <gtest/gtest.h>
+#include <functional>
+#include <vector>
 
 using nxr::ConnectionPool;
 using nxr::TransferError;
@@ -25,181 +25,188 @@ QStringList g_errorTrace;
 QtMessageHandler g_previous = nullptr;
 void captureTrace(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
-    if (context.category && qstrcmp(context.category, "nexaro.error") == 0) {
+    if (context.category && qstrcmp(context.category, "nexaro.error") == 0)
         g_errorTrace << message;
-        return;
-    }
-    if (g_previous)
+    else if (g_previous)
         g_previous(type, context, message);
 }
 
-class FileTransferObjectTest : public ::testing::Test
+class FileTransferObjectTest : public SimulatorTest
 {
 protected:
     static void SetUpTestSuite()
     {
         static QTemporaryDir temp;
         qputenv("TMPDIR", temp.path().toUtf8());
-        sim = new ControllerSimulator();
-        ASSERT_TRUE(sim->start()) << sim->errorText().toStdString();
+        SimulatorTest::SetUpTestSuite();
         nxr::ControllerClient::setDefaultTimeouts({3000, 1000, 1000});
     }
     static void TearDownTestSuite()
     {
         ConnectionPool::instance().clear();
-        delete sim;
-        sim = nullptr;
+        SimulatorTest::TearDownTestSuite();
     }
     void SetUp() override
     {
-        ASSERT_TRUE(sim->isRunning());
-        ASSERT_TRUE(sim->resetFaults());
-        ASSERT_TRUE(sim->clearLog());
+        SimulatorTest::SetUp();
         nxr::TransferCache::setVersionId(QString());
         QDir(nxr::Globals::storageFolder()).removeRecursively();
         QDir().mkpath(nxr::Globals::storageFolder());
         g_errorTrace.clear();
         g_previous = qInstallMessageHandler(captureTrace);
+        usePorts(o);
     }
     void TearDown() override
     {
         qInstallMessageHandler(g_previous);
+        nxr::TransferCache::setVersionId(QString());
         EXPECT_EQ(ConnectionPool::instance().usedSlots(), 0) << "every object gave its connection back";
         ConnectionPool::instance().clear();
     }
-    static void usePorts(NXRFileTransferObject& o)
+    static void usePorts(NXRFileTransferObject& object)
     {
-        o.setFTPPortNo(sim->ftpPort());
-        o.setHTTPPortNo(sim->httpPort());
+        object.setFTPPortNo(sim->ftpPort());
+        object.setHTTPPortNo(sim->httpPort());
     }
-    bool copy(NXRFileTransferObject& o, const QString& path, const QString& newName = {})
+    static bool copy(NXRFileTransferObject& object, const QString& path, const QString& newName = {})
     {
-        return o.CopyFile(sim->host(), path, sim->user(), sim->password(), newName);
+        return object.CopyFile(sim->host(), path, sim->user(), sim->password(), newName);
     }
-    QStringList ftpCommands() const { return sim->logLines("FTP> "); }
-    QStringList httpRequests() const { return sim->logLines("HTTP> GET /"); }
+    bool copy(const QString& path, const QString& newName = {}) { return copy(o, path, newName); }
+    bool connectRobot(NXRFileTransferObject& object, const QString& key, const QString& server = sim->host())
+    {
+        return object.ConnectRobot(key, server, sim->user(), sim->password());
+    }
+    static QString cached(const QString& name) { return nxr::Globals::storageFolder() + "/" + name; }
 
-    static ControllerSimulator* sim;
+    NXRFileTransferObject o;
 };
 
-ControllerSimulator* FileTransferObjectTest::sim = nullptr;
-
-TEST_F(FileTransferObjectTest, CopyFileTakesHttpFirst)
+TEST_F(FileTransferObjectTest, CopyTakesHttpFirstAndFtpOnlyForAnErrorPage)
 {
-    NXRFileTransferObject o;
-    usePorts(o);
-    ASSERT_TRUE(copy(o, "MC:\\VISION\\GREY640.PNG")) << o.LastErrorString().toStdString();
-    const QString local = nxr::Globals::storageFolder() + "/GREY640.PNG";
-    EXPECT_EQ(o.lastLocalPath(), local);
-    EXPECT_EQ(readAll(local), sim->readFile("MC:\\VISION\\GREY640.PNG"));
-    EXPECT_TRUE(httpRequests().contains("MC/VISION/GREY640.PNG"));
-    EXPECT_EQ(countStarting(ftpCommands(), "RETR"), 0);
-
-    ASSERT_TRUE(copy(o, "MC:\\VISION\\TOOLS.TXT", "renamed.txt"));
-    EXPECT_EQ(readAll(nxr::Globals::storageFolder() + "/renamed.txt"),
-              sim->readFile("MC:\\VISION\\TOOLS.TXT"));
+    // Only an error page ("<HTML>" in capitals) sends the copy to FTP; a lower-case page is the file.
+    ASSERT_TRUE(
+        sim->writeFile("MC:\\WEB\\PAGE.HTM", "<html><body>a page that is the file</body></html>\r\n"));
+    const struct
+    {
+        const char* path;
+        const char* newName;
+        const char* local;
+        bool errorPage;
+    } cases[] = {{"MC:\\VISION\\GREY640.PNG", "", "GREY640.PNG", false},
+                 {"MC:\\VISION\\TOOLS.TXT", "renamed.txt", "renamed.txt", false},
+                 {"MC:\\VISION\\TOOLS.TXT", "", "TOOLS.TXT", true},
+                 {"MC:\\WEB\\PAGE.HTM", "", "PAGE.HTM", false}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.path);
+        ASSERT_TRUE(sim->resetFaults() && sim->clearLog() &&
+                    (!c.errorPage || sim->setFault("html_error", 1)));
+        ASSERT_TRUE(copy(c.path, c.newName)) << o.LastErrorString().toStdString();
+        EXPECT_EQ(o.lastLocalPath(), cached(c.local));
+        EXPECT_EQ(readAll(cached(c.local)), sim->readFile(c.path));
+        EXPECT_EQ(countOf(sim->logLines("HTTP> "), "GET " + urlOf(c.path)), 1);
+        EXPECT_EQ(countStarting(ftpCommands(), "RETR"), c.errorPage ? 1 : 0);
+        EXPECT_EQ(countOf(ftpCommands(), QString("RETR ") + c.path), c.errorPage ? 1 : 0);
+    }
 }
 
-TEST_F(FileTransferObjectTest, ErrorPageFallsBackToFtpButLowerCaseTagIsAFile)
+TEST_F(FileTransferObjectTest, FailedCopiesReportOnceLeaveNoFileAndNoCredentials)
 {
-    NXRFileTransferObject o;
-    usePorts(o);
-    ASSERT_TRUE(sim->setFault("html_error", 1));
-    ASSERT_TRUE(copy(o, "MC:\\VISION\\TOOLS.TXT")) << o.LastErrorString().toStdString();
-    EXPECT_EQ(readAll(nxr::Globals::storageFolder() + "/TOOLS.TXT"), sim->readFile("MC:\\VISION\\TOOLS.TXT"));
-    EXPECT_EQ(countOf(ftpCommands(), "RETR MC:\\VISION\\TOOLS.TXT"), 1);
-
-    ASSERT_TRUE(sim->resetFaults());
-    ASSERT_TRUE(sim->clearLog());
-    const QByteArray page = "<html><body>a page that is the file</body></html>\r\n";
-    ASSERT_TRUE(sim->writeFile("MC:\\WEB\\PAGE.HTM", page));
-    ASSERT_TRUE(copy(o, "MC:\\WEB\\PAGE.HTM"));
-    EXPECT_EQ(readAll(nxr::Globals::storageFolder() + "/PAGE.HTM"), page);
-    EXPECT_EQ(countStarting(ftpCommands(), "RETR"), 0);
-}
-
-TEST_F(FileTransferObjectTest, MissingFileFailsWithoutLeavingAFile)
-{
-    NXRFileTransferObject o;
-    usePorts(o);
-    QSignalSpy errors(&o, &NXRFileTransferObject::OnError);
-    EXPECT_FALSE(copy(o, "MC:\\VISION\\NOPE.PNG"));
-    EXPECT_TRUE(o.LastErrorString().startsWith("Error in CopyFile: 550"))
-        << o.LastErrorString().toStdString();
-    EXPECT_EQ(errors.count(), 1);
-    EXPECT_FALSE(QFile::exists(nxr::Globals::storageFolder() + "/NOPE.PNG"));
-    EXPECT_TRUE(filesIn(nxr::Globals::storageFolder()).isEmpty());
-}
-
-TEST_F(FileTransferObjectTest, DroppedDownloadLeavesNoFile)
-{
-    NXRFileTransferObject o;
-    usePorts(o);
     ASSERT_TRUE(sim->writeFile("MC:\\BIG\\DATA.BIN", QByteArray(300000, 'd')));
-    ASSERT_TRUE(sim->setFault("drop_after", 20000));
-    EXPECT_FALSE(copy(o, "MC:\\BIG\\DATA.BIN"));
-    EXPECT_TRUE(filesIn(nxr::Globals::storageFolder()).isEmpty())
-        << filesIn(nxr::Globals::storageFolder()).join(',').toStdString();
+    const struct
+    {
+        const char* path;
+        std::vector<std::pair<QString, int>> faults;
+        bool deadPorts;
+        bool foreignLogin;
+        QString error;
+    } cases[] = {
+        {"MC:\\VISION\\NOPE.PNG", {}, false, false, "Error in CopyFile: 550"},
+        {"MC:\\BIG\\DATA.BIN", {{"drop_after", 20000}}, false, false, "Error in CopyFile: "},
+        {"MC:\\VISION\\TOOLS.TXT", {{"refuse_login", 1}, {"http_down", 1}}, false, true, "Error in "},
+        {"MC:\\VISION\\TOOLS.TXT", {}, true, true, "Could not connect to host " + sim->host()}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.path);
+        ASSERT_TRUE(sim->resetFaults());
+        for (const auto& [name, value] : c.faults)
+            ASSERT_TRUE(sim->setFault(name, value));
+        NXRFileTransferObject failing;
+        failing.setFTPPortNo(c.deadPorts ? 1 : sim->ftpPort());
+        failing.setHTTPPortNo(c.deadPorts ? 1 : sim->httpPort());
+        QSignalSpy errors(&failing, &NXRFileTransferObject::OnError);
+        g_errorTrace.clear();
+        QElapsedTimer clock;
+        clock.start();
+        EXPECT_FALSE(c.foreignLogin ? failing.CopyFile(sim->host(), c.path, "operator7", "Secr3tPw", "")
+                                    : copy(failing, c.path));
+        EXPECT_LT(clock.elapsed(), 5000);
+        EXPECT_TRUE(failing.LastErrorString().startsWith(c.error)) << failing.LastErrorString().toStdString();
+        EXPECT_EQ(errors.count(), 1);
+        EXPECT_TRUE(filesIn(nxr::Globals::storageFolder()).isEmpty())
+            << filesIn(nxr::Globals::storageFolder()).join(',').toStdString();
+        const QString all = failing.LastErrorString() + g_errorTrace.join("");
+        EXPECT_FALSE(all.contains("Secr3tPw") || all.contains("operator7")) << all.toStdString();
+        EXPECT_EQ(ConnectionPool::instance().usedSlots(), 0) << "External gave its slot back";
+    }
 }
 
 TEST_F(FileTransferObjectTest, VersionCacheIsReusedWithoutNetwork)
 {
-    NXRFileTransferObject first;
-    usePorts(first);
-    first.setVersionID("x1.23/b");
-    EXPECT_EQ(first.VersionID(), "X1.23/B");
-    EXPECT_TRUE(first.overwriteFlag()) << "an empty version cache is filled";
-    ASSERT_TRUE(copy(first, "MC:\\VISION\\TOOLS.TXT"));
-    const QString cached = nxr::Globals::storageFolder() + "/X123B/TOOLS.TXT";
-    EXPECT_TRUE(QFile::exists(cached));
-    EXPECT_TRUE(first.FileExists("TOOLS.TXT", "x1.23/b"));
-    EXPECT_FALSE(first.FileExists("TOOLS.TXT", ""));
+    o.SetProperty("VersionID", " x1.23/b ");
+    EXPECT_EQ(o.VersionID(), "X1.23/B");
+    EXPECT_TRUE(o.overwriteFlag()) << "an empty version cache is filled";
+    ASSERT_TRUE(copy("MC:\\VISION\\TOOLS.TXT"));
+    EXPECT_TRUE(QFile::exists(cached("X123B/TOOLS.TXT")));
+    EXPECT_TRUE(o.FileExists("TOOLS.TXT", "x1.23/b"));
+    EXPECT_FALSE(o.FileExists("TOOLS.TXT", ""));
 
     // A later object finds the version's cache filled: no network at all, not even to a dead host.
     ASSERT_TRUE(sim->clearLog());
     NXRFileTransferObject second;
     EXPECT_FALSE(second.overwriteFlag());
     EXPECT_TRUE(second.CopyFile("127.0.0.1:1", "MC:\\VISION\\TOOLS.TXT", "u", "p", ""));
-    EXPECT_TRUE(sim->logLines("FTP> ").isEmpty());
+    EXPECT_TRUE(ftpCommands().isEmpty());
     EXPECT_TRUE(sim->logLines("HTTP> GET /MC").isEmpty());
     EXPECT_EQ(ConnectionPool::instance().usedSlots(), 0);
-    nxr::TransferCache::setVersionId(QString());
 }
 
-TEST_F(FileTransferObjectTest, LocalNamesStayInsideTheCache)
+TEST_F(FileTransferObjectTest, LocalNamesStayInsideTheCacheAndTheControlForwards)
 {
-    NXRFileTransferObject o;
-    usePorts(o);
-    for (const QString& name :
-         {QString(".."), QString("../evil.txt"), QString("/tmp/evil.txt"), QString("a\\b")}) {
+    NXRFileTransferCtl ctl;
+    QSignalSpy errors(&ctl, &NXRFileTransferCtl::OnError);
+    for (const QString name : {"..", "../evil.txt", "/tmp/evil.txt", "a\\b"}) {
         EXPECT_FALSE(copy(o, "MC:\\VISION\\TOOLS.TXT", name)) << name.toStdString();
         EXPECT_TRUE(o.LastErrorString().startsWith("Error in CopyFile: Invalid local file name"))
             << o.LastErrorString().toStdString();
     }
-    EXPECT_FALSE(copy(o, "MC:\\../../evil.txt"));
-    EXPECT_FALSE(copy(o, "MC:\\VISION\\TOOLS.TXT\r\nDELE MC:\\SUMMARY.DG"));
-    EXPECT_TRUE(sim->logLines("FTP> ").isEmpty());
+    EXPECT_FALSE(ctl.CopyFile(sim->host(), "MC:\\VISION\\TOOLS.TXT", sim->user(), sim->password(), ".."));
+    EXPECT_TRUE(ctl.LastErrorString().startsWith("Error in CopyFile: Invalid local file name"));
+    ASSERT_NE(ctl.transferObject(), nullptr);
+    usePorts(*ctl.transferObject());
+    EXPECT_FALSE(copy("MC:\\../../evil.txt"));
+    EXPECT_FALSE(copy("MC:\\VISION\\TOOLS.TXT\r\nDELE MC:\\SUMMARY.DG"));
+    EXPECT_TRUE(ftpCommands().isEmpty());
     EXPECT_FALSE(QFile::exists(QFileInfo(nxr::Globals::storageFolder()).absolutePath() + "/evil.txt"));
     EXPECT_FALSE(o.FileExists("../TORVIK/x", ""));
     EXPECT_TRUE(o.LastErrorString().startsWith("Error in FileExists: Invalid local file name"));
+
+    EXPECT_TRUE(ctl.CopyFile(sim->host(), "MC:\\VISION\\TOOLS.TXT", sim->user(), sim->password(), ""));
+    EXPECT_TRUE(QFile::exists(cached("TOOLS.TXT")));
+    EXPECT_EQ(errors.count(), 1);
 }
 
 TEST_F(FileTransferObjectTest, PortChangesReconnect)
 {
-    NXRFileTransferObject o;
-    usePorts(o);
-    ASSERT_TRUE(o.ConnectRobot("Display", sim->host(), sim->user(), sim->password()));
+    ASSERT_TRUE(connectRobot(o, "Display"));
     EXPECT_EQ(o.client()->FtpState(), 1);
     EXPECT_EQ(o.client()->HttpState(), 1);
     EXPECT_EQ(o.currentDirectory(), "\\");
     const int logins = countStarting(ftpCommands(), "USER");
-
     o.setHTTPPortNo(sim->httpPort()); // same value: nothing happens
     EXPECT_EQ(countStarting(ftpCommands(), "USER"), logins);
 
     QSignalSpy errors(&o, &NXRFileTransferObject::OnError);
     o.setHTTPPortNo(1); // nothing listens there
-    EXPECT_EQ(o.HTTPPortNo(), 1);
     EXPECT_EQ(countStarting(ftpCommands(), "USER"), logins + 1) << "both sessions were opened again";
     EXPECT_EQ(errors.count(), 1);
     EXPECT_TRUE(o.LastErrorString().startsWith("Error in HTTPPortNo: ")) << o.LastErrorString().toStdString();
@@ -215,32 +222,36 @@ TEST_F(FileTransferObjectTest, PortChangesReconnect)
 
 TEST_F(FileTransferObjectTest, PoolSharesForceFreesAndRunsOut)
 {
-    NXRFileTransferObject a, b;
-    usePorts(a);
+    NXRFileTransferObject b;
     usePorts(b);
-    ASSERT_TRUE(a.ConnectRobot("A", sim->host(), sim->user(), sim->password()));
-    ASSERT_TRUE(b.ConnectRobot("B", sim->host(), sim->user(), sim->password()));
-    EXPECT_EQ(a.client(), b.client());
-    EXPECT_EQ(ConnectionPool::instance().usedSlots(), 1);
+    ASSERT_TRUE(connectRobot(o, "A"));
+    ASSERT_TRUE(connectRobot(b, "B"));
+    EXPECT_EQ(o.client(), b.client());
     EXPECT_EQ(ConnectionPool::instance().usersOf(sim->host()), QStringList({"A", "B"}));
     EXPECT_EQ(countStarting(ftpCommands(), "USER"), 1) << "the second user found the session open";
 
-    const auto shared = a.client();
-    a.DisconnectRobot(true);
-    EXPECT_EQ(a.client(), nullptr);
+    const auto shared = o.client();
+    o.DisconnectRobot(true);
+    EXPECT_EQ(o.client(), nullptr);
     EXPECT_TRUE(shared->isRetired());
     EXPECT_EQ(shared->FtpState(), 0);
     const auto fresh = ConnectionPool::instance().clientOf(sim->host());
     ASSERT_NE(fresh, nullptr);
     EXPECT_NE(fresh, shared);
     EXPECT_EQ(ConnectionPool::instance().usersOf(sim->host()), QStringList({"B"}));
-
     // B goes on over the fresh client, reconnecting on its own.
-    const QStringList files = b.FileListing("MC:\\VISION");
-    EXPECT_TRUE(files.contains("TOOLS.TXT"));
+    EXPECT_TRUE(b.FileListing("MC:\\VISION").contains("TOOLS.TXT"));
     EXPECT_EQ(b.client(), fresh);
     b.DisconnectRobot(false);
     EXPECT_EQ(ConnectionPool::instance().usedSlots(), 0);
+
+    // A server with a port keys the pool but connects to the host.
+    const QString server = sim->host() + ":8080";
+    ASSERT_TRUE(connectRobot(o, "Display", server));
+    EXPECT_NE(ConnectionPool::instance().clientOf(server), nullptr);
+    EXPECT_EQ(ConnectionPool::instance().clientOf(sim->host()), nullptr);
+    ASSERT_TRUE(o.CopyFile(server, "MC:\\VISION\\TOOLS.TXT", sim->user(), sim->password(), ""));
+    o.DisconnectRobot(false);
 
     // Ten servers fill the pool; an eleventh gets nothing until one is given back.
     for (int i = 1; i <= 10; ++i)
@@ -255,95 +266,76 @@ TEST_F(FileTransferObjectTest, PoolSharesForceFreesAndRunsOut)
     ConnectionPool::instance().clear();
 }
 
-TEST_F(FileTransferObjectTest, ServerWithPortKeysThePoolButConnectsToTheHost)
-{
-    NXRFileTransferObject o;
-    usePorts(o);
-    const QString server = sim->host() + ":8080";
-    ASSERT_TRUE(o.ConnectRobot("Display", server, sim->user(), sim->password()));
-    EXPECT_NE(ConnectionPool::instance().clientOf(server), nullptr);
-    EXPECT_EQ(ConnectionPool::instance().clientOf(sim->host()), nullptr);
-    ASSERT_TRUE(o.CopyFile(server, "MC:\\VISION\\TOOLS.TXT", sim->user(), sim->password(), ""));
-    o.DisconnectRobot(false);
-}
-
 TEST_F(FileTransferObjectTest, ListingsAndTheirCache)
 {
-    NXRFileTransferObject o;
-    usePorts(o);
-    ASSERT_TRUE(o.ConnectRobot("Dialog", sim->host(), sim->user(), sim->password()));
+    ASSERT_TRUE(connectRobot(o, "Dialog"));
     ASSERT_TRUE(sim->writeFile("MC:\\VISION\\SUB\\X.TXT", "x"));
-    EXPECT_EQ(o.FileListing("MC:\\VISION"), QStringList({"COLOR800.JPG", "GREY640.PNG", "TOOLS.TXT"}));
+    const QStringList vision{"COLOR800.JPG", "GREY640.PNG", "TOOLS.TXT"};
+    EXPECT_EQ(o.FileListing("MC:\\VISION"), vision);
     EXPECT_EQ(o.FolderListing("MC:\\VISION"), QStringList({"SUB"}));
-
     ASSERT_TRUE(sim->setFault("lowercase_list", 1));
-    EXPECT_EQ(o.FileListing("MC:\\VISION"), QStringList({"COLOR800.JPG", "GREY640.PNG", "TOOLS.TXT"}));
-    ASSERT_TRUE(sim->resetFaults());
+    EXPECT_EQ(o.FileListing("MC:\\VISION"), vision);
 
+    // A listing of 202 names is reused; one of 201 names is fetched again.
     for (int i = 0; i < 202; ++i) {
-        ASSERT_TRUE(sim->writeFile(QString("UD1:\\MANY202\\F%1.TXT").arg(i, 3, 10, QChar('0')), "m"));
-        if (i < 201) {
-            ASSERT_TRUE(sim->writeFile(QString("UD1:\\MANY201\\F%1.TXT").arg(i, 3, 10, QChar('0')), "m"));
-        }
+        const QString name = QString("\\F%1.TXT").arg(i, 3, 10, QChar('0'));
+        ASSERT_TRUE(sim->writeFile("UD1:\\MANY202" + name, "m"));
+        ASSERT_TRUE(i == 201 || sim->writeFile("UD1:\\MANY201" + name, "m"));
     }
-    ASSERT_TRUE(sim->clearLog());
-    EXPECT_EQ(o.FileListing("UD1:\\MANY202").size(), 202);
-    EXPECT_EQ(o.FileListing("UD1:\\MANY202").size(), 202);
-    EXPECT_EQ(countOf(ftpCommands(), "LIST UD1:\\MANY202"), 1) << "a listing of 202 names is reused";
-    EXPECT_EQ(o.FileListing("UD1:\\MANY201").size(), 201);
-    EXPECT_EQ(o.FileListing("UD1:\\MANY201").size(), 201);
-    EXPECT_EQ(countOf(ftpCommands(), "LIST UD1:\\MANY201"), 2) << "one of 201 names is fetched again";
-
+    ASSERT_TRUE(sim->resetFaults() && sim->clearLog());
+    for (const int size : {202, 201}) {
+        const QString folder = QString("UD1:\\MANY%1").arg(size);
+        EXPECT_EQ(o.FileListing(folder).size(), size);
+        EXPECT_EQ(o.FileListing(folder).size(), size);
+        EXPECT_EQ(countOf(ftpCommands(), "LIST " + folder), size == 202 ? 1 : 2);
+    }
     // An empty folder: one empty name per line of the (empty) answer.
     ASSERT_TRUE(QDir().mkpath(sim->localPathOf("TD:\\EMPTY")));
     EXPECT_EQ(o.FileListing("TD:\\EMPTY"), QStringList{QString()});
     o.DisconnectRobot(false);
 }
 
-TEST_F(FileTransferObjectTest, RetryRules)
+TEST_F(FileTransferObjectTest, RetryRulesAndSessionMembers)
 {
-    NXRFileTransferObject o;
-    usePorts(o);
     QTemporaryDir local;
     const QString file = local.filePath("up.txt");
-    QFile f(file);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write("payload");
-    f.close();
-
-    try {
-        o.UploadFile("Masks", file, sim->host(), "MC:\\NOFOLDER\\UP.TXT", sim->user(), sim->password(), -1);
-        FAIL() << "upload into a missing folder succeeded";
-    } catch (const TransferError& e) {
-        EXPECT_EQ(e.number(), 550) << e.description().toStdString();
+    ASSERT_TRUE(writeLocal(file, "payload"));
+    const auto upload = [&](const QString& target, int retries) {
+        return o.UploadFile("Masks", file, sim->host(), target, sim->user(), sim->password(), retries);
+    };
+    // -1 means three attempts, n means n + 1; a "501" answer is not retried.
+    const struct
+    {
+        std::function<void()> call;
+        QString sent;
+        int times;
+        int number;
+        QString text;
+    } cases[] = {{[&] { upload("MC:\\NOFOLDER\\UP.TXT", -1); }, "STOR MC:\\NOFOLDER\\UP.TXT", 3, 550, ""},
+                 {[&] { upload("MC:\\NOFOLDER\\UP.TXT", 1); }, "STOR MC:\\NOFOLDER\\UP.TXT", 2, 550, ""},
+                 {[&] { o.ChangeDirectory("MC:\\NO_SUCH", -1); }, "cwd MC:\\NO_SUCH", 3, 550, ""},
+                 {[&] { o.ChangeDirectory("MC:\\*BAD", -1); }, "cwd MC:\\*BAD", 1, 0, "501"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.sent.toStdString());
+        ASSERT_TRUE(sim->clearLog());
+        try {
+            c.call();
+            ADD_FAILURE() << "the command succeeded";
+        } catch (const TransferError& e) {
+            EXPECT_TRUE(c.number ? e.number() == c.number : e.description().contains(c.text))
+                << e.number() << " " << e.description().toStdString();
+        }
+        EXPECT_EQ(countOf(ftpCommands(), c.sent), c.times);
     }
-    EXPECT_EQ(countOf(ftpCommands(), "STOR MC:\\NOFOLDER\\UP.TXT"), 3) << "-1 means three attempts";
-    ASSERT_TRUE(sim->clearLog());
-    EXPECT_THROW(
-        o.UploadFile("Masks", file, sim->host(), "MC:\\NOFOLDER\\UP.TXT", sim->user(), sim->password(), 1),
-        TransferError);
-    EXPECT_EQ(countOf(ftpCommands(), "STOR MC:\\NOFOLDER\\UP.TXT"), 2);
-    EXPECT_TRUE(o.UploadFile("Masks", file, sim->host(), "TD:\\UP.TXT", sim->user(), sim->password(), -1));
+    EXPECT_TRUE(upload("TD:\\UP.TXT", -1));
     EXPECT_EQ(sim->readFile("TD:\\UP.TXT"), QByteArray("payload"));
-
-    ASSERT_TRUE(sim->clearLog());
-    EXPECT_THROW(o.ChangeDirectory("MC:\\NO_SUCH", -1), TransferError);
-    EXPECT_EQ(countOf(ftpCommands(), "cwd MC:\\NO_SUCH"), 3);
-    try {
-        o.ChangeDirectory("MC:\\*BAD", -1);
-        FAIL() << "a refused path was accepted";
-    } catch (const TransferError& e) {
-        EXPECT_TRUE(e.description().contains("501"));
-    }
-    EXPECT_EQ(countOf(ftpCommands(), "cwd MC:\\*BAD"), 1) << "a 501 answer is not retried";
 
     o.ChangeDirectory("MC:\\VISION", -1);
     EXPECT_EQ(o.currentDirectory(), "MC:\\VISION");
     EXPECT_TRUE(o.mfstr_GetDirectoryList("", false, -1).split("\r\n").contains("TOOLS.TXT"));
-
-    const QString drives = o.DriveList();
+    const QStringList drives = o.DriveList().split("\r\n");
     for (const char* device : {"MC:", "UD1:", "MCV:", "UT1:", "TD:", "MD:", "MDB:", "FR:"})
-        EXPECT_TRUE(drives.split("\r\n").contains(device)) << drives.toStdString();
+        EXPECT_TRUE(drives.contains(device)) << drives.join(' ').toStdString();
 
     ASSERT_TRUE(sim->clearLog());
     EXPECT_THROW(o.ChangeDirectory("MC:\\A\r\nDELE MC:\\SUMMARY.DG", -1), TransferError);
@@ -358,142 +350,72 @@ TEST_F(FileTransferObjectTest, ReentrantCopiesShareTheConnectionSafely)
     // "External" key of the same server, and the inner one gives it back first.
     ASSERT_TRUE(sim->writeFile("MC:\\BIG\\LARGE.BIN", QByteArray(200 * 1024, 'L')));
     ASSERT_TRUE(sim->setFault("rate", 1024 * 1024)); // the outer copy takes about 0.2 s
-    NXRFileTransferObject outer, inner;
-    usePorts(outer);
+    NXRFileTransferObject inner;
     usePorts(inner);
     bool innerOk = false;
     bool innerRan = false;
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, [&] {
-        if (innerRan || !outer.client() || !outer.client()->isBusy() || outer.client()->HttpState() <= 0)
+        if (innerRan || !o.client() || !o.client()->isBusy() || o.client()->HttpState() <= 0)
             return;
         innerRan = true; // while the outer download is running
         innerOk = copy(inner, "MC:\\VISION\\TOOLS.TXT");
     });
     poll.start(0);
-    EXPECT_TRUE(copy(outer, "MC:\\BIG\\LARGE.BIN")) << outer.LastErrorString().toStdString();
+    EXPECT_TRUE(copy("MC:\\BIG\\LARGE.BIN")) << o.LastErrorString().toStdString();
     EXPECT_TRUE(innerRan);
     EXPECT_TRUE(innerOk) << inner.LastErrorString().toStdString();
-    EXPECT_EQ(QFileInfo(outer.lastLocalPath()).size(), 200 * 1024);
+    EXPECT_EQ(QFileInfo(o.lastLocalPath()).size(), 200 * 1024);
     EXPECT_EQ(readAll(inner.lastLocalPath()), sim->readFile("MC:\\VISION\\TOOLS.TXT"));
 }
 
 TEST_F(FileTransferObjectTest, ScriptMembersReportInsteadOfThrowing)
 {
-    NXRFileTransferObject o;
-    usePorts(o);
     QSignalSpy errors(&o, &NXRFileTransferObject::OnError);
     EXPECT_EQ(o.ListFiles(sim->host(), "MC:\\VISION", sim->user(), sim->password()),
               QStringList({"COLOR800.JPG", "GREY640.PNG", "TOOLS.TXT"}));
     EXPECT_TRUE(o.ListDrives(sim->host(), sim->user(), sim->password()).contains("MDB:"));
-    EXPECT_EQ(ConnectionPool::instance().usedSlots(), 0);
-
-    ASSERT_TRUE(copy(o, "MC:\\VISION\\TOOLS.TXT", "mine.txt"));
+    ASSERT_TRUE(copy("MC:\\VISION\\TOOLS.TXT", "mine.txt"));
     EXPECT_TRUE(o.UploadCachedFile(sim->host(), "mine.txt", "TD:\\MINE.TXT", sim->user(), sim->password()));
     EXPECT_EQ(sim->readFile("TD:\\MINE.TXT"), sim->readFile("MC:\\VISION\\TOOLS.TXT"));
     EXPECT_EQ(errors.count(), 0);
 
     // Only files of the cache go up; failures become LastErrorString and one OnError each.
-    EXPECT_FALSE(
-        o.UploadCachedFile(sim->host(), "../../etc/passwd", "TD:\\X.TXT", sim->user(), sim->password()));
+    const auto uploadCached = [&](const QString& name, const QString& target) {
+        return o.UploadCachedFile(sim->host(), name, target, sim->user(), sim->password());
+    };
+    EXPECT_FALSE(uploadCached("../../etc/passwd", "TD:\\X.TXT"));
     EXPECT_TRUE(o.LastErrorString().startsWith("Error in UploadCachedFile: Invalid local file name"));
-    EXPECT_FALSE(
-        o.UploadCachedFile(sim->host(), "mine.txt", "TD:\\NOFOLDER\\X.TXT", sim->user(), sim->password()));
+    EXPECT_FALSE(uploadCached("mine.txt", "TD:\\NOFOLDER\\X.TXT"));
     EXPECT_TRUE(o.LastErrorString().startsWith("Error in UploadCachedFile: 550"))
         << o.LastErrorString().toStdString();
     EXPECT_TRUE(o.ListFolders(sim->host(), "MC:\\NO_SUCH", sim->user(), sim->password()).isEmpty());
     EXPECT_TRUE(o.LastErrorString().startsWith("Error in ListFolders: 550"))
         << o.LastErrorString().toStdString();
     EXPECT_EQ(errors.count(), 3);
-    EXPECT_FALSE(sim->readFile("TD:\\X.TXT").size() > 0);
-    EXPECT_EQ(ConnectionPool::instance().usedSlots(), 0);
+    EXPECT_TRUE(sim->readFile("TD:\\X.TXT").isEmpty());
 }
 
-TEST_F(FileTransferObjectTest, DriveListNeedsAnOpenSession)
+TEST_F(FileTransferObjectTest, MembersThatNeedNoSession)
 {
-    NXRFileTransferObject o;
-    EXPECT_EQ(o.DriveList(), QString());
-    EXPECT_TRUE(sim->logLines("FTP> ").isEmpty());
+    EXPECT_EQ(o.DriveList(), QString()) << "no open session, no listing";
+    EXPECT_TRUE(ftpCommands().isEmpty());
+    EXPECT_TRUE(o.CheckVNUM(64) && o.CheckVNUM(-1) && !o.CheckVNUM(65));
+    EXPECT_EQ(o.StorageFolder(), nxr::Globals::storageFolder() + "/");
+    EXPECT_TRUE(QRegularExpression("^V\\d\\.\\d\\d[A-Z]/\\d\\d$").match(o.NXRBuildID()).hasMatch());
 }
 
 TEST_F(FileTransferObjectTest, PoolSurvivesAControllerRestart)
 {
-    NXRFileTransferObject o;
-    usePorts(o);
-    ASSERT_TRUE(o.ConnectRobot("Display", sim->host(), sim->user(), sim->password()));
-    ASSERT_TRUE(o.CopyFile(sim->host(), "MC:\\VISION\\TOOLS.TXT", sim->user(), sim->password(), ""));
+    ASSERT_TRUE(connectRobot(o, "Display"));
+    ASSERT_TRUE(copy("MC:\\VISION\\TOOLS.TXT"));
     const auto client = o.client();
     ASSERT_TRUE(sim->restart(0.5));
-    ASSERT_TRUE(o.CopyFile(sim->host(), "MC:\\VISION\\GREY640.PNG", sim->user(), sim->password(), ""))
-        << o.LastErrorString().toStdString();
-    EXPECT_EQ(readAll(nxr::Globals::storageFolder() + "/GREY640.PNG"),
-              sim->readFile("MC:\\VISION\\GREY640.PNG"));
+    ASSERT_TRUE(copy("MC:\\VISION\\GREY640.PNG")) << o.LastErrorString().toStdString();
+    EXPECT_EQ(readAll(cached("GREY640.PNG")), sim->readFile("MC:\\VISION\\GREY640.PNG"));
     EXPECT_EQ(o.client(), client) << "the same pooled client reconnected";
     EXPECT_TRUE(o.FileListing("MC:\\VISION").contains("TOOLS.TXT"));
     o.DisconnectRobot(false);
-}
-
-TEST_F(FileTransferObjectTest, DeadControllerGivesAClearErrorQuickly)
-{
-    NXRFileTransferObject o;
-    o.setFTPPortNo(1);
-    o.setHTTPPortNo(1);
-    QElapsedTimer clock;
-    clock.start();
-    EXPECT_FALSE(o.CopyFile(sim->host(), "MC:\\VISION\\TOOLS.TXT", "operator7", "Secr3tPw", ""));
-    EXPECT_LT(clock.elapsed(), 5000);
-    EXPECT_EQ(o.LastErrorString(), "Could not connect to host " + sim->host());
-    EXPECT_EQ(ConnectionPool::instance().usedSlots(), 0) << "External gave its slot back";
-}
-
-TEST_F(FileTransferObjectTest, NoCredentialsInErrorsOrTraces)
-{
-    NXRFileTransferObject o;
-    usePorts(o);
-    ASSERT_TRUE(sim->setFault("refuse_login", 1));
-    ASSERT_TRUE(sim->setFault("http_down", 1));
-    EXPECT_FALSE(o.CopyFile(sim->host(), "MC:\\VISION\\TOOLS.TXT", "operator7", "Secr3tPw", ""));
-    const QString all = o.LastErrorString() + g_errorTrace.join("");
-    EXPECT_FALSE(all.isEmpty());
-    EXPECT_FALSE(all.contains("Secr3tPw")) << all.toStdString();
-    EXPECT_FALSE(all.contains("operator7")) << all.toStdString();
-}
-
-TEST_F(FileTransferObjectTest, VersionAndFolderMembers)
-{
-    NXRFileTransferObject o;
-    EXPECT_TRUE(o.CheckVNUM(64));
-    EXPECT_FALSE(o.CheckVNUM(65));
-    EXPECT_TRUE(o.CheckVNUM(-1));
-    EXPECT_EQ(o.StorageFolder(), nxr::Globals::storageFolder() + "/");
-    EXPECT_TRUE(QRegularExpression("^V\\d\\.\\d\\d[A-Z]/\\d\\d$").match(o.NXRBuildID()).hasMatch());
-    EXPECT_EQ(o.GetProperty("NXRBuildID"), o.NXRBuildID());
-    o.SetProperty("VersionID", " v9.40p/01 ");
-    EXPECT_EQ(o.VersionID(), "V9.40P/01");
-    EXPECT_TRUE(QDir(nxr::Globals::storageFolder() + "/V940P01").exists());
-    EXPECT_EQ(o.HTTPPortNo(), 80);
-    EXPECT_EQ(o.FTPPortNo(), 21);
-    nxr::TransferCache::setVersionId(QString());
-}
-
-TEST_F(FileTransferObjectTest, ControlForwardsCopyFile)
-{
-    NXRFileTransferCtl ctl;
-    EXPECT_FALSE(ctl.isVisible());
-    QSignalSpy errors(&ctl, &NXRFileTransferCtl::OnError);
-    ctl.SetProperty("Anything", "1");
-    EXPECT_EQ(ctl.LastErrorString(), "Error: unknown property (Anything)");
-    EXPECT_EQ(ctl.GetProperty("Other"), "");
-    EXPECT_EQ(ctl.GetProperty("LastErrorString"), "Error: unknown property (Other)");
-
-    EXPECT_FALSE(ctl.CopyFile(sim->host(), "MC:\\VISION\\TOOLS.TXT", sim->user(), sim->password(), ".."));
-    EXPECT_TRUE(ctl.LastErrorString().startsWith("Error in CopyFile: Invalid local file name"))
-        << ctl.LastErrorString().toStdString();
-    ASSERT_NE(ctl.transferObject(), nullptr);
-    usePorts(*ctl.transferObject());
-    EXPECT_TRUE(ctl.CopyFile(sim->host(), "MC:\\VISION\\TOOLS.TXT", sim->user(), sim->password(), ""));
-    EXPECT_TRUE(QFile::exists(nxr::Globals::storageFolder() + "/TOOLS.TXT"));
-    EXPECT_EQ(errors.count(), 3);
 }
 
 } // namespace

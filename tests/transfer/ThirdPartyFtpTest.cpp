@@ -38,14 +38,8 @@ protected:
         root = temp.filePath("root");
         ASSERT_TRUE(QDir().mkpath(root + "/pub/sub"));
         ASSERT_TRUE(QDir().mkpath(temp.filePath("empty")));
-        QFile hello(root + "/pub/hello.txt");
-        ASSERT_TRUE(hello.open(QIODevice::WriteOnly));
-        hello.write("hello from a real daemon\n");
-        hello.close();
-        QFile image(root + "/pub/Picture.PNG");
-        ASSERT_TRUE(image.open(QIODevice::WriteOnly));
-        image.write(QByteArray(70000, '\x42'));
-        image.close();
+        ASSERT_TRUE(writeLocal(root + "/pub/hello.txt", "hello from a real daemon\n"));
+        ASSERT_TRUE(writeLocal(root + "/pub/Picture.PNG", QByteArray(70000, '\x42')));
 
         port = freePort();
         // Runs as the launching user, without chroot or privilege separation: fine for a test.
@@ -57,10 +51,7 @@ protected:
                            "pasv_enable=YES\npasv_address=127.0.0.1\ncheck_shell=NO\n")
                 .arg(port)
                 .arg(root, temp.filePath("empty"));
-        QFile conf(temp.filePath("vsftpd.conf"));
-        ASSERT_TRUE(conf.open(QIODevice::WriteOnly));
-        conf.write(config.toUtf8());
-        conf.close();
+        ASSERT_TRUE(writeLocal(temp.filePath("vsftpd.conf"), config.toUtf8()));
         daemon.setProcessChannelMode(QProcess::ForwardedChannels);
         daemon.start(kDaemon, {temp.filePath("vsftpd.conf")});
         ASSERT_TRUE(daemon.waitForStarted(5000));

@@ -1,12 +1,16 @@
 #pragma once
 // Helpers shared by the transfer tests.
 
+#include "ControllerSimulator.h"
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 
 #include <ostream>
 
@@ -24,10 +28,22 @@ inline QByteArray readAll(const QString& path)
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
+inline bool writeLocal(const QString& path, const QByteArray& content)
+{
+    QFile f(path);
+    return f.open(QIODevice::WriteOnly) && f.write(content) == content.size();
+}
+
 // Files in a folder, hidden ones (partial downloads) included.
 inline QStringList filesIn(const QString& folder)
 {
     return QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
+}
+
+// The web path of a controller path: "MC:\\A\\B.PNG" -> "/MC/A/B.PNG".
+inline QString urlOf(const QString& controllerPath)
+{
+    return "/" + QString(controllerPath).remove(':').replace('\\', '/');
 }
 
 inline int countOf(const QStringList& lines, const QString& text)
@@ -45,5 +61,30 @@ inline int countStarting(const QStringList& lines, const QString& prefix)
         n += line.startsWith(prefix) ? 1 : 0;
     return n;
 }
+
+// One simulator for a whole suite; every test starts without faults and with an empty log.
+class SimulatorTest : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        sim = new ControllerSimulator();
+        ASSERT_TRUE(sim->start()) << sim->errorText().toStdString();
+    }
+    static void TearDownTestSuite()
+    {
+        delete sim;
+        sim = nullptr;
+    }
+    void SetUp() override
+    {
+        ASSERT_TRUE(sim->isRunning());
+        ASSERT_TRUE(sim->resetFaults());
+        ASSERT_TRUE(sim->clearLog());
+    }
+    static QStringList ftpCommands() { return sim->logLines("FTP> "); }
+
+    static inline ControllerSimulator* sim = nullptr;
+};
 
 } // namespace nxr::test
