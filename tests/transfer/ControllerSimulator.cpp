@@ -1,5 +1,8 @@
 #include "ControllerSimulator.h"
 
+#include <csignal>
+#include <sys/prctl.h>
+
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
@@ -66,6 +69,8 @@ bool ControllerSimulator::start()
 
     m_process = std::make_unique<QProcess>();
     m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    // A test that crashes must not leave its simulator behind (holding the test runner's output pipe).
+    m_process->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
     m_process->start(simulatorPython(), args);
     if (!m_process->waitForStarted(10000)) {
         m_error = QStringLiteral("cannot start ") + simulatorPython() + QStringLiteral(": ") +
