@@ -550,18 +550,25 @@ void ControllerClient::fail(const Transfer& t, const Session& session, bool ftp)
     throw TransferError(number, scrubCredentials(text, secrets));
 }
 
+// Checks the connection settings for line breaks and takes them over for one session.
+void ControllerClient::configure(Session& session, const QString& host, const QString& user,
+                                 const QString& password, quint16 port)
+{
+    checkHost(host);
+    checkLine(user, "user name");
+    checkLine(password, "password");
+    session.host = host;
+    session.user = user;
+    session.password = password;
+    session.port = port;
+    session.configured = true;
+}
+
 void ControllerClient::FtpConnect(const QString& host, const QString& user, const QString& password,
                                   quint16 port, int /*flag*/)
 {
     auto keep = shared_from_this();
-    checkHost(host);
-    checkLine(user, "user name");
-    checkLine(password, "password");
-    m_ftp.host = host;
-    m_ftp.user = user;
-    m_ftp.password = password;
-    m_ftp.port = port;
-    m_ftp.configured = true;
+    configure(m_ftp, host, user, password, port);
     m_probeFtpPort = port;
     Transfer t;
     newEasy(t, m_ftp, true, ftpUrl(m_ftp, QString()));
@@ -578,14 +585,7 @@ void ControllerClient::HttpConnect(const QString& host, const QString& user, con
                                    quint16 port)
 {
     auto keep = shared_from_this();
-    checkHost(host);
-    checkLine(user, "user name");
-    checkLine(password, "password");
-    m_http.host = host;
-    m_http.user = user;
-    m_http.password = password;
-    m_http.port = port;
-    m_http.configured = true;
+    configure(m_http, host, user, password, port);
     m_probeHttpPort = port;
     Transfer t;
     newEasy(t, m_http, false,

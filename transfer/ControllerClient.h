@@ -121,6 +121,8 @@ private:
 
     ControllerClient();
 
+    static void configure(Session& session, const QString& host, const QString& user, const QString& password,
+                          quint16 port);
     void ensureMulti();
     void resetMulti();
     void abortAll();
