@@ -1,0 +1,344 @@
+// Overlay items painted into an image through the painter, checked by sampling pixels at the
+// places a screen pixel should land: device = origin + image * zoom / 100, lengths fixed in
+// screen pixels times the device pixel ratio.
+
+#include "graphics/OverlayPainter.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+
+using namespace nxr;
+
+namespace {
+
+const QRgb kBackground = qRgb(128, 128, 128);
+constexpr qint32 kRed = 0x0000FF; // 0x00BBGGRR
+const QRgb kRedRgb = qRgb(255, 0, 0);
+
+struct View
+{
+    double zoom;
+    QPointF origin;
+    double ratio = 1.0;
+};
+
+// Paints like the display's raster view: a device-pixel painter on a surface of that ratio.
+QImage paintView(const View& v, const std::function<void(OverlayPainter&)>& draw,
+                 QSize size = QSize(400, 300), QRectF visible = QRectF())
+{
+    QImage img(size, QImage::Format_RGB32);
+    img.fill(kBackground);
+    img.setDevicePixelRatio(v.ratio);
+    QPainter p(&img);
+    p.scale(1.0 / v.ratio, 1.0 / v.ratio);
+    ScreenMapping m{v.zoom / 100.0, v.origin, v.ratio, visible};
+    OverlayPainter op(p, m, QRect(QPoint(0, 0), size));
+    draw(op);
+    return img;
+}
+
+QPointF dev(const View& v, double x, double y)
+{
+    return {v.origin.x() + x * v.zoom / 100.0, v.origin.y() + y * v.zoom / 100.0};
+}
+
+// Whether a pixel of `color` lies within `r` device pixels of (x, y).
+bool near(const QImage& img, double x, double y, QRgb color, int r = 1)
+{
+    const int cx = int(std::floor(x)), cy = int(std::floor(y));
+    for (int yy = cy - r; yy <= cy + r; ++yy)
+        for (int xx = cx - r; xx <= cx + r; ++xx)
+            if (img.valid(xx, yy) && img.pixel(xx, yy) == color)
+                return true;
+    return false;
+}
+
+int countNot(const QImage& img, QRgb background)
+{
+    int n = 0;
+    for (int y = 0; y < img.height(); ++y)
+        for (int x = 0; x < img.width(); ++x)
+            n += img.pixel(x, y) != background;
+    return n;
+}
+
+// Image point (50, 40) near the middle of a 400 x 300 view, scrolled a little each time.
+View centred(double zoom, QPointF shift, double ratio = 1.0)
+{
+    return {zoom, QPointF(200, 150) - QPointF(50, 40) * (zoom / 100.0) + shift, ratio};
+}
+
+const View kViews[] = {
+    centred(100, {-50, -40}), centred(200, {-7, 5}),     centred(50, {13, -9}),
+    centred(400, {3, -2}),    centred(100, {0, 0}, 1.5), centred(250, {-11, 6}, 1.5),
+};
+
+TEST(OverlayPainter, LinesLandWhereTheViewPutsThemAtEveryZoomAndScroll)
+{
+    for (const View& v : kViews) {
+        SCOPED_TRACE(testing::Message() << "zoom " << v.zoom << " ratio " << v.ratio);
+        const QImage img = paintView(v, [](OverlayPainter& p) {
+            p.drawLine(kRed, 10, 40, 90, 40, 0); // horizontal
+            p.drawLine(kRed, 60, 10, 60, 30, 0); // vertical
+        });
+        const QPointF mid = dev(v, 50, 40), vmid = dev(v, 60, 20);
+        EXPECT_TRUE(near(img, mid.x(), mid.y(), kRedRgb));
+        EXPECT_TRUE(near(img, vmid.x(), vmid.y(), kRedRgb));
+        EXPECT_FALSE(near(img, mid.x(), mid.y() + 4, kRedRgb, 1));
+        EXPECT_FALSE(near(img, mid.x(), mid.y() - 4, kRedRgb, 1));
+        const QPointF beyond = dev(v, 95, 40);
+        EXPECT_FALSE(near(img, beyond.x() + 3, beyond.y(), kRedRgb, 1));
+    }
+}
+
+TEST(OverlayPainter, PenIsOneScreenPixelWideAtAnyZoom)
+{
+    for (const View& v : kViews) {
+        const QImage img = paintView(v, [](OverlayPainter& p) { p.drawLine(kRed, 0, 30, 200, 30, 0); });
+        const int column = int(dev(v, 40, 30).x());
+        int rows = 0;
+        for (int y = 0; y < img.height(); ++y)
+            rows += img.pixel(column, y) == kRedRgb;
+        EXPECT_GE(rows, 1) << v.zoom;
+        EXPECT_LE(rows, int(std::ceil(v.ratio))) << v.zoom << " ratio " << v.ratio;
+    }
+}
+
+TEST(OverlayPainter, RotatedBoxCrossAndCircle)
+{
+    for (const View& v : kViews) {
+        SCOPED_TRACE(testing::Message() << "zoom " << v.zoom << " ratio " << v.ratio);
+        const double s = v.zoom / 100.0;
+        // A 20 x 40 box at (30, 20) turned by 90 degrees about its centre (40, 40): 40 wide, 20 high.
+        QImage img =
+            paintView(v, [](OverlayPainter& p) { p.drawRectangle(kRed, false, 30, 20, 20, 40, 90); });
+        QPointF top = dev(v, 40, 30), left = dev(v, 20, 40), oldTop = dev(v, 40, 20);
+        EXPECT_TRUE(near(img, top.x(), top.y(), kRedRgb));
+        EXPECT_TRUE(near(img, left.x(), left.y(), kRedRgb));
+        if (s >= 0.5) {
+            EXPECT_FALSE(near(img, oldTop.x(), oldTop.y(), kRedRgb, 1));
+        }
+
+        // Crosses from the collection are 11 in size: half-length 22 image pixels.
+        clsOverlayCollection items;
+        items.AddCross(50, 40, 0, kRed);
+        img = paintView(v, [&](OverlayPainter& p) { p.paint(items); });
+        QPointF inside = dev(v, 50 + 20, 40), outside = dev(v, 50 + 25, 40), up = dev(v, 50, 40 - 20);
+        EXPECT_TRUE(near(img, inside.x(), inside.y(), kRedRgb));
+        EXPECT_TRUE(near(img, up.x(), up.y(), kRedRgb));
+        EXPECT_FALSE(near(img, outside.x(), outside.y(), kRedRgb, 1));
+
+        // Radius 20 image pixels.
+        img = paintView(v, [](OverlayPainter& p) { p.drawCircle(kRed, 50, 40, 20); });
+        QPointF rim = dev(v, 70, 40), bottom = dev(v, 50, 60), centre = dev(v, 50, 40),
+                within = dev(v, 62, 40);
+        EXPECT_TRUE(near(img, rim.x(), rim.y(), kRedRgb));
+        EXPECT_TRUE(near(img, bottom.x(), bottom.y(), kRedRgb));
+        EXPECT_FALSE(near(img, centre.x(), centre.y(), kRedRgb, 2));
+        EXPECT_FALSE(near(img, within.x(), within.y(), kRedRgb, 1));
+    }
+}
+
+TEST(OverlayPainter, TurnedCrossAndTheUnscaledMarker)
+{
+    const View v{400, {-100, -100}};
+    // 45 degrees: strokes run along the diagonals.
+    QImage img = paintView(v, [](OverlayPainter& p) { p.drawCross(kRed, false, 50, 50, 45, 11); });
+    QPointF c = dev(v, 50, 50);
+    const double d = 40.0; // well inside the half-length 2 * 11 * 4 = 88
+    EXPECT_TRUE(near(img, c.x() + d, c.y() - d, kRedRgb));
+    EXPECT_TRUE(near(img, c.x() - d, c.y() - d, kRedRgb));
+    EXPECT_FALSE(near(img, c.x() + d, c.y(), kRedRgb, 2));
+
+    for (double ratio : {1.0, 1.5}) {
+        const View m{400, {-100, -100}, ratio};
+        img = paintView(m, [](OverlayPainter& p) { p.drawCross(kRed, true, 50.3, 50.3, 0, 11); });
+        c = dev(m, 50.3, 50.3);
+        const double cx = std::round(c.x()), cy = std::round(c.y());
+        // Half-length 11 screen pixels whatever the zoom, and a filled dot of 11.
+        EXPECT_TRUE(near(img, cx + 10 * ratio, cy, kRedRgb)) << ratio;
+        EXPECT_FALSE(near(img, cx + 13 * ratio, cy, kRedRgb, 1)) << ratio;
+        EXPECT_EQ(img.pixel(int(cx + 3 * ratio), int(cy + 3 * ratio)), kRedRgb) << ratio;
+        EXPECT_EQ(img.pixel(int(cx - 3 * ratio), int(cy - 3 * ratio)), kRedRgb) << ratio;
+        EXPECT_NE(img.pixel(int(cx + 8 * ratio), int(cy + 8 * ratio)), kRedRgb) << ratio;
+    }
+}
+
+TEST(OverlayPainter, ArrowHeadsAreFifteenScreenPixelsAtEitherEnd)
+{
+    struct Case
+    {
+        int style;
+        bool atFirst, atSecond;
+    };
+    const Case cases[] = {{0, false, false}, {4, true, false}, {8, false, true}, {12, true, true}};
+    for (double ratio : {1.0, 1.5}) {
+        for (const auto& k : cases) {
+            const View v{200, {-10, -10}, ratio};
+            const QImage img =
+                paintView(v, [&](OverlayPainter& p) { p.drawLine(kRed, 10, 50, 100, 50, k.style); });
+            const QPointF a = dev(v, 10, 50), b = dev(v, 100, 50);
+            const double len = 15 * ratio, half = 7.5 * ratio;
+            // Barb ends: tip + back +/- p/2 with back 15 screen pixels toward the other end.
+            EXPECT_EQ(near(img, b.x() - len, b.y() + half, kRedRgb), k.atSecond) << k.style << " r" << ratio;
+            EXPECT_EQ(near(img, b.x() - len, b.y() - half, kRedRgb), k.atSecond) << k.style << " r" << ratio;
+            EXPECT_EQ(near(img, a.x() + len, a.y() + half, kRedRgb), k.atFirst) << k.style << " r" << ratio;
+            EXPECT_EQ(near(img, a.x() + len * 0.5, a.y() - half * 0.5, kRedRgb), k.atFirst)
+                << k.style << " r" << ratio;
+            EXPECT_FALSE(near(img, b.x() - len * 1.6, b.y() + half * 1.6, kRedRgb, 1));
+        }
+    }
+}
+
+TEST(OverlayPainter, PenStylesFromTheLowStyleBits)
+{
+    std::vector<int> painted;
+    for (int style : {0, 1, 2, 3}) {
+        const QImage img =
+            paintView({100, {0, 0}}, [&](OverlayPainter& p) { p.drawLine(kRed, 10, 30, 210, 30, style); });
+        int n = 0;
+        for (int x = 10; x < 210; ++x)
+            n += img.pixel(x, 30) == kRedRgb;
+        painted.push_back(n);
+    }
+    EXPECT_GE(painted[0], 199);
+    for (int i = 1; i < 4; ++i) {
+        EXPECT_LT(painted[std::size_t(i)], 180) << "style " << i;
+        EXPECT_GT(painted[std::size_t(i)], 20) << "style " << i;
+    }
+    EXPECT_NE(painted[1], painted[2]);
+}
+
+TEST(OverlayPainter, LinePairShowsBothSides)
+{
+    clsOverlayCollection items;
+    items.AddLinePair(20, 50, 180, 50, 30, kRed);
+    const QImage img = paintView({100, {0, 0}}, [&](OverlayPainter& p) { p.paint(items); });
+    EXPECT_TRUE(near(img, 100, 35, kRedRgb));
+    EXPECT_TRUE(near(img, 100, 65, kRedRgb));
+    EXPECT_FALSE(near(img, 100, 42, kRedRgb, 2));
+}
+
+// The bounding box of the pixels of `color`.
+QRect inkOf(const QImage& img, QRgb color)
+{
+    QRect r;
+    for (int y = 0; y < img.height(); ++y)
+        for (int x = 0; x < img.width(); ++x)
+            if (img.pixel(x, y) == color)
+                r |= QRect(x, y, 1, 1);
+    return r;
+}
+
+TEST(OverlayPainter, TextHaloTakesTheContrastColour)
+{
+    struct Case
+    {
+        qint32 color;
+        QRgb text, halo;
+    };
+    const Case cases[] = {
+        {0x0000FF, qRgb(255, 0, 0), qRgb(0, 0, 0)},      // light red text, black halo
+        {0x400000, qRgb(0, 0, 64), qRgb(255, 255, 255)}, // dark blue text, white halo
+        {0x7F7F7F, qRgb(127, 127, 127), qRgb(255, 255, 255)},
+        {0x800000, qRgb(0, 0, 128), qRgb(0, 0, 0)}, // blue 128 already counts as light
+    };
+    for (const auto& k : cases) {
+        const QImage img =
+            paintView({100, {0, 0}}, [&](OverlayPainter& p) { p.drawText(k.color, 20, 30, "Edge 42"); });
+        const QRect text = inkOf(img, k.text), halo = inkOf(img, k.halo);
+        ASSERT_FALSE(text.isEmpty()) << std::hex << k.color;
+        ASSERT_FALSE(halo.isEmpty()) << std::hex << k.color;
+        // The halo reaches one pixel beyond the text on every side.
+        EXPECT_EQ(halo.left(), text.left() - 1);
+        EXPECT_EQ(halo.right(), text.right() + 1);
+        EXPECT_EQ(halo.top(), text.top() - 1);
+        EXPECT_EQ(halo.bottom(), text.bottom() + 1);
+        // The text starts 3 pixels right of its point (glyph bearings aside) and hangs below it.
+        EXPECT_GE(text.left(), 23);
+        EXPECT_LE(text.left(), 26);
+        EXPECT_GE(text.top(), 30);
+        EXPECT_LE(text.top(), 36);
+    }
+}
+
+TEST(OverlayPainter, TextNearTheRightEdgeStaysInside)
+{
+    const QRectF visible(0, 0, 200, 150);
+    for (double ratio : {1.0, 1.5}) {
+        const View v{100, {0, 0}, ratio};
+        for (double x : {150.0, 185.0, 199.0, 260.0}) {
+            const QImage img = paintView(
+                v, [&](OverlayPainter& p) { p.drawText(kRed, x, 40, "Result 12345"); }, QSize(320, 150),
+                visible);
+            const QRect halo = inkOf(img, qRgb(0, 0, 0));
+            ASSERT_FALSE(halo.isEmpty()) << x;
+            EXPECT_LT(halo.right(), 200) << "x " << x << " ratio " << ratio;
+            EXPECT_GE(halo.left(), 0);
+        }
+        // Away from the edge the text is where it was put.
+        const QImage img = paintView(
+            v, [&](OverlayPainter& p) { p.drawText(kRed, 10, 40, "Result 12345"); }, QSize(320, 150),
+            visible);
+        EXPECT_LE(inkOf(img, kRedRgb).left(), int(16 * ratio));
+    }
+    // Without a visible area the text runs on past 200: the rule above is what moved it.
+    const QImage free = paintView(
+        {100, {0, 0}}, [&](OverlayPainter& p) { p.drawText(kRed, 185, 40, "Result 12345"); },
+        QSize(320, 150));
+    EXPECT_GT(inkOf(free, kRedRgb).right(), 220);
+}
+
+TEST(OverlayPainter, TextIsNinePointsOnTheScreenAtAnyPixelRatio)
+{
+    const QImage one = paintView({100, {0, 0}}, [](OverlayPainter& p) { p.drawText(kRed, 10, 20, "HHH"); });
+    const QImage more =
+        paintView({100, {0, 0}, 1.5}, [](OverlayPainter& p) { p.drawText(kRed, 10, 20, "HHH"); });
+    const int h1 = inkOf(one, kRedRgb).height(), h2 = inkOf(more, kRedRgb).height();
+    // A capital of a 9-point font at 96 dots per inch is 8 to 10 pixels high.
+    EXPECT_GE(h1, 7);
+    EXPECT_LE(h1, 11);
+    EXPECT_NEAR(double(h2) / h1, 1.5, 0.25);
+}
+
+TEST(OverlayPainter, ItemsOutsideTheDirtyAreaAreSkipped)
+{
+    clsOverlayCollection items;
+    for (int i = 0; i < 200; ++i) {
+        items.AddLine(1000 + i, 1000, 1100 + i, 1100, kRed);
+        items.AddText(-500, i, "far", kRed);
+        items.AddCircle(3000, 10, 5, kRed);
+        items.AddArrowLine(-400, 10, -300, 10, kRed, 12);
+    }
+    items.AddLine(50, 10, 50, 60, kRed);     // vertical: a bounding box of no width, inside
+    items.AddCross(120, -10, 0, kRed);       // centre above the area, strokes reach into it
+    items.AddBox(230, 10, 40, 20, 45, kRed); // corner reaches in from the right
+    QImage img(240, 180, QImage::Format_RGB32);
+    img.fill(kBackground);
+    const ScreenMapping m{1.0, {0, 0}, 1.0, QRectF()};
+    {
+        QPainter p(&img);
+        OverlayPainter op(p, m, QRect(0, 0, 240, 180));
+        op.paint(items);
+        EXPECT_EQ(op.culledCount(), 800);
+        EXPECT_EQ(op.drawnCount(), 3);
+    }
+    EXPECT_TRUE(near(img, 50, 30, kRedRgb));
+    EXPECT_TRUE(near(img, 120, 5, kRedRgb));
+    EXPECT_GT(countNot(img, kBackground), 50);
+
+    // A dirty strip paints only what lies in it.
+    QImage strip(240, 180, QImage::Format_RGB32);
+    strip.fill(kBackground);
+    QPainter sp(&strip);
+    OverlayPainter sop(sp, m, QRect(0, 100, 240, 20));
+    sop.paint(items);
+    EXPECT_EQ(sop.drawnCount(), 0);
+}
+
+} // namespace
