@@ -266,7 +266,7 @@ QRectF OverlayPainter::textRect(double x, double y, const QString& text)
     double left = at.x() + kTextOffset * m_px;
     double width = (6.0 * double(text.size()) + 2.0) * m_px;
     const QRectF& area = m_map.visibleArea;
-    if (!area.isEmpty() && left + width > area.right()) {
+    if (!area.isEmpty() && at.x() < area.right() && left + width > area.right()) {
         // Near the right edge: end inside the visible area, halo included, by the text's real width.
         width = std::max(width, QFontMetricsF(m_font).horizontalAdvance(text));
         left = std::max(area.left() + m_px, area.right() - width - m_px);
@@ -285,7 +285,8 @@ void OverlayPainter::drawText(qint32 color, double x, double y, const QString& t
     const QRectF& area = m_map.visibleArea;
     const double halo = 2.0 * m_px;
     QRectF r;
-    if (!area.isEmpty() && left + estimate > area.right()) {
+    // Only text whose point is in view is moved; text further right stays out of view.
+    if (!area.isEmpty() && at.x() < area.right() && left + estimate > area.right()) {
         r = textRect(x, y, text); // measures the text: only for text near the right edge
         if (!visible(r.left(), r.top(), r.right(), r.bottom(), halo))
             return;

@@ -272,7 +272,7 @@ TEST(OverlayPainter, TextNearTheRightEdgeStaysInside)
     const QRectF visible(0, 0, 200, 150);
     for (double ratio : {1.0, 1.5}) {
         const View v{100, {0, 0}, ratio};
-        for (double x : {150.0, 185.0, 199.0, 260.0}) {
+        for (double x : {150.0, 185.0, 199.0}) {
             const QImage img = paintView(
                 v, [&](OverlayPainter& p) { p.drawText(kRed, x, 40, "Result 12345"); }, QSize(320, 150),
                 visible);
@@ -287,6 +287,11 @@ TEST(OverlayPainter, TextNearTheRightEdgeStaysInside)
             visible);
         EXPECT_LE(inkOf(img, kRedRgb).left(), int(16 * ratio));
     }
+    // Text whose point lies right of the visible area stays out of view.
+    const QImage beyond = paintView(
+        {100, {0, 0}}, [&](OverlayPainter& p) { p.drawText(kRed, 230, 40, "Result 12345"); }, QSize(320, 150),
+        visible);
+    EXPECT_GE(inkOf(beyond, kRedRgb).left(), 230);
     // Without a visible area the text runs on past 200: the rule above is what moved it.
     const QImage free = paintView(
         {100, {0, 0}}, [&](OverlayPainter& p) { p.drawText(kRed, 185, 40, "Result 12345"); },
@@ -314,18 +319,19 @@ TEST(OverlayPainter, ItemsOutsideTheDirtyAreaAreSkipped)
         items.AddText(-500, i, "far", kRed);
         items.AddCircle(3000, 10, 5, kRed);
         items.AddArrowLine(-400, 10, -300, 10, kRed, 12);
+        items.AddText(500, i, "right of the view", kRed);
     }
     items.AddLine(50, 10, 50, 60, kRed);     // vertical: a bounding box of no width, inside
     items.AddCross(120, -10, 0, kRed);       // centre above the area, strokes reach into it
     items.AddBox(230, 10, 40, 20, 45, kRed); // corner reaches in from the right
     QImage img(240, 180, QImage::Format_RGB32);
     img.fill(kBackground);
-    const ScreenMapping m{1.0, {0, 0}, 1.0, QRectF()};
+    const ScreenMapping m{1.0, {0, 0}, 1.0, QRectF(0, 0, 240, 180)};
     {
         QPainter p(&img);
         OverlayPainter op(p, m, QRect(0, 0, 240, 180));
         op.paint(items);
-        EXPECT_EQ(op.culledCount(), 800);
+        EXPECT_EQ(op.culledCount(), 1000);
         EXPECT_EQ(op.drawnCount(), 3);
     }
     EXPECT_TRUE(near(img, 50, 30, kRedRgb));
