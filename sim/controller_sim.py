@@ -16,7 +16,9 @@ Control endpoints on the HTTP port (for tests and demos):
   GET /__sim/reset                     all faults off
   GET /__sim/snap[?w=&h=&color=&format=&path=]
                                        the camera takes a new synthetic image and writes it to a
-                                       controller path (default MC:\\CAMERA\\SNAP.JPG); answers the path
+                                       controller path (default MC:\\CAMERA\\SNAP.JPG); answers the path.
+                                       Where the flange was drawn goes beside it as SNAP.JSON
+  GET /__sim/result[?path=]            that result of the last snap to path (404 before the first)
   GET /__sim/log                       the protocol log so far;  GET /__sim/log/clear empties it
   GET /__sim/restart?down=SECONDS      the controller goes down (every connection dropped,
                                        nothing listening) and comes back on the same ports
@@ -77,6 +79,7 @@ class State:
         self.log_path = log_path
         self.log_file = open(log_path, "a", buffering=1, encoding="utf-8", newline="\n")
         self.snap_counter = 0
+        self.results = {}  # local image file -> its result text
 
     def log(self, line):
         with self.lock:
@@ -246,7 +249,7 @@ def error_page(path):
 
 
 CONTENT_TYPES = {".png": "image/png", ".jpg": "image/jpeg", ".gif": "image/gif", ".bmp": "image/bmp",
-                 ".txt": "text/plain", ".htm": "text/html", ".html": "text/html"}
+                 ".txt": "text/plain", ".htm": "text/html", ".html": "text/html", ".json": "application/json"}
 
 
 class ControllerHTTPHandler(BaseHTTPRequestHandler):
@@ -360,6 +363,17 @@ class ControllerHTTPHandler(BaseHTTPRequestHandler):
             except ValueError as err:
                 return self._send(400, (str(err) + "\n").encode())
             return self._send(200, (path + "\n").encode())
+        if what == "result":
+            image = query.get("path", ["MC:\\CAMERA\\SNAP.JPG"])[-1]
+            try:
+                local = controller_local_path(image)
+            except ValueError as err:
+                return self._send(400, (str(err) + "\n").encode())
+            with STATE.lock:
+                body = STATE.results.get(local)
+            if body is None:
+                return self._send(404, b'{"found": false}\n', "application/json")
+            return self._send(200, body.encode(), "application/json")
         if what == "restart":
             down = float(query.get("down", ["1"])[-1])
             self._send(200, b"restarting\n")
@@ -505,7 +519,8 @@ class CameraScene:
         self.s = s
 
     def snap(self, frame, save):
-        """Draws the frame and hands it to save(image) while it is valid."""
+        """Draws the frame and hands it to save(image) while it is valid; returns where the flange
+        was drawn (see flange_pose)."""
         with self.lock:
             img = self.render(frame)
             try:
@@ -514,6 +529,7 @@ class CameraScene:
                 for box, patch in self.dirty:
                     img.paste(patch, box)
                 self.dirty = None
+            return self.last_pose
 
     def render(self, frame):
         from PIL import Image, ImageChops, ImageDraw
@@ -546,6 +562,7 @@ class CameraScene:
         if self.color:
             face = Image.merge("RGB", (face.point(lambda v: v * 94 // 100), face.point(lambda v: v * 97 // 100), face))
         img.paste(face, (x, y), shape)
+        self.last_pose = flange_pose(x + d / 2.0, y + d / 2.0, d, angle)
 
         draw = ImageDraw.Draw(img)
         label = "#%06d" % frame
@@ -555,6 +572,23 @@ class CameraScene:
         draw.text((2 * pad, pad + pad // 3), label, font=self.font,
                   fill=(255, 220, 60) if self.color else 255)
         return img
+
+
+def flange_pose(cx, cy, d, angle):
+    """Where the camera drew the flange, in image pixels (X right, Y down, pixel i covering i..i+1)
+    and degrees (counter-clockwise on the screen): its centre, outer and bore radius, the direction
+    of the keyway from the centre (90 = straight up when the part is not turned) and the six bolt
+    holes."""
+    import math
+    pitch, hole = 0.36 * d, 0.0425 * d
+    holes = []
+    for k in range(6):
+        a = math.radians(k * 60 + 30 - angle)  # clockwise from +X on the screen
+        holes.append([round(cx + pitch * math.cos(a), 2), round(cy + pitch * math.sin(a), 2)])
+    return {"found": True, "center": [round(cx, 2), round(cy, 2)], "radius": round((d - 1) / 2.0, 2),
+            "bore_radius": round(0.13 * d, 2), "angle": round(angle, 3),
+            "keyway_angle": round((90.0 + angle) % 360.0, 3), "bolt_holes": holes,
+            "bolt_hole_radius": round(hole, 2)}
 
 
 SCENES = {}
@@ -581,12 +615,34 @@ def make_image(path, width, height, color, frame):
         cx, cy, r = (frame * 37) % width, height // 2, max(8, height // 8)
         write_png(path, width, height, color,
                   lambda x, y: (200, 200, 200) if (x - cx) ** 2 + (y - cy) ** 2 < r * r else (96, 96, 96))
-        return
+        return {"found": True, "center": [cx + 0.5, cy + 0.5], "radius": float(r), "bore_radius": 0.0,
+                "angle": 0.0, "keyway_angle": 90.0, "bolt_holes": [], "bolt_hole_radius": 0.0}
     if ext in (".jpg", ".jpeg"):
         save = lambda img: img.save(path, "JPEG", quality=85)
     else:
         save = lambda img: img.save(path, "PNG", compress_level=1)
-    camera_scene(width, height, color).snap(frame, save)
+    return camera_scene(width, height, color).snap(frame, save)
+
+
+def result_path(image_path):
+    """The controller path of an image's result file: the image's path with ".JSON" for its extension."""
+    base, _ = os.path.splitext(image_path)
+    return base + ".JSON"
+
+
+def write_result(image_path, width, height, frame, pose):
+    """Writes the result file of a snapped image (see result_path) and keeps it for /__sim/result."""
+    import json
+    result = {"image": image_path, "frame": frame, "width": width, "height": height}
+    result.update(pose)
+    body = json.dumps(result, indent=1) + "\n"
+    local = controller_local_path(result_path(image_path))
+    with open(local + ".tmp", "w", newline="") as fh:
+        fh.write(body)
+    os.replace(local + ".tmp", local)
+    with STATE.lock:
+        STATE.results[controller_local_path(image_path)] = body
+    return body
 
 
 def controller_local_path(path):
@@ -613,8 +669,9 @@ def snap(path, width, height, color, fmt):
         frame = STATE.snap_counter
     tmp = local + ".tmp"
     # make_image picks the format from the extension of the final name
-    make_image(local + ".tmp" + os.path.splitext(local)[1], width, height, color, frame)
+    pose = make_image(local + ".tmp" + os.path.splitext(local)[1], width, height, color, frame)
     os.replace(tmp + os.path.splitext(local)[1], local)
+    write_result(path, width, height, frame, pose)
     STATE.log("CAMERA snap %d -> %s (%dx%d %s)" % (frame, path, width, height, "colour" if color else "grey"))
     return path
 
