@@ -71,12 +71,13 @@ OverlayGraphics::~OverlayGraphics()
     m_graphics.Clear();
 }
 
-void OverlayGraphics::paint(QPainter& painter, const ScreenMapping& mapping, const QRect& dirty) const
+void OverlayGraphics::paint(QPainter& painter, const ScreenMapping& mapping, const QRect& dirty,
+                            const QString& editedKey) const
 {
     if (m_graphics.Count() == 0 && !(m_crosshairOn && m_crosshair.Count() > 0))
         return;
     OverlayPainter overlay(painter, mapping, dirty);
-    overlay.paint(m_graphics);
+    overlay.paint(m_graphics, editedKey);
     if (m_crosshairOn)
         overlay.paint(m_crosshair);
 }

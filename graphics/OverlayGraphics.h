@@ -37,8 +37,10 @@ public:
     clsOverlayCollection& crosshair() { return m_crosshair; }
     const clsOverlayCollection& crosshair() const { return m_crosshair; }
 
-    // The graphics collection, then the crosshair when it is on, over the painted image.
-    void paint(QPainter& painter, const ScreenMapping& mapping, const QRect& dirty) const;
+    // The graphics collection, then the crosshair when it is on, over the painted image. The item
+    // under `editedKey` is left to the editor of that movable shape.
+    void paint(QPainter& painter, const ScreenMapping& mapping, const QRect& dirty,
+               const QString& editedKey = {}) const;
 
     // The tool bar's crosshair button: on rebuilds the crosshair for the current image.
     bool crosshairOn() const { return m_crosshairOn; }

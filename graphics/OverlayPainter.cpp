@@ -1,5 +1,7 @@
 #include "graphics/OverlayPainter.h"
 
+#include "imagedisplay/ViewMaths.h"
+
 #include <QFontMetricsF>
 #include <QPaintDevice>
 #include <QPainter>
@@ -13,6 +15,13 @@ namespace nxr {
 QColor colorFromLong(qint32 color)
 {
     return QColor(color & 0xFF, (color >> 8) & 0xFF, (color >> 16) & 0xFF);
+}
+
+ScreenMapping ScreenMapping::ofView(const ViewMaths& view, double devicePixelRatio)
+{
+    const QSize visible = view.visibleSize();
+    return ScreenMapping{view.scale(), QPointF(view.origin()), devicePixelRatio,
+                         QRectF(0.0, 0.0, visible.width(), visible.height())};
 }
 
 namespace {
@@ -72,9 +81,11 @@ bool OverlayPainter::visible(double left, double top, double right, double botto
     return true;
 }
 
-void OverlayPainter::paint(const clsOverlayCollection& items)
+void OverlayPainter::paint(const clsOverlayCollection& items, const QString& skipKey)
 {
     for (const auto& entry : items) {
+        if (!skipKey.isEmpty() && entry.key == skipKey)
+            continue;
         const OverlayItem& item = entry.item;
         switch (item.index()) {
         case 0: {

@@ -28,11 +28,17 @@ class QPainter;
 
 namespace nxr {
 
+class ViewMaths;
+
 // 0x00BBGGRR to a colour.
 NXR_EXPORT QColor colorFromLong(qint32 color);
 
 struct NXR_EXPORT ScreenMapping
 {
+    // The mapping of the display's view: zoom and origin from its view maths (device pixels), the
+    // raster view's device pixel ratio, and its visible area.
+    static ScreenMapping ofView(const ViewMaths& view, double devicePixelRatio);
+
     // Device pixels per image pixel: zoom / 100.
     double scale = 1.0;
     // Device position of image point (0, 0).
@@ -76,7 +82,9 @@ public:
     // Every item in order: boxes as rotated rectangles, crosses of size 11, lines with their
     // Arrowed value as style (pairs as their two side lines around the centre line), text with
     // its halo, circles.
-    void paint(const clsOverlayCollection& items);
+    // The item under `skipKey` (the movable shape being edited, which its editor draws with its
+    // handles) is left out.
+    void paint(const clsOverlayCollection& items, const QString& skipKey = {});
 
     // The four edges of the box turned by angle about its centre; with marker set, also the
     // handles.

@@ -3,6 +3,7 @@
 // screen pixels times the device pixel ratio.
 
 #include "graphics/OverlayPainter.h"
+#include "imagedisplay/ViewMaths.h"
 
 #include <QImage>
 #include <QPainter>
@@ -345,6 +346,24 @@ TEST(OverlayPainter, ItemsOutsideTheDirtyAreaAreSkipped)
     OverlayPainter sop(sp, m, QRect(0, 100, 240, 20));
     sop.paint(items);
     EXPECT_EQ(sop.drawnCount(), 0);
+}
+
+TEST(OverlayPainter, MappingOfTheDisplaysView)
+{
+    ViewMaths view;
+    view.setUsableArea(QSize(1024, 768));
+    view.setImageSize(QSize(2592, 1944));
+    for (float zoom : {25.0f, 100.0f, 250.0f}) {
+        view.setZoom(zoom);
+        view.setScrollPosition(QPoint(333, 222));
+        const ScreenMapping m = ScreenMapping::ofView(view, 1.5);
+        for (const QPointF p : {QPointF(0, 0), QPointF(1296, 972), QPointF(2000.5, 17.25)}) {
+            EXPECT_DOUBLE_EQ(m.toScreen(p.x(), p.y()).x(), view.toScreen(p).x());
+            EXPECT_DOUBLE_EQ(m.toScreen(p.x(), p.y()).y(), view.toScreen(p).y());
+        }
+        EXPECT_EQ(m.visibleArea, QRectF(QPointF(0, 0), QSizeF(view.visibleSize())));
+        EXPECT_EQ(m.devicePixelRatio, 1.5);
+    }
 }
 
 } // namespace
