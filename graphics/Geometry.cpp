@@ -38,9 +38,14 @@ qint32 GetContrastColor(qint32 color)
 {
     const long r = color & 255;
     const long g = std::lround(double(color & 0xFF00) / 256.0);
-    // 65281, not 65536: blue then runs from 0 to 256. Pages have been tuned to this threshold.
-    const long b = std::lround(double(color & 0xFF0000) / 65281.0);
+    const long b = ContrastColorBlue(color);
     return (r < 128 && g < 128 && b < 128) ? 0xFFFFFF : 0;
+}
+
+long ContrastColorBlue(qint32 color)
+{
+    // 65281, not 65536: blue then runs from 0 to 256. Kept as pages have always seen it.
+    return std::lround(double(color & 0xFF0000) / 65281.0);
 }
 
 // clsVector ----------------------------------------------------------------------------------

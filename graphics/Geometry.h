@@ -27,6 +27,9 @@ NXR_EXPORT double ArcCos(double x);
 NXR_EXPORT double RadiansToDegrees(double radians);
 // 0xFFFFFF (white) when red, green and blue of an 0x00BBGGRR colour are all below 128, else 0.
 NXR_EXPORT qint32 GetContrastColor(qint32 color);
+// The blue value GetContrastColor compares: the blue byte scaled by 65536 / 65281 and rounded, so
+// 0 to 256.
+NXR_EXPORT long ContrastColorBlue(qint32 color);
 
 class NXR_EXPORT clsVector
 {

@@ -53,6 +53,11 @@ TEST(AngleHelpers, ContrastColourUsesThe65281Divisor)
     };
     for (const auto& [color, expected] : cases)
         EXPECT_EQ(GetContrastColor(color), expected) << std::hex << color;
+    const std::pair<qint32, long> blues[] = {{0x000000, 0},   {0x7F0000, 127}, {0x800000, 128},
+                                             {0x810000, 130}, {0xFE0000, 255}, {0xFF0000, 256},
+                                             {0xFF12FF, 256}};
+    for (const auto& [color, blue] : blues)
+        EXPECT_EQ(ContrastColorBlue(color), blue) << std::hex << color;
 }
 
 TEST(Vector, ComponentsLengthsAndOwnOperands)
