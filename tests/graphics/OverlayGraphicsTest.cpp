@@ -8,7 +8,6 @@
 #include "graphics/OverlayGraphics.h"
 #include "imagedisplay/loading/ImageFile.h"
 
-#include <QBuffer>
 #include <QJSEngine>
 #include <QPainter>
 
@@ -18,15 +17,6 @@ using namespace nxr;
 using namespace nxr::testing;
 
 namespace {
-
-QByteArray encoded(const QImage& img, const char* format = "PNG")
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    img.save(&buffer, format);
-    return bytes;
-}
 
 class OverlayGraphicsTest : public ::testing::Test
 {
@@ -121,17 +111,18 @@ TEST_F(OverlayGraphicsTest, OverlayOfTheSameSizeAndOfAnother)
     {
         const char* path;
         QSize size;
-        const char* format;
+        ImageFileFormat format;
         const char* local;
     };
     const Case cases[] = {
-        {"MC:\\VISION\\result.png", {64, 48}, "PNG", "/overlay.PNG"},
-        {"MC:\\VISION\\result.bmp", {32, 24}, "BMP", "/overlay.BMP"},
-        {"MC:\\VISION\\result", {128, 96}, "PNG", "/overlay.PNG"},
+        {"MC:\\VISION\\result.png", {64, 48}, ImageFileFormat::Png, "/overlay.PNG"},
+        {"MC:\\VISION\\result.bmp", {32, 24}, ImageFileFormat::Bmp, "/overlay.BMP"},
+        {"MC:\\VISION\\result", {128, 96}, ImageFileFormat::Png, "/overlay.PNG"},
     };
     for (const auto& k : cases) {
         SCOPED_TRACE(k.path);
-        host.controllerFiles[k.path] = encoded(overlayOnBlack(k.size.width(), k.size.height()), k.format);
+        host.controllerFiles[k.path] =
+            ImageFile::encode(overlayOnBlack(k.size.width(), k.size.height()), k.format);
         const int repaints = host.repaints;
         graphics.LoadOverlay("robot", k.path, "user", "pw");
         EXPECT_EQ(errors, 0) << core.lastError().toStdString();
@@ -166,7 +157,7 @@ TEST_F(OverlayGraphicsTest, OverlayWithAlphaIsLaidOverByItsAlpha)
     top.fill(Qt::transparent);
     top.setPixel(3, 3, qRgba(0, 0, 0, 255)); // opaque black stays black
     top.setPixel(4, 4, qRgba(255, 0, 0, 255));
-    host.controllerFiles["MC:\\o.png"] = encoded(top);
+    host.controllerFiles["MC:\\o.png"] = ImageFile::encode(top, ImageFileFormat::Png);
     graphics.LoadOverlay("robot", "MC:\\o.png", "", "");
     EXPECT_EQ(host.composite.pixel(3, 3), qRgb(0, 0, 0));
     EXPECT_EQ(host.composite.pixel(4, 4), qRgb(255, 0, 0));
@@ -176,7 +167,7 @@ TEST_F(OverlayGraphicsTest, OverlayWithAlphaIsLaidOverByItsAlpha)
 TEST_F(OverlayGraphicsTest, FailedOverlayCopyOrUnreadableFile)
 {
     host.image = camera(20, 10);
-    host.controllerFiles["MC:\\good.png"] = encoded(overlayOnBlack(20, 10));
+    host.controllerFiles["MC:\\good.png"] = ImageFile::encode(overlayOnBlack(20, 10), ImageFileFormat::Png);
     graphics.LoadOverlay("robot", "MC:\\good.png", "", "");
     const QImage shown = host.composite;
     const int repaints = host.repaints;
@@ -198,7 +189,7 @@ TEST_F(OverlayGraphicsTest, FailedOverlayCopyOrUnreadableFile)
 TEST_F(OverlayGraphicsTest, CombinedLoadFetchesTheOverlayOnlyAfterTheImage)
 {
     host.imageFiles["MC:\\img.png"] = camera(40, 30);
-    host.controllerFiles["MC:\\ovl.png"] = encoded(overlayOnBlack(40, 30));
+    host.controllerFiles["MC:\\ovl.png"] = ImageFile::encode(overlayOnBlack(40, 30), ImageFileFormat::Png);
     graphics.LoadCombinedImageAndOverlay("robot", "MC:\\img.png", "MC:\\ovl.png", "", "");
     EXPECT_EQ(host.loadedImages, QStringList{"MC:\\img.png"});
     EXPECT_EQ(host.composite.size(), QSize(40, 30));

@@ -3,7 +3,6 @@
 // screen pixels times the device pixel ratio.
 
 #include "graphics/OverlayPainter.h"
-#include "imagedisplay/ViewMaths.h"
 
 #include <QImage>
 #include <QPainter>
@@ -79,7 +78,7 @@ const View kViews[] = {
     centred(400, {3, -2}),    centred(100, {0, 0}, 1.5), centred(250, {-11, 6}, 1.5),
 };
 
-TEST(OverlayPainter, LinesLandWhereTheViewPutsThemAtEveryZoomAndScroll)
+TEST(OverlayPainter, ThinLinesLandWhereTheViewPutsThemAtEveryZoomAndScroll)
 {
     for (const View& v : kViews) {
         SCOPED_TRACE(testing::Message() << "zoom " << v.zoom << " ratio " << v.ratio);
@@ -94,19 +93,12 @@ TEST(OverlayPainter, LinesLandWhereTheViewPutsThemAtEveryZoomAndScroll)
         EXPECT_FALSE(near(img, mid.x(), mid.y() - 4, kRedRgb, 1));
         const QPointF beyond = dev(v, 95, 40);
         EXPECT_FALSE(near(img, beyond.x() + 3, beyond.y(), kRedRgb, 1));
-    }
-}
-
-TEST(OverlayPainter, PenIsOneScreenPixelWideAtAnyZoom)
-{
-    for (const View& v : kViews) {
-        const QImage img = paintView(v, [](OverlayPainter& p) { p.drawLine(kRed, 0, 30, 200, 30, 0); });
-        const int column = int(dev(v, 40, 30).x());
+        // One screen pixel thick at any zoom.
         int rows = 0;
         for (int y = 0; y < img.height(); ++y)
-            rows += img.pixel(column, y) == kRedRgb;
-        EXPECT_GE(rows, 1) << v.zoom;
-        EXPECT_LE(rows, int(std::ceil(v.ratio))) << v.zoom << " ratio " << v.ratio;
+            rows += img.pixel(int(mid.x()), y) == kRedRgb;
+        EXPECT_GE(rows, 1);
+        EXPECT_LE(rows, int(std::ceil(v.ratio)));
     }
 }
 
@@ -243,12 +235,8 @@ TEST(OverlayPainter, TextHaloTakesTheContrastColour)
         qint32 color;
         QRgb text, halo;
     };
-    const Case cases[] = {
-        {0x0000FF, qRgb(255, 0, 0), qRgb(0, 0, 0)},      // light red text, black halo
-        {0x400000, qRgb(0, 0, 64), qRgb(255, 255, 255)}, // dark blue text, white halo
-        {0x7F7F7F, qRgb(127, 127, 127), qRgb(255, 255, 255)},
-        {0x800000, qRgb(0, 0, 128), qRgb(0, 0, 0)}, // blue 128 already counts as light
-    };
+    const Case cases[] = {{0x0000FF, qRgb(255, 0, 0), qRgb(0, 0, 0)},       // light text, black halo
+                          {0x400000, qRgb(0, 0, 64), qRgb(255, 255, 255)}}; // dark text, white halo
     for (const auto& k : cases) {
         const QImage img =
             paintView({100, {0, 0}}, [&](OverlayPainter& p) { p.drawText(k.color, 20, 30, "Edge 42"); });
@@ -346,24 +334,6 @@ TEST(OverlayPainter, ItemsOutsideTheDirtyAreaAreSkipped)
     OverlayPainter sop(sp, m, QRect(0, 100, 240, 20));
     sop.paint(items);
     EXPECT_EQ(sop.drawnCount(), 0);
-}
-
-TEST(OverlayPainter, MappingOfTheDisplaysView)
-{
-    ViewMaths view;
-    view.setUsableArea(QSize(1024, 768));
-    view.setImageSize(QSize(2592, 1944));
-    for (float zoom : {25.0f, 100.0f, 250.0f}) {
-        view.setZoom(zoom);
-        view.setScrollPosition(QPoint(333, 222));
-        const ScreenMapping m = ScreenMapping::ofView(view, 1.5);
-        for (const QPointF p : {QPointF(0, 0), QPointF(1296, 972), QPointF(2000.5, 17.25)}) {
-            EXPECT_DOUBLE_EQ(m.toScreen(p.x(), p.y()).x(), view.toScreen(p).x());
-            EXPECT_DOUBLE_EQ(m.toScreen(p.x(), p.y()).y(), view.toScreen(p).y());
-        }
-        EXPECT_EQ(m.visibleArea, QRectF(QPointF(0, 0), QSizeF(view.visibleSize())));
-        EXPECT_EQ(m.devicePixelRatio, 1.5);
-    }
 }
 
 } // namespace
