@@ -336,4 +336,24 @@ TEST(OverlayPainter, ItemsOutsideTheDirtyAreaAreSkipped)
     EXPECT_EQ(sop.drawnCount(), 0);
 }
 
+TEST(OverlayPainter, EditedWindowShowsItsHandles)
+{
+    RectangleHandles handles;
+    handles.colors = {0x0000FF, 0x00FF00, 0xFF0000, 0x00FFFF, 0xFF00FF};
+    handles.rotatable = true;
+    for (double ratio : {1.0, 1.5}) {
+        const View v{200, {0, 0}, ratio};
+        const QImage img = paintView(
+            v, [&](OverlayPainter& p) { p.drawRectangle(0x000000, true, 20, 20, 60, 40, 0, handles); });
+        // 7 x 7 screen-pixel squares centred on the corners; the rotation handle mid right edge.
+        const QRgb expected[] = {qRgb(255, 0, 0), qRgb(0, 255, 0), qRgb(0, 0, 255), qRgb(255, 255, 0)};
+        const QPointF corners[] = {dev(v, 20, 20), dev(v, 80, 20), dev(v, 80, 60), dev(v, 20, 60)};
+        for (int i = 0; i < 4; ++i) {
+            EXPECT_EQ(img.pixel((corners[i] + QPointF(-2.5, 2.5) * ratio).toPoint()), expected[i]) << i;
+            EXPECT_NE(img.pixel((corners[i] + QPointF(5, 5) * ratio).toPoint()), expected[i]) << i;
+        }
+        EXPECT_EQ(img.pixel(dev(v, 80, 40).toPoint() + QPoint(2, 2)), qRgb(255, 0, 255));
+    }
+}
+
 } // namespace
