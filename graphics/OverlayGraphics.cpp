@@ -11,6 +11,7 @@
 #include <QJSValue>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -25,23 +26,30 @@ const QStringList& movableKeys()
     return keys;
 }
 
-// A script array, a list or a string list as a list of values.
-QVariantList toList(const QVariant& value)
+// A script array, a list or a string list as a list of values, at most `limit` of them; *length
+// receives the full length.
+QVariantList toList(const QVariant& value, qsizetype limit, qsizetype* length = nullptr)
 {
     if (value.metaType() == QMetaType::fromType<QJSValue>()) {
         const QJSValue array = value.value<QJSValue>();
         if (!array.isArray())
             throw Failure(QStringLiteral("Type mismatch"));
-        const quint32 length = array.property(QStringLiteral("length")).toUInt();
+        const qsizetype full = qsizetype(array.property(QStringLiteral("length")).toUInt());
+        if (length)
+            *length = full;
         QVariantList list;
-        list.reserve(qsizetype(length));
-        for (quint32 i = 0; i < length; ++i)
-            list.append(array.property(i).toVariant());
+        list.reserve(std::min(full, limit));
+        for (qsizetype i = 0; i < std::min(full, limit); ++i)
+            list.append(array.property(quint32(i)).toVariant());
         return list;
     }
     if (value.metaType() == QMetaType::fromType<QVariantList>() ||
-        value.metaType() == QMetaType::fromType<QStringList>())
-        return value.toList();
+        value.metaType() == QMetaType::fromType<QStringList>()) {
+        const QVariantList list = value.toList();
+        if (length)
+            *length = list.size();
+        return list.mid(0, limit);
+    }
     throw Failure(QStringLiteral("Type mismatch"));
 }
 
@@ -108,14 +116,13 @@ void OverlayGraphics::DrawTextArray(const QVariant& texts, const QVariant& xs, c
 {
     m_core.trace(QStringLiteral("DrawTextArray"), QStringLiteral("Entered"));
     m_core.guard(QStringLiteral("DrawTextArray"), [&] {
-        const QVariantList t = toList(texts), x = toList(xs), y = toList(ys), c = toList(colors);
-        int skipped = 0;
+        // A page cannot make the display copy more than it may keep.
+        qsizetype total = 0;
+        const QVariantList t = toList(texts, kMaxPageItems - m_graphics.Count(), &total);
+        const QVariantList x = toList(xs, t.size()), y = toList(ys, t.size()), c = toList(colors, t.size());
+        qsizetype skipped = total - t.size();
         int added = 0;
         for (qsizetype i = 0; i < t.size(); ++i) {
-            if (m_graphics.Count() >= kMaxPageItems) {
-                skipped += int(t.size() - i);
-                break;
-            }
             const auto px = i < x.size() ? toNumber(x[i]) : std::nullopt;
             const auto py = i < y.size() ? toNumber(y[i]) : std::nullopt;
             const auto pc = i < c.size() ? toColor(c[i]) : std::nullopt;
@@ -129,9 +136,11 @@ void OverlayGraphics::DrawTextArray(const QVariant& texts, const QVariant& xs, c
         if (added > 0)
             m_host.requestRepaint();
         if (skipped > 0)
-            throw Failure(QStringLiteral("%1 of %2 texts skipped: no X, Y or colour of that index")
+            throw Failure(QStringLiteral("%1 of %2 texts skipped: no X, Y or colour of that index, or more "
+                                         "than %3 graphics")
                               .arg(skipped)
-                              .arg(t.size()));
+                              .arg(total)
+                              .arg(kMaxPageItems));
     });
     m_core.trace(QStringLiteral("DrawTextArray"), QStringLiteral("Done"));
 }

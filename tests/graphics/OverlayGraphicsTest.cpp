@@ -71,7 +71,8 @@ TEST_F(OverlayGraphicsTest, TextAndTextArrays)
     graphics.DrawTextArray(js("['p', 'q', 'r']"), js("[1, 2, 3]"), js("[4, 5, 6]"), js("[7, 8]"));
     EXPECT_EQ(errors, 1);
     EXPECT_EQ(core.lastError(),
-              "Error in DrawTextArray: 1 of 3 texts skipped: no X, Y or colour of that index");
+              "Error in DrawTextArray: 1 of 3 texts skipped: no X, Y or colour of that index, or more than "
+              "200000 graphics");
     ASSERT_EQ(graphics.graphics().Count(), 5);
     EXPECT_EQ(std::get<clsTextItem>(graphics.graphics().Item(5)).Text, "q");
     EXPECT_EQ(std::get<clsTextItem>(graphics.graphics().Item(5)).Y, 5);
@@ -83,6 +84,19 @@ TEST_F(OverlayGraphicsTest, TextAndTextArrays)
     graphics.DrawTextArray(js("['x']"), js("['not a number']"), js("[1]"), js("[1]"));
     EXPECT_EQ(errors, 3);
     EXPECT_EQ(graphics.graphics().Count(), 5);
+}
+
+TEST_F(OverlayGraphicsTest, APageCannotAddWithoutBound)
+{
+    const int n = OverlayGraphics::kMaxPageItems + 5;
+    const QVariantList texts(n, "t"), numbers(n, 1);
+    graphics.DrawTextArray(texts, numbers, numbers, numbers);
+    EXPECT_EQ(graphics.graphics().Count(), OverlayGraphics::kMaxPageItems);
+    EXPECT_TRUE(core.lastError().startsWith("Error in DrawTextArray: 5 of 200005 texts skipped"));
+    graphics.DrawLine(0, 0, 1, 1, 0);
+    graphics.DrawText("more", 1, 1, 0);
+    EXPECT_EQ(errors, 3);
+    EXPECT_EQ(graphics.graphics().Count(), OverlayGraphics::kMaxPageItems);
 }
 
 TEST_F(OverlayGraphicsTest, ClearDoesNotRepaintAndEraseWaitsForEditing)
