@@ -134,8 +134,8 @@ void MaskSession::startEdit(int mode, const QString& routine)
     }
     if (m_editor.isEditing())
         m_editor.finishPending();
-    m_editor.begin(mask, mode);
     setEditMaskMode(mode);
+    m_editor.begin(mask, mode);
     m_view = QImage();
     m_host.showMaskEditControls(true);
     m_host.setMaskToolProperty(QStringLiteral("ToolsAndSizesEnabled"), QStringLiteral("True"));
@@ -248,11 +248,15 @@ void MaskSession::onCommandClicked(int command)
 
 void MaskSession::mousePress(const QPointF& at, int button, int shift)
 {
+    if (m_busy) // saving and uploading: the mask is being written
+        return;
     refresh(m_editor.press(at, button, shift));
 }
 
 void MaskSession::mouseMove(const QPointF& at)
 {
+    if (m_busy) // saving and uploading: the mask is being written
+        return;
     const auto before = m_editor.rubberBand();
     const QRect changed = m_editor.move(at);
     const auto after = m_editor.rubberBand();
@@ -270,6 +274,8 @@ void MaskSession::mouseMove(const QPointF& at)
 
 void MaskSession::mouseRelease(const QPointF& at, int button, int shift)
 {
+    if (m_busy) // saving and uploading: the mask is being written
+        return;
     const int before = m_editor.model().Operations().Count();
     refresh(m_editor.release(at, button, shift));
     if (m_editor.model().Operations().Count() != before)
@@ -278,6 +284,8 @@ void MaskSession::mouseRelease(const QPointF& at, int button, int shift)
 
 void MaskSession::mouseDoubleClick(const QPointF& at, int button)
 {
+    if (m_busy) // saving and uploading: the mask is being written
+        return;
     refresh(m_editor.doubleClick(at, button));
     refreshUndoCommand();
 }
