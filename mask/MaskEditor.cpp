@@ -15,12 +15,59 @@ bool paintable(QImage::Format format)
            format == QImage::Format_ARGB32_Premultiplied;
 }
 
+// The mask as 8-bit indices into its colours when it has at most 256 of them (masks usually
+// have two or three): a quarter of the memory, expanded again on every replay.
+QImage packed(const QImage& mask)
+{
+    if (mask.isNull() || mask.depth() != 32)
+        return mask;
+    QImage out(mask.size(), QImage::Format_Indexed8);
+    QList<QRgb> colors;
+    for (int y = 0; y < mask.height(); ++y) {
+        const auto* in = reinterpret_cast<const QRgb*>(mask.constScanLine(y));
+        uchar* idx = out.scanLine(y);
+        int last = -1;
+        for (int x = 0; x < mask.width(); ++x) {
+            if (last < 0 || colors[last] != in[x]) {
+                last = int(colors.indexOf(in[x]));
+                if (last < 0) {
+                    if (colors.size() == 256)
+                        return mask;
+                    colors.push_back(in[x]);
+                    last = int(colors.size()) - 1;
+                }
+            }
+            idx[x] = uchar(last);
+        }
+    }
+    out.setColorTable(colors);
+    return out;
+}
+
+// Writes the original into the working mask's buffer (same size, 32-bit).
+void restore(const QImage& original, QImage& working)
+{
+    if (original.format() != QImage::Format_Indexed8) {
+        const qsizetype bytes = qsizetype(original.bytesPerLine()) * original.height();
+        std::memcpy(working.bits(), original.constBits(), size_t(bytes));
+        return;
+    }
+    const QList<QRgb> colors = original.colorTable();
+    for (int y = 0; y < original.height(); ++y) {
+        const uchar* in = original.constScanLine(y);
+        auto* out = reinterpret_cast<QRgb*>(working.scanLine(y));
+        for (int x = 0; x < original.width(); ++x)
+            out[x] = colors[in[x]];
+    }
+}
+
 } // namespace
 
 void MaskEditor::begin(const QImage& mask, int mode)
 {
-    m_original = paintable(mask.format()) ? mask : mask.convertToFormat(QImage::Format_RGB32);
-    m_working = m_original.copy();
+    m_working = paintable(mask.format()) ? mask.copy() : mask.convertToFormat(QImage::Format_RGB32);
+    m_format = m_working.format();
+    m_original = packed(m_working);
     m_model.ClearOperations();
     m_model.EditMode = mode;
     m_changed.clear();
@@ -36,6 +83,11 @@ void MaskEditor::end()
     begin(QImage(), KSEEditMask_None);
     m_original = QImage();
     m_working = QImage();
+}
+
+QImage MaskEditor::original() const
+{
+    return m_original.format() == QImage::Format_Indexed8 ? m_original.convertToFormat(m_format) : m_original;
 }
 
 QRgb MaskEditor::penColor(bool erase)
@@ -263,12 +315,7 @@ QRect MaskEditor::redo()
 QRect MaskEditor::replay()
 {
     // Back to the original in place: the working mask keeps its buffer.
-    if (m_working.size() != m_original.size() || m_working.format() != m_original.format()) {
-        m_working = m_original.copy();
-    } else {
-        const qsizetype bytes = qsizetype(m_original.bytesPerLine()) * m_original.height();
-        std::memcpy(m_working.bits(), m_original.constBits(), size_t(bytes));
-    }
+    restore(m_original, m_working);
     QRect changed;
     const auto& ops = m_model.Operations().items();
     for (size_t i = 0; i < ops.size(); ++i) {

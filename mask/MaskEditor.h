@@ -72,7 +72,8 @@ public:
     QString undoEnabledValue() const;
 
     const QImage& working() const { return m_working; }
-    const QImage& original() const { return m_original; }
+    // The mask as the edit began, in the working mask's format.
+    QImage original() const;
     const clsMask& model() const { return m_model; }
     std::optional<RubberBand> rubberBand() const;
     // The current pen width and erase flag (set at each press).
@@ -88,7 +89,8 @@ private:
     QRect replay();
 
     QImage m_working;
-    QImage m_original;
+    QImage m_original; // packed to 8-bit indices when it has few colours
+    QImage::Format m_format = QImage::Format_RGB32;
     clsMask m_model;
     // The rectangle each recorded operation changed, in the order of the undo list.
     std::vector<QRect> m_changed;

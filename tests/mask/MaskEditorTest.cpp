@@ -254,13 +254,20 @@ TEST(MaskUndo, ReplayEqualsDirectPaintingOnRandomSequences)
     std::mt19937 rng(99);
     auto uni = [&](int a, int b) { return std::uniform_int_distribution<int>(a, b)(rng); };
     // The start mask already has some of both colours.
-    QImage start = blankMask(160, 120);
+    QImage plain = blankMask(160, 120);
     for (int y = 40; y < 80; ++y)
         for (int x = 0; x < 160; x += 3)
-            start.setPixel(x, y, kRed);
+            plain.setPixel(x, y, kRed);
+
+    // ... and one with more colours than the editor packs its original into.
+    QImage colourful = plain.copy();
+    for (int y = 0; y < 3; ++y)
+        for (int x = 0; x < 160; ++x)
+            colourful.setPixel(x, y, qRgb(x, y, 7));
 
     for (int round = 0; round < 12; ++round) {
         const int mode = round % 2 ? KSEEditMask_ExtraCare : KSEEditMask_DontCare;
+        const QImage& start = round % 3 == 2 ? colourful : plain;
         Editor live(mode, start);
         std::vector<Action> kept, undone;
         for (int step = 0; step < 40; ++step) {
@@ -307,6 +314,7 @@ TEST(MaskUndo, ReplayEqualsDirectPaintingOnRandomSequences)
                 act(direct);
             ASSERT_EQ(live.e.working(), direct.e.working()) << "round " << round << " step " << step;
         }
+        EXPECT_EQ(live.e.original(), start);
     }
 }
 
