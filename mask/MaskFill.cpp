@@ -10,15 +10,15 @@ namespace {
 
 struct Run
 {
-    qsizetype start;  // index of the first pixel
-    qsizetype step;   // index offset of one pixel along the run
     qsizetype next;   // index of the pixel the walk back looks at now
-    qsizetype across; // index offset of one pixel across the run (to the up or left side)
-    int x, y;         // position of `next`
+    qsizetype step;   // index offset of one pixel along the run
+    qsizetype across; // index offset of one pixel across the run, to the up or left side
     int length;       // pixels not yet walked back, `next` included
     int turns;
     bool vertical;
-    bool secondSide; // the up/left neighbour of `next` has been looked at
+    bool hasUpOrLeft;    // the run is not on the image's first row (column run: first column)
+    bool hasDownOrRight; // nor on its last
+    bool secondSide;     // the up/left neighbour of `next` has been looked at
 };
 
 class Filler
@@ -40,65 +40,68 @@ public:
         const bool vertical = direction >= 2;
         const int sign = (direction == 0 || direction == 2) ? -1 : 1;
         const qsizetype step = vertical ? sign * m_stride : sign;
-        const qsizetype start = qsizetype(y) * m_stride + x;
         // Pixels the run can still take beyond its start.
         int room = vertical ? (sign < 0 ? y : m_height - 1 - y) : (sign < 0 ? x : m_width - 1 - x);
-        qsizetype at = start;
+        quint32* const bits = m_bits;
+        const quint32 target = m_target, pen = m_pen;
+        qsizetype at = qsizetype(y) * m_stride + x;
         int length = 1;
-        m_bits[at] = m_pen;
-        while (room-- > 0 && m_bits[at + step] == m_target) {
+        bits[at] = pen;
+        while (room-- > 0 && bits[at + step] == target) {
             at += step;
-            m_bits[at] = m_pen;
+            bits[at] = pen;
             ++length;
         }
         const int lastX = vertical ? x : x + sign * (length - 1);
         const int lastY = vertical ? y + sign * (length - 1) : y;
         grow(x, y);
         grow(lastX, lastY);
-        m_runs.push_back(
-            Run{start, step, at, vertical ? 1 : m_stride, lastX, lastY, length, turns, vertical, false});
+        m_runs.push_back(Run{at, step, vertical ? 1 : m_stride, length, turns, vertical,
+                             vertical ? x > 0 : y > 0, vertical ? x < m_width - 1 : y < m_height - 1, false});
     }
 
     void walk()
     {
+        quint32* const bits = m_bits;
+        const quint32 target = m_target;
         while (!m_runs.empty()) {
             Run& run = m_runs.back();
-            if (run.length == 0) {
+            qsizetype at = run.next;
+            int length = run.length;
+            bool second = run.secondSide;
+            const qsizetype step = run.step, across = run.across;
+            // Walks back over pixels with nothing to start, up to the next neighbour that starts a run.
+            qsizetype start = -1;
+            int direction = 0;
+            while (length > 0) {
+                if (!second) {
+                    second = true;
+                    if (run.hasUpOrLeft && bits[at - across] == target) {
+                        start = at - across;
+                        direction = run.vertical ? 0 : 2;
+                        break;
+                    }
+                }
+                const qsizetype here = at;
+                at -= step;
+                --length;
+                second = false;
+                if (run.hasDownOrRight && bits[here + across] == target) {
+                    start = here + across;
+                    direction = run.vertical ? 1 : 3;
+                    break;
+                }
+            }
+            if (start < 0) {
                 m_runs.pop_back();
                 continue;
             }
-            const int x = run.x, y = run.y, turns = run.turns;
-            const qsizetype at = run.next;
-            if (!run.secondSide) {
-                run.secondSide = true;
-                // Up of a row run, left of a column run.
-                if (run.vertical ? (x > 0 && m_bits[at - 1] == m_target)
-                                 : (y > 0 && m_bits[at - m_stride] == m_target)) {
-                    if (run.vertical)
-                        startRun(x - 1, y, 0, turns + 1);
-                    else
-                        startRun(x, y - 1, 2, turns + 1);
-                }
-                continue;
-            }
-            // Down of a row run, right of a column run; then one pixel back.
-            const bool vertical = run.vertical;
-            const qsizetype step = run.step;
-            run.secondSide = false;
-            run.next -= step;
-            --run.length;
-            if (vertical)
-                run.y -= step > 0 ? 1 : -1;
-            else
-                run.x -= step > 0 ? 1 : -1;
-            // `run` may move when a run is pushed: nothing of it is used below.
-            if (vertical ? (x < m_width - 1 && m_bits[at + 1] == m_target)
-                         : (y < m_height - 1 && m_bits[at + m_stride] == m_target)) {
-                if (vertical)
-                    startRun(x + 1, y, 1, turns + 1);
-                else
-                    startRun(x, y + 1, 3, turns + 1);
-            }
+            run.next = at;
+            run.length = length;
+            run.secondSide = second;
+            const int turns = run.turns + 1;
+            // `run` may move when the new run is pushed.
+            startRun(int(start % m_stride), int(start / m_stride), direction, turns);
         }
     }
 
