@@ -149,6 +149,19 @@ TEST_F(Palette, ClicksRaiseEventsWithTheButtonsNumbers)
     EXPECT_EQ(commands->count(), 4);
 }
 
+TEST_F(Palette, AClickLeavesTheFocusOnTheInvisibleButton)
+{
+    palette->activateWindow();
+    if (!QTest::qWaitForWindowActive(palette.get()))
+        GTEST_SKIP() << "the window cannot become active on this platform";
+    QTest::mouseClick(palette->toolButton(KSEMaskTool_Fill), Qt::LeftButton);
+    EXPECT_TRUE(palette->focusButton()->hasFocus());
+    EXPECT_EQ(palette->focusButton()->size(), QSize(0, 0));
+    palette->focusButton()->clearFocus();
+    QTest::mouseClick(palette->commandButton(KSEMaskCommand_Help), Qt::LeftButton);
+    EXPECT_TRUE(palette->focusButton()->hasFocus());
+}
+
 TEST(PaletteCreation, ByNameWithLocalisedCaptions)
 {
     qunsetenv("TORVIK_LANG");
