@@ -115,7 +115,7 @@ void MaskSession::LoadMask(const QString& server, const QString& path, const QSt
                                             QStringLiteral(" does not contain mask image"));
             return;
         }
-        // msub_SetMaskLEADDimsFromLEADDims: the mask takes the camera image's size.
+        // The mask takes the camera image's size.
         const QImage camera = m_host.imageList().image(ImageList::kCurrent);
         if (!camera.isNull() && camera.size() != mask.size())
             mask = mask.scaled(camera.size(), Qt::IgnoreAspectRatio, Qt::FastTransformation);
