@@ -16,6 +16,14 @@ QPointF centre(const clsMaskPoint& p)
     return QPointF(p.X + 0.5, p.Y + 0.5);
 }
 
+// The pixel a coordinate falls in, kept within a range where whole numbers cannot overflow.
+int pixelOf(double v)
+{
+    if (!(v > -1e8)) // NaN too
+        return -100000000;
+    return v < 1e8 ? int(std::floor(v)) : 100000000;
+}
+
 QRect clipped(const QImage& mask, const QRect& r)
 {
     return r.intersected(mask.rect());
@@ -23,8 +31,8 @@ QRect clipped(const QImage& mask, const QRect& r)
 
 QRect boundsOf(const QRectF& r, int margin)
 {
-    return QRect(QPoint(int(std::floor(r.left())) - margin, int(std::floor(r.top())) - margin),
-                 QPoint(int(std::ceil(r.right())) + margin, int(std::ceil(r.bottom())) + margin));
+    return QRect(QPoint(pixelOf(r.left()) - margin, pixelOf(r.top()) - margin),
+                 QPoint(pixelOf(std::ceil(r.right())) + margin, pixelOf(std::ceil(r.bottom())) + margin));
 }
 
 } // namespace
@@ -110,8 +118,8 @@ QRect drawStroke(QImage& mask, const MaskList<clsMaskPoint>& points, int width, 
 
 QRect drawRectangle(QImage& mask, double x1, double y1, double x2, double y2, QRgb color)
 {
-    const QRect r(QPoint(int(std::floor(std::min(x1, x2))), int(std::floor(std::min(y1, y2)))),
-                  QPoint(int(std::floor(std::max(x1, x2))), int(std::floor(std::max(y1, y2)))));
+    const QRect r(QPoint(pixelOf(std::min(x1, x2)), pixelOf(std::min(y1, y2))),
+                  QPoint(pixelOf(std::max(x1, x2)), pixelOf(std::max(y1, y2))));
     const QRect inside = clipped(mask, r);
     if (inside.isEmpty())
         return {};
@@ -141,7 +149,7 @@ QRect fillAll(QImage& mask, QRgb color)
 
 QRect fill(QImage& mask, double x, double y, QRgb color)
 {
-    return floodFillMask(mask, QPoint(int(std::floor(x)), int(std::floor(y))), color);
+    return floodFillMask(mask, QPoint(pixelOf(x), pixelOf(y)), color);
 }
 
 QRect apply(QImage& mask, const clsMaskOperation& op, int editMaskMode)

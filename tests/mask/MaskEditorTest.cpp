@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <random>
 
@@ -232,6 +233,17 @@ TEST(MaskCommands, UndoAcrossMaskAllRemovesOnlyTheLastOperation)
     ed.drag({1, 1}, {2, 2}); // a new operation ends redo
     EXPECT_FALSE(ed.e.canRedo());
     EXPECT_EQ(ed.e.model().Operations().Count(), 2);
+}
+
+TEST(MaskShapes, PositionsFarOutsideTheMaskAreClipped)
+{
+    Editor ed;
+    ed.e.setTool(KSEMaskTool_Rectangle);
+    const QRect changed = ed.drag({-1e12, -1e12}, {1e12, 1e12});
+    EXPECT_EQ(changed, ed.e.working().rect());
+    EXPECT_EQ(runIn(ed.e.working(), 149, kRed), 200);
+    ed.e.setTool(KSEMaskTool_Fill);
+    EXPECT_TRUE(ed.click({std::nan(""), 1e300}, R).isEmpty());
 }
 
 TEST(MaskCommands, NoEditModePaintsBlackAndSaysSo)
