@@ -70,28 +70,35 @@ public:
             int length = run.length;
             bool second = run.secondSide;
             const qsizetype step = run.step, across = run.across;
+            const bool hasA = run.hasUpOrLeft, hasB = run.hasDownOrRight;
             // Walks back over pixels with nothing to start, up to the next neighbour that starts a run.
             qsizetype start = -1;
-            int direction = 0;
-            while (length > 0) {
-                if (!second) {
-                    second = true;
-                    if (run.hasUpOrLeft && bits[at - across] == target) {
+            bool sideB = false;
+            if (length > 0 && !second) {
+                if (hasA && bits[at - across] == target)
+                    start = at - across;
+                second = true;
+            }
+            if (start < 0) {
+                while (length > 0) {
+                    // The up/left neighbour of `at` has been looked at: the down/right one, then one back.
+                    const qsizetype here = at;
+                    at -= step;
+                    --length;
+                    if (hasB && bits[here + across] == target) {
+                        start = here + across;
+                        sideB = true;
+                        second = false;
+                        break;
+                    }
+                    if (length > 0 && hasA && bits[at - across] == target) {
                         start = at - across;
-                        direction = run.vertical ? 0 : 2;
+                        second = true;
                         break;
                     }
                 }
-                const qsizetype here = at;
-                at -= step;
-                --length;
-                second = false;
-                if (run.hasDownOrRight && bits[here + across] == target) {
-                    start = here + across;
-                    direction = run.vertical ? 1 : 3;
-                    break;
-                }
             }
+            const int direction = run.vertical ? (sideB ? 1 : 0) : (sideB ? 3 : 2);
             if (start < 0) {
                 m_runs.pop_back();
                 continue;
