@@ -50,7 +50,7 @@ struct FoundPoint
     Vec3 deviation() const { return offset - nominal; }
 };
 
-struct BoundingBox
+struct NXR_EXPORT BoundingBox
 {
     static constexpr double kStart = 1e10;
     Vec3 min{kStart, kStart, kStart};
