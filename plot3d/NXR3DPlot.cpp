@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
@@ -131,7 +132,13 @@ void NXR3DPlot::enableOpenGL()
     surface.create();
     QOpenGLContext probe;
     probe.setFormat(format);
-    if (QOpenGLContext::openGLModuleType() != QOpenGLContext::LibGL || !surface.isValid()) {
+    // GL widgets are only put on the screen by platforms that composite them with the window; the
+    // offscreen and minimal ones may give a context but crash when such a widget is shown.
+    static const QStringList compositing = {QStringLiteral("xcb"),         QStringLiteral("wayland"),
+                                            QStringLiteral("wayland-egl"), QStringLiteral("eglfs"),
+                                            QStringLiteral("windows"),     QStringLiteral("cocoa")};
+    if (!compositing.contains(QGuiApplication::platformName()) ||
+        QOpenGLContext::openGLModuleType() != QOpenGLContext::LibGL || !surface.isValid()) {
         failure = QStringLiteral("EnableOpenGL: ChoosePixelFormat failed.");
     } else if (!probe.create() || !probe.makeCurrent(&surface)) {
         failure = QStringLiteral("EnableOpenGL: wglCreateContext failed.");

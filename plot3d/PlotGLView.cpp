@@ -26,8 +26,19 @@ QSurfaceFormat PlotGLView::plotFormat()
     return format;
 }
 
+namespace {
+bool g_glutDisabled = false;
+} // namespace
+
+void PlotGLView::disableGlut()
+{
+    g_glutDisabled = true;
+}
+
 bool PlotGLView::glutAvailable()
 {
+    if (g_glutDisabled)
+        return false;
     // freeglut opens its own connection to the X display named by DISPLAY and ends the process
     // when it cannot; it is only started when the application itself runs on that display.
     static const bool available = [] {

@@ -30,6 +30,9 @@ public:
     // connected to); answers whether GLUT is usable. Without it cubes are drawn by hand and labels
     // are written with QPainter over the GL frame.
     static bool glutAvailable();
+    // Makes glutAvailable() answer false from now on, as on a system without an X display; for
+    // trying the hand-drawn cubes and the QPainter labels where GLUT would work.
+    static void disableGlut();
 
     void setReferenceVisible(bool visible);
     void setOffsetReferenceVisible(bool visible);

@@ -57,8 +57,12 @@ TEST(Plot3DHeadless, RunsWithoutADisplayAndSaysWhyItIsBlank)
 
 int main(int argc, char** argv)
 {
-    qunsetenv("DISPLAY");
-    qunsetenv("WAYLAND_DISPLAY");
+    // PLOT3D_TEST_KEEP_DISPLAY: the offscreen platform beside a display, where a GL context can be
+    // had but no GL widget can be shown.
+    if (!qEnvironmentVariableIsSet("PLOT3D_TEST_KEEP_DISPLAY")) {
+        qunsetenv("DISPLAY");
+        qunsetenv("WAYLAND_DISPLAY");
+    }
     qputenv("QT_QPA_PLATFORM", "offscreen");
     std::atexit(onExit);
     QApplication app(argc, argv);

@@ -100,6 +100,18 @@ bool isBlack(QRgb p)
     return qRed(p) < 70 && qGreen(p) < 70 && qBlue(p) < 70;
 }
 
+// With PLOT3D_TEST_NO_GLUT set, the same tests run with hand-drawn cubes and QPainter labels.
+class NoGlutEnvironment : public testing::Environment
+{
+public:
+    void SetUp() override
+    {
+        if (qEnvironmentVariableIsSet("PLOT3D_TEST_NO_GLUT"))
+            PlotGLView::disableGlut();
+    }
+};
+const auto* const g_environment = testing::AddGlobalTestEnvironment(new NoGlutEnvironment);
+
 } // namespace
 
 TEST(Plot3DRender, StartUpStateAndFixedLists)
@@ -107,6 +119,7 @@ TEST(Plot3DRender, StartUpStateAndFixedLists)
     Shown s;
     ASSERT_NE(s.gl(), nullptr) << s.plot->LastErrorString().toStdString();
     EXPECT_EQ(s.plot->GetProperty("OpenGL"), "True");
+    EXPECT_EQ(s.gl()->renderer()->labelsDrawnByOwner(), qEnvironmentVariableIsSet("PLOT3D_TEST_NO_GLUT"));
     s.gl()->makeCurrent();
     GLfloat f[4] = {};
     glGetFloatv(GL_POINT_SIZE, f);
