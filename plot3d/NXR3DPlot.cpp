@@ -105,6 +105,8 @@ NXR3DPlot::NXR3DPlot(QWidget* parent) : ScriptableWidget(parent)
         return xyzArgs(c.x, c.y, c.z);
     });
     table.addReadOnly(QStringLiteral("OpenGL"), [this] { return nxr::fromBool(m_gl != nullptr); });
+    table.addReadOnly(QStringLiteral("PictureHeight"),
+                      [this] { return QString::number(m_picture->height()); });
     table.addReadOnly(QStringLiteral("MouseMode"),
                       [this] { return QString::number(m_gl ? m_gl->mouseMode() : 0); });
     table.add(

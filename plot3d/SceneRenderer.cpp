@@ -95,6 +95,9 @@ void SceneRenderer::applyState()
     glEnable(GL_LINE_SMOOTH);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glClearColor(0.6f, 0.75f, 1.0f, 0.0f);
+    // The picture is opaque: drawing never touches the alpha channel, which draw() keeps at 1
+    // (the window system composes the widget's frame by its alpha).
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
 
     glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE);
     glEnable(GL_COLOR_MATERIAL);
@@ -116,6 +119,17 @@ void SceneRenderer::applyState()
     glDisable(GL_SCISSOR_TEST);
     glDisable(GL_STENCIL_TEST);
     glFlush();
+}
+
+void SceneRenderer::clearAlphaToOpaque()
+{
+    GLfloat clear[4];
+    glGetFloatv(GL_COLOR_CLEAR_VALUE, clear);
+    glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
+    glClearColor(0, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glClearColor(clear[0], clear[1], clear[2], clear[3]);
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
 }
 
 void SceneRenderer::initialize()
@@ -434,6 +448,7 @@ void SceneRenderer::draw(const CalibrationScene& scene, const ViewState& view, i
 {
     glViewport(0, 0, width, height);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    clearAlphaToOpaque();
 
     const double r = scene.radius();
     const Projection p = view.projection(r, width, height);

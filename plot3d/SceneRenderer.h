@@ -50,6 +50,8 @@ public:
     // One redraw into the current framebuffer, `width` x `height` device pixels.
     void draw(const CalibrationScene& scene, const ViewState& view, int width, int height, bool showReference,
               bool showOffsetReference);
+    // Sets the alpha of the whole frame to 1, leaving colour and the clear colour as they are.
+    static void clearAlphaToOpaque();
     // Deletes every list (1 to the end of the font lists).
     void release();
 
