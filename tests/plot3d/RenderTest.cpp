@@ -200,6 +200,10 @@ TEST(Plot3DRender, PicturesShowBackgroundFoundPointsLabelsAndReferences)
     Shown s;
     ASSERT_NE(s.gl(), nullptr);
     buildScene(*s.plot);
+    // The frame is opaque everywhere, or the window would show through where it is composed.
+    const QImage window = s.plot->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const QPoint inside = s.gl()->geometry().topLeft() * window.devicePixelRatio() + QPoint(2, 2);
+    EXPECT_EQ(window.pixel(inside), qRgb(153, 191, 255));
     QImage img = s.grab();
     ASSERT_FALSE(img.isNull());
     const QRgb background = qRgb(153, 191, 255);
