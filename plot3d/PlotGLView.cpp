@@ -139,6 +139,16 @@ void PlotGLView::paintGL()
     }
 }
 
+void PlotGLView::renderNow()
+{
+    if (!m_renderer || !context())
+        return;
+    makeCurrent();
+    paintGL();
+    glFinish();
+    doneCurrent();
+}
+
 PickedPoint PlotGLView::pickAt(const QPoint& pos, double radius) const
 {
     if (!m_renderer)

@@ -43,6 +43,9 @@ public:
     // is created), then redraws.
     void sceneChanged();
     void redraw() { update(); }
+    // Draws the picture into the widget's frame right away and waits for the GL to finish,
+    // without composing it into the window (for measurements).
+    void renderNow();
 
     const SceneRenderer* renderer() const { return m_renderer.get(); }
     int mouseMode() const { return m_mode; }

@@ -11,6 +11,8 @@
 #include <QComboBox>
 #include <QFileInfo>
 #include <QImage>
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -193,6 +195,32 @@ TEST(Plot3DRender, ListsAreNumberedFrom101And501AndDroppedWithTheFoundPoints)
     EXPECT_FALSE(glIsList(101));
     EXPECT_TRUE(glIsList(1));
     s.gl()->doneCurrent();
+}
+
+TEST(Plot3DRender, EndingThePlotDeletesEveryList)
+{
+    Shown s;
+    ASSERT_NE(s.gl(), nullptr);
+    buildScene(*s.plot);
+    // A context sharing the plot's lists sees them come and go.
+    QOffscreenSurface surface;
+    surface.setFormat(PlotGLView::plotFormat());
+    surface.create();
+    QOpenGLContext shared;
+    shared.setFormat(PlotGLView::plotFormat());
+    shared.setShareContext(s.gl()->context());
+    ASSERT_TRUE(shared.create());
+    auto listsAlive = [&] {
+        EXPECT_TRUE(shared.makeCurrent(&surface));
+        std::vector<bool> alive;
+        for (GLuint l : {1u, 2u, 101u, 115u, 501u, 1000u, 1126u})
+            alive.push_back(glIsList(l) == GL_TRUE);
+        shared.doneCurrent();
+        return alive;
+    };
+    EXPECT_EQ(listsAlive(), std::vector<bool>(7, true));
+    s.plot.reset();
+    EXPECT_EQ(listsAlive(), std::vector<bool>(7, false));
 }
 
 TEST(Plot3DRender, PicturesShowBackgroundFoundPointsLabelsAndReferences)
