@@ -324,6 +324,22 @@ TEST(Plot3DRender, MouseTurnsMovesZoomsAndRecentres)
     QTest::mouseRelease(gl, Qt::RightButton, Qt::ControlModifier, QPoint(110, 100));
     EXPECT_GT(s.plot->GetProperty("PanX").toDouble(), 0);
 
+    // Left and right together zoom: dragging up 10 pixels is 10 steps in.
+    const double r = s.plot->scene().radius();
+    const double eye0 = s.plot->view().projection(r, 1, 1).eyeDistance;
+    QTest::mousePress(gl, Qt::LeftButton, {}, QPoint(100, 100));
+    QMouseEvent both(QEvent::MouseButtonPress, QPointF(100, 100), gl->mapToGlobal(QPointF(100, 100)),
+                     Qt::RightButton, Qt::LeftButton | Qt::RightButton, {});
+    QCoreApplication::sendEvent(gl, &both);
+    EXPECT_EQ(s.plot->GetProperty("MouseMode"), "3");
+    QMouseEvent up(QEvent::MouseMove, QPointF(100, 90), gl->mapToGlobal(QPointF(100, 90)), Qt::NoButton,
+                   Qt::LeftButton | Qt::RightButton, {});
+    QCoreApplication::sendEvent(gl, &up);
+    EXPECT_NEAR(s.plot->view().projection(r, 1, 1).eyeDistance, eye0 * std::pow(0.98, 10), 1e-6);
+    QTest::mouseRelease(gl, Qt::RightButton, {}, QPoint(100, 90));
+    QTest::mouseRelease(gl, Qt::LeftButton, {}, QPoint(100, 90));
+    EXPECT_EQ(s.plot->GetProperty("MouseMode"), "0");
+
     // The wheel zooms in.
     const double before = s.plot->view().projection(s.plot->scene().radius(), 1, 1).eyeDistance;
     QWheelEvent wheel(QPointF(50, 50), gl->mapToGlobal(QPointF(50, 50)), QPoint(), QPoint(0, 120),
