@@ -8,7 +8,7 @@ packages=(
   qt6-l10n-tools libqt6opengl6-dev
   libcurl4-openssl-dev libgif-dev libgl-dev libglu1-mesa-dev freeglut3-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev
-  xvfb xauth fonts-dejavu-core
+  xvfb xauth fonts-dejavu-core libgl1-mesa-dri libglx-mesa0
   python3 python3-pyftpdlib python3-pil curl vsftpd
 )
 
