@@ -38,7 +38,7 @@ class NXR_EXPORT NXRImageDisplay : public nxr::ScriptableWidget
 {
     Q_OBJECT
     Q_PROPERTY(QString Caption READ Caption WRITE setCaption NOTIFY CaptionChanged)
-    Q_PROPERTY(float Zoom READ Zoom WRITE setZoom)
+    Q_PROPERTY(float Zoom READ Zoom WRITE setZoom DESIGNABLE false)
     Q_PROPERTY(int ImageHeight READ ImageHeight)
     Q_PROPERTY(int ImageWidth READ ImageWidth)
     Q_PROPERTY(
