@@ -37,6 +37,7 @@ class ToolbarClickHandler;
 class NXR_EXPORT NXRImageDisplay : public nxr::ScriptableWidget
 {
     Q_OBJECT
+    Q_CLASSINFO("Description", "Camera image with zoom, scroll, pan, live mode, tool bar and status line")
     Q_PROPERTY(QString Caption READ Caption WRITE setCaption NOTIFY CaptionChanged)
     Q_PROPERTY(float Zoom READ Zoom WRITE setZoom DESIGNABLE false)
     Q_PROPERTY(int ImageHeight READ ImageHeight)
