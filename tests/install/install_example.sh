@@ -20,12 +20,14 @@ done
 if [ -n "$plugindir" ]; then
   plugin="$prefix/$plugindir/libnexarocontrols_designer.so"
   [ -e "$plugin" ] || fail "missing the Designer plugin in $plugindir"
-  ldd "$plugin" | grep -q "libNexaroControls.* => $prefix/" || fail "the Designer plugin does not find the installed library"
+  grep -q "libNexaroControls.* => $prefix/" <<<"$(ldd "$plugin")" ||
+    fail "the Designer plugin does not find the installed library"
 fi
 
 # The installed host runs from its prefix (it finds the installed library, not the build's).
-"$prefix/bin/nexaro-page" --version | grep -qF "$build_id" || fail "nexaro-page --version lacks $build_id"
-ldd "$prefix/bin/nexaro-page" | grep -q "libNexaroControls.* => $prefix/" ||
+# (Outputs are read whole before grep -q looks at them: under pipefail an early grep exit fails the pipe.)
+grep -qF "$build_id" <<<"$("$prefix/bin/nexaro-page" --version)" || fail "nexaro-page --version lacks $build_id"
+grep -q "libNexaroControls.* => $prefix/" <<<"$(ldd "$prefix/bin/nexaro-page")" ||
   fail "installed nexaro-page does not use the installed library"
 
 launcher=()
