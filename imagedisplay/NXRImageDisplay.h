@@ -49,8 +49,8 @@ class NXR_EXPORT NXRImageDisplay : public nxr::ScriptableWidget
     Q_PROPERTY(
         QString OverrideImageLabelCaption READ OverrideImageLabelCaption WRITE setOverrideImageLabelCaption)
     Q_PROPERTY(int OverrideImageLabelColor READ OverrideImageLabelColor WRITE setOverrideImageLabelColor)
-    Q_PROPERTY(bool HourglassCursor READ HourglassCursor WRITE setHourglassCursor)
-    Q_PROPERTY(bool ProgressCursor READ ProgressCursor WRITE setProgressCursor)
+    Q_PROPERTY(bool HourglassCursor READ HourglassCursor WRITE setHourglassCursor DESIGNABLE false)
+    Q_PROPERTY(bool ProgressCursor READ ProgressCursor WRITE setProgressCursor DESIGNABLE false)
     Q_PROPERTY(QString HostName READ HostName WRITE setHostName)
     Q_PROPERTY(int ForeColor READ ForeColor WRITE setForeColor NOTIFY ForeColorChanged)
     Q_PROPERTY(bool ShowFrame READ ShowFrame WRITE setShowFrame)
