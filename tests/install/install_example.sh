@@ -51,6 +51,11 @@ grep -qF "NXRImageDisplay" <<<"$out" || fail "find_package build made no display
 # pkg-config
 export PKG_CONFIG_PATH="$prefix/$libdir/pkgconfig"
 pkg-config --exists NexaroControls || fail "pkg-config does not know NexaroControls"
+# Every public class header compiles from the installed tree alone (nothing it includes was left out).
+(cd "$prefix/include/NexaroControls" && find . -name 'NXR*.h' | sort | sed 's|^\./\(.*\)|#include <\1>|') >all.cpp
+[ -s all.cpp ] || fail "no public class headers installed"
+c++ -std=c++20 -fsyntax-only all.cpp $(pkg-config --cflags NexaroControls) ||
+  fail "an installed header does not compile on its own: $(tr '\n' ' ' <all.cpp)"
 cp "$source/examples/hello-display/main.cpp" "$work/main.cpp"
 "${launcher[@]}" c++ -std=c++20 -c main.cpp $(pkg-config --cflags NexaroControls) -o main.o &&
   c++ main.o $(pkg-config --libs NexaroControls) -Wl,-rpath,"$prefix/$libdir" -o hello-pc ||
