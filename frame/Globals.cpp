@@ -1,5 +1,7 @@
 #include "frame/Globals.h"
 
+#include "frame/CaptionTranslator.h"
+
 #include "frame/Conversions.h"
 #include "frame/Trace.h"
 
@@ -215,6 +217,10 @@ QString languageCode()
 
 QString Caption::pick() const
 {
+    // The compiled caption set first (translations/), then a Japanese text given in the table.
+    const QString translated = translatedCaption(eg);
+    if (!translated.isEmpty())
+        return translated;
     return languageCode() == QLatin1String("jp") && !jp.isEmpty() ? jp : eg;
 }
 

@@ -6,6 +6,8 @@
 
 #include <QString>
 
+#include <utility>
+
 class QWidget;
 
 namespace nxr::Globals {
@@ -46,10 +48,12 @@ NXR_EXPORT void setCharacterSet(QWidget* container, const QString& charset);
 // "default" and "eg" give "eg"; anything else (or unset) gives "" (the built-in captions).
 NXR_EXPORT QString languageCode();
 
-// A caption in its two languages; pick() chooses by languageCode(), the built-in (English)
-// text when no language is selected.
+// A caption; pick() chooses by languageCode(): the translation of `eg` in the library's caption
+// set of that language (frame/CaptionTranslator.h), else `jp` for "jp" when given, else `eg`.
+// Tables write {QT_TRANSLATE_NOOP("Caption", "English text")} so that lupdate finds the text.
 struct NXR_EXPORT Caption
 {
+    Caption(QString english, QString japanese = {}) : eg(std::move(english)), jp(std::move(japanese)) {}
     QString eg;
     QString jp;
     QString pick() const;

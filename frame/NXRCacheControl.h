@@ -7,6 +7,7 @@
 class NXR_EXPORT NXRCacheControl : public nxr::ScriptableObject
 {
     Q_OBJECT
+    Q_CLASSINFO("Description", "Empties the URL cache pages are fetched through (cookies are kept)")
 
 public:
     explicit NXRCacheControl(QObject* parent = nullptr);

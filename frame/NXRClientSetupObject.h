@@ -7,6 +7,7 @@
 class NXR_EXPORT NXRClientSetupObject : public nxr::ScriptableObject
 {
     Q_OBJECT
+    Q_CLASSINFO("Description", "Reads and writes environment variables of the running process")
 
 public:
     explicit NXRClientSetupObject(QObject* parent = nullptr);

@@ -7,6 +7,7 @@
 class NXR_EXPORT NXRInfo : public nxr::ScriptableObject
 {
     Q_OBJECT
+    Q_CLASSINFO("Description", "The library's controller software version, storage folder and version check")
     Q_PROPERTY(QString StorageFolder READ StorageFolder)
     Q_PROPERTY(QString NXRBuildID READ NXRBuildID)
 

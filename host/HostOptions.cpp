@@ -134,6 +134,8 @@ QString HostOptions::helpText(const QString& programName)
                "60000)\n"
                "  --script-arg KEY=VAL  pass a value to the script as host.args.KEY (repeatable)\n"
                "  --list-classes        list the classes a script can create, and exit\n"
+               "  --describe CLASS|all  print properties, methods, events and SetProperty keys, and exit\n"
+               "                        (--format text|markdown, --output FILE)\n"
                "  --version             show the version, and exit\n"
                "  -h, --help            show this help, and exit\n"
                "\n"

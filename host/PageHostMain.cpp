@@ -3,6 +3,7 @@
 #include "frame/ClassRegistry.h"
 #include "host/HostOptions.h"
 #include "host/PageHost.h"
+#include "reference/DescribeCommand.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -44,6 +45,8 @@ int runPageHost(int argc, char** argv)
                     NXR_BUILD_ID);
         return ExitOk;
     }
+    if (const int code = reference::describeFromCommandLine(argc, argv); code >= 0)
+        return code;
     if (hasFlag(argc, argv, "--list-classes")) {
         for (const QString& name : ClassRegistry::instance().names())
             std::printf("%s\n", name.toLocal8Bit().constData());

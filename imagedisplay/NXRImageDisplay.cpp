@@ -236,11 +236,9 @@ void NXRImageDisplay::UserControl_Terminate()
 
 void NXRImageDisplay::msub_Localize()
 {
-    m_lblOKCancel->setText(
-        nxr::Globals::Caption{QStringLiteral("Finish editing:"), QStringLiteral("編集の終了:")}.pick());
-    m_cmdOK->setText(nxr::Globals::Caption{QStringLiteral("OK"), QStringLiteral("OK")}.pick());
-    m_cmdCancel->setText(
-        nxr::Globals::Caption{QStringLiteral("Cancel"), QStringLiteral("キャンセル")}.pick());
+    m_lblOKCancel->setText(nxr::Globals::Caption{QT_TRANSLATE_NOOP("Caption", "Finish editing:")}.pick());
+    m_cmdOK->setText(nxr::Globals::Caption{QT_TRANSLATE_NOOP("Caption", "OK")}.pick());
+    m_cmdCancel->setText(nxr::Globals::Caption{QT_TRANSLATE_NOOP("Caption", "Cancel")}.pick());
 }
 
 // ---- string property keys ----

@@ -37,8 +37,9 @@ class ToolbarClickHandler;
 class NXR_EXPORT NXRImageDisplay : public nxr::ScriptableWidget
 {
     Q_OBJECT
+    Q_CLASSINFO("Description", "Camera image with zoom, scroll, pan, live mode, tool bar and status line")
     Q_PROPERTY(QString Caption READ Caption WRITE setCaption NOTIFY CaptionChanged)
-    Q_PROPERTY(float Zoom READ Zoom WRITE setZoom)
+    Q_PROPERTY(float Zoom READ Zoom WRITE setZoom DESIGNABLE false)
     Q_PROPERTY(int ImageHeight READ ImageHeight)
     Q_PROPERTY(int ImageWidth READ ImageWidth)
     Q_PROPERTY(
@@ -48,8 +49,8 @@ class NXR_EXPORT NXRImageDisplay : public nxr::ScriptableWidget
     Q_PROPERTY(
         QString OverrideImageLabelCaption READ OverrideImageLabelCaption WRITE setOverrideImageLabelCaption)
     Q_PROPERTY(int OverrideImageLabelColor READ OverrideImageLabelColor WRITE setOverrideImageLabelColor)
-    Q_PROPERTY(bool HourglassCursor READ HourglassCursor WRITE setHourglassCursor)
-    Q_PROPERTY(bool ProgressCursor READ ProgressCursor WRITE setProgressCursor)
+    Q_PROPERTY(bool HourglassCursor READ HourglassCursor WRITE setHourglassCursor DESIGNABLE false)
+    Q_PROPERTY(bool ProgressCursor READ ProgressCursor WRITE setProgressCursor DESIGNABLE false)
     Q_PROPERTY(QString HostName READ HostName WRITE setHostName)
     Q_PROPERTY(int ForeColor READ ForeColor WRITE setForeColor NOTIFY ForeColorChanged)
     Q_PROPERTY(bool ShowFrame READ ShowFrame WRITE setShowFrame)

@@ -9,6 +9,7 @@ class QLabel;
 class NXR_EXPORT NXRStatusBar : public nxr::ScriptableWidget
 {
     Q_OBJECT
+    Q_CLASSINFO("Description", "Status line of the image display: zoom and the pixel under the mouse")
 
 public:
     explicit NXRStatusBar(QWidget* parent = nullptr);

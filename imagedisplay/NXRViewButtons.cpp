@@ -26,25 +26,31 @@ struct ButtonEntry
     int button;
     const char* name;
     bool checkable;
-    nxr::Globals::Caption tip;
+    nxr::Globals::Caption tip; // Japanese: translations/nexarocontrols_jp.ts
 };
 
 // The row, left to right. Buttons 11/12 and 18/19 share one check button each.
 const ButtonEntry kButtons[] = {
-    {vvb_ContinuousAcquire, "cmd_Live", true, {"Live mode", "ライブ表示"}},
-    {vvb_Acquire, "cmd_Acquire", false, {"Snap an image", "画像取り込み"}},
-    {vvb_MouseModePointer, "opt_Cursor", true, {"Pointer", "ポインタ"}},
-    {vvb_MouseModePan, "opt_Cursor", true, {"Pan", "画像の移動"}},
-    {vvb_MouseModeZoomIn, "opt_Cursor", true, {"Zoom in (right button: zoom out)", "拡大 (右ボタン: 縮小)"}},
-    {vvb_MouseModeZoomOut, "opt_Cursor", true, {"Zoom out (right button: zoom in)", "縮小 (右ボタン: 拡大)"}},
-    {vvb_FitImage, "cmd_FitImage", false, {"Fit the image", "全体表示"}},
-    {vvb_DefaultZoom, "cmd_Zoom100", false, {"Default zoom", "標準倍率"}},
-    {vvb_ChangeSize, "cmd_ChangeSize", false, {"Change size", "サイズ変更"}},
-    {vvb_CrosshairOn, "chk_Crosshair", true, {"Crosshair", "十字線"}},
-    {vvb_WindowReset, "cmd_WindowReset", false, {"Reset the window", "ウィンドウのリセット"}},
-    {vvb_Open, "cmd_Open", false, {"Open an image", "画像を開く"}},
-    {vvb_Save, "cmd_Save", false, {"Save the image", "画像を保存"}},
-    {vvb_LaserOn, "chk_LaserOnOff", true, {"Laser on/off", "レーザー オン/オフ"}},
+    {vvb_ContinuousAcquire, "cmd_Live", true, {QT_TRANSLATE_NOOP("Caption", "Live mode")}},
+    {vvb_Acquire, "cmd_Acquire", false, {QT_TRANSLATE_NOOP("Caption", "Snap an image")}},
+    {vvb_MouseModePointer, "opt_Cursor", true, {QT_TRANSLATE_NOOP("Caption", "Pointer")}},
+    {vvb_MouseModePan, "opt_Cursor", true, {QT_TRANSLATE_NOOP("Caption", "Pan")}},
+    {vvb_MouseModeZoomIn,
+     "opt_Cursor",
+     true,
+     {QT_TRANSLATE_NOOP("Caption", "Zoom in (right button: zoom out)")}},
+    {vvb_MouseModeZoomOut,
+     "opt_Cursor",
+     true,
+     {QT_TRANSLATE_NOOP("Caption", "Zoom out (right button: zoom in)")}},
+    {vvb_FitImage, "cmd_FitImage", false, {QT_TRANSLATE_NOOP("Caption", "Fit the image")}},
+    {vvb_DefaultZoom, "cmd_Zoom100", false, {QT_TRANSLATE_NOOP("Caption", "Default zoom")}},
+    {vvb_ChangeSize, "cmd_ChangeSize", false, {QT_TRANSLATE_NOOP("Caption", "Change size")}},
+    {vvb_CrosshairOn, "chk_Crosshair", true, {QT_TRANSLATE_NOOP("Caption", "Crosshair")}},
+    {vvb_WindowReset, "cmd_WindowReset", false, {QT_TRANSLATE_NOOP("Caption", "Reset the window")}},
+    {vvb_Open, "cmd_Open", false, {QT_TRANSLATE_NOOP("Caption", "Open an image")}},
+    {vvb_Save, "cmd_Save", false, {QT_TRANSLATE_NOOP("Caption", "Save the image")}},
+    {vvb_LaserOn, "chk_LaserOnOff", true, {QT_TRANSLATE_NOOP("Caption", "Laser on/off")}},
 };
 
 int controlIndex(int button)

@@ -16,6 +16,7 @@ class QButtonGroup;
 class NXR_EXPORT NXRViewButtons : public nxr::ScriptableWidget
 {
     Q_OBJECT
+    Q_CLASSINFO("Description", "Tool bar of the image display: live, snap, mouse modes, zoom, open, save")
 
 public:
     explicit NXRViewButtons(QWidget* parent = nullptr);

@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(
-  cmake ninja-build g++ ccache pkg-config
+  cmake ninja-build g++ ccache pkg-config dpkg-dev file
   qt6-base-dev qt6-base-dev-tools qt6-declarative-dev qt6-tools-dev qt6-tools-dev-tools
   qt6-l10n-tools libqt6opengl6-dev
   libcurl4-openssl-dev libgif-dev libgl-dev libglu1-mesa-dev freeglut3-dev

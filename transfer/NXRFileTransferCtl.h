@@ -11,6 +11,7 @@ class NXRFileTransferObject;
 class NXR_EXPORT NXRFileTransferCtl : public nxr::ScriptableWidget
 {
     Q_OBJECT
+    Q_CLASSINFO("Description", "Invisible control offering CopyFile to pages that can host only controls")
 
 public:
     explicit NXRFileTransferCtl(QWidget* parent = nullptr);

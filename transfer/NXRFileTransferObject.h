@@ -37,6 +37,7 @@
 class NXR_EXPORT NXRFileTransferObject : public nxr::ScriptableObject
 {
     Q_OBJECT
+    Q_CLASSINFO("Description", "Copies, uploads and lists controller files (HTTP first, FTP as fallback)")
     Q_PROPERTY(QString VersionID READ VersionID WRITE setVersionID)
     Q_PROPERTY(QString StorageFolder READ StorageFolder)
     Q_PROPERTY(QString NXRBuildID READ NXRBuildID)

@@ -1,0 +1,23 @@
+# cmake -DLUPDATE=lupdate -DSOURCE=root -DFOLDERS="frame;imagedisplay;..." -DTS=file.ts -P check_translations.cmake
+string(RANDOM LENGTH 8 suffix)
+set(copy "${CMAKE_CURRENT_BINARY_DIR}/captions-${suffix}.ts")
+file(COPY_FILE "${TS}" "${copy}")
+set(folders "")
+foreach(folder IN LISTS FOLDERS)
+  if(EXISTS "${SOURCE}/${folder}")
+    list(APPEND folders "${SOURCE}/${folder}")
+  endif()
+endforeach()
+execute_process(COMMAND "${LUPDATE}" ${folders} -locations none -no-ui-lines -ts "${copy}"
+  RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+file(READ "${copy}" text)
+file(REMOVE "${copy}")
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "lupdate failed: ${output}")
+endif()
+string(REGEX MATCHALL "<source>[^<]*</source>[ \n]*<translation type=\"(unfinished|vanished|obsolete)\"" stale "${text}")
+if(stale)
+  string(REPLACE ";" "\n" stale "${stale}")
+  message(FATAL_ERROR "${TS} is not up to date with the captions in the sources:\n${stale}\n"
+    "Run `ninja -C build NexaroControls_lupdate` and translate the new entries (translations/README.md).")
+endif()
