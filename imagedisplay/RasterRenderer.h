@@ -9,8 +9,12 @@
 // is reused while neither the bitmap nor the view changes. A view that needs no scaling at all
 // is drawn straight from the bitmap.
 //
-// Grey (Format_Grayscale8) and RGB32 bitmaps are drawn as they are; other formats are drawn
-// from an RGB32 copy.
+// RGB32 bitmaps are drawn as they are. Grey (Format_Grayscale8) bitmaps are turned into RGB32
+// only where they are visible, into the same reused buffer (the bitmap stays grey, so a large
+// grey image costs no colour copy). Other formats are drawn from an RGB32 copy.
+//
+// A change of part of the bitmap (imageChanged(rect)) rebuilds only that part of the copy and
+// of the reductions.
 
 #include "frame/Export.h"
 
@@ -35,6 +39,10 @@ public:
     const QImage& image() const { return m_image; }
     // The bitmap's pixels changed in place: drops the reductions and the buffer.
     void imageChanged();
+    // Part of the bitmap changed in place: updates that part of the copy and the reductions.
+    void imageChanged(const QRect& region);
+    // The bitmap for changing in place (detached from other holders on first write).
+    QImage& editableImage() { return m_image; }
     // Drops the scaled buffer only, so that the next paint scales again.
     void discardBuffer();
 
@@ -54,10 +62,11 @@ public:
 private:
     const QImage& displaySource();
     void renderBuffer(const QImage& source, double levelScale, const QRect& target, const QPoint& origin);
+    void convertBuffer(const QImage& grey, const QRect& target, const QPoint& origin);
 
     QImage m_image;
-    QImage m_converted; // RGB32 copy for formats drawn through a conversion
-    std::vector<QImage> m_levels;
+    QImage m_converted;           // RGB32 copy for formats drawn through a conversion
+    std::vector<QImage> m_levels; // m_levels[k - 1] is reduction level k
     QColor m_background = QColor(128, 128, 128);
 
     QImage m_buffer;
