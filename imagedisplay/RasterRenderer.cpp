@@ -7,6 +7,10 @@
 #include <cmath>
 #include <cstring>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace nxr {
 namespace {
 
@@ -26,10 +30,27 @@ bool drawnAsIs(QImage::Format format)
     return format == QImage::Format_Grayscale8 || format == QImage::Format_RGB32;
 }
 
-// Grey to RGB32 without a table, so that the compiler can do many pixels per step.
+// Grey to RGB32, sixteen pixels a step where the processor allows: the grey byte is spread
+// into blue, green and red and an opaque alpha put beside it by byte interleaving.
 inline void greyRow(const uchar* in, QRgb* out, int width)
 {
-    for (int i = 0; i < width; ++i)
+    int i = 0;
+#ifdef __SSE2__
+    const __m128i opaque = _mm_set1_epi8(char(0xFF));
+    for (; i + 16 <= width; i += 16) {
+        const __m128i g = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i));
+        const __m128i gg0 = _mm_unpacklo_epi8(g, g);
+        const __m128i gg1 = _mm_unpackhi_epi8(g, g);
+        const __m128i ga0 = _mm_unpacklo_epi8(g, opaque);
+        const __m128i ga1 = _mm_unpackhi_epi8(g, opaque);
+        auto* o = reinterpret_cast<__m128i*>(out + i);
+        _mm_storeu_si128(o, _mm_unpacklo_epi16(gg0, ga0));
+        _mm_storeu_si128(o + 1, _mm_unpackhi_epi16(gg0, ga0));
+        _mm_storeu_si128(o + 2, _mm_unpacklo_epi16(gg1, ga1));
+        _mm_storeu_si128(o + 3, _mm_unpackhi_epi16(gg1, ga1));
+    }
+#endif
+    for (; i < width; ++i)
         out[i] = 0xFF000000u | (quint32(in[i]) * 0x00010101u);
 }
 
@@ -106,6 +127,7 @@ void RasterRenderer::setImage(const QImage& image)
 void RasterRenderer::imageChanged()
 {
     m_converted = QImage();
+    m_paintReady = QImage();
     m_levels.clear();
     discardBuffer();
 }
@@ -120,6 +142,11 @@ void RasterRenderer::imageChanged(const QRect& region)
         QPainter p(&m_converted);
         p.fillRect(r, m_background);
         p.drawImage(r.topLeft(), m_image, r);
+    }
+    if (!m_paintReady.isNull()) {
+        for (int y = r.top(); y <= r.bottom(); ++y)
+            greyRow(m_image.constScanLine(y) + r.left(),
+                    reinterpret_cast<QRgb*>(m_paintReady.scanLine(y)) + r.left(), r.width());
     }
     const QImage* previous = &displaySource();
     for (QImage& level : m_levels) {
@@ -213,6 +240,16 @@ void RasterRenderer::paint(QPainter& painter, const QRect& area, float zoom, con
     const double levelScale = scale * double(1 << levelIndex);
     const bool exact = std::abs(levelScale - 1.0) < 1e-9;
 
+    if (exact && levelIndex == 0 && src.format() == QImage::Format_Grayscale8 &&
+        qint64(src.width()) * src.height() <= kPaintReadyPixels) {
+        if (m_paintReady.isNull()) {
+            m_paintReady = QImage(src.size(), QImage::Format_RGB32);
+            for (int y = 0; y < src.height(); ++y)
+                greyRow(src.constScanLine(y), reinterpret_cast<QRgb*>(m_paintReady.scanLine(y)), src.width());
+        }
+        painter.drawImage(shown.topLeft(), m_paintReady, shown.translated(-origin));
+        return;
+    }
     if (exact && src.format() != QImage::Format_Grayscale8) {
         // No scaling: draw the visible part straight from the bitmap (or its reduction).
         painter.drawImage(shown.topLeft(), src, shown.translated(-origin));

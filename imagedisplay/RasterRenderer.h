@@ -9,9 +9,11 @@
 // is reused while neither the bitmap nor the view changes. A view that needs no scaling at all
 // is drawn straight from the bitmap.
 //
-// RGB32 bitmaps are drawn as they are. Grey (Format_Grayscale8) bitmaps are turned into RGB32
-// only where they are visible, into the same reused buffer (the bitmap stays grey, so a large
-// grey image costs no colour copy). Other formats are drawn from an RGB32 copy.
+// RGB32 bitmaps are drawn as they are. A grey (Format_Grayscale8) bitmap is drawn at 100 % from
+// a paint-ready RGB32 copy made on first use, so that it repaints at the cost of a colour one;
+// the copy takes four bytes a pixel, so a grey bitmap above kPaintReadyPixels gets none and is
+// converted where it is visible on each repaint instead. The reductions stay grey. Other formats
+// are drawn from an RGB32 copy.
 //
 // A change of part of the bitmap (imageChanged(rect)) rebuilds only that part of the copy and
 // of the reductions.
@@ -32,6 +34,9 @@ namespace nxr {
 class NXR_EXPORT RasterRenderer
 {
 public:
+    // The largest grey bitmap (in pixels) that gets a paint-ready colour copy: 16 M pixels, 64 MB.
+    static constexpr qint64 kPaintReadyPixels = 16 * 1024 * 1024;
+
     RasterRenderer();
 
     // A new bitmap (shared, not copied). Drops the reductions and the buffer.
@@ -66,6 +71,7 @@ private:
 
     QImage m_image;
     QImage m_converted;           // RGB32 copy for formats drawn through a conversion
+    QImage m_paintReady;          // RGB32 copy of a grey bitmap for drawing at 100 %
     std::vector<QImage> m_levels; // m_levels[k - 1] is reduction level k
     QColor m_background = QColor(128, 128, 128);
 
