@@ -115,9 +115,10 @@ void MouseDispatcher::attach(RasterView* view)
             });
     connect(view, &RasterView::wheelTurned, this,
             [this](double steps, Qt::KeyboardModifiers, const QPointF& p) { wheel(steps, p); });
-    connect(view, &RasterView::keyPressed, this, [this](int key, Qt::KeyboardModifiers m) {
-        if (!(m_interaction && m_interaction->key(key, m)))
-            Q_EMIT keyNotTaken(key, m);
+    connect(view, &RasterView::keyPressed, this, [this](int key, Qt::KeyboardModifiers m, bool* taken) {
+        *taken = m_interaction && m_interaction->key(key, m);
+        if (!*taken)
+            Q_EMIT keyNotTaken(key, m, taken);
     });
     connect(view, &RasterView::mouseLeft, this, [this] { Q_EMIT hovering(false, QPointF()); });
 }

@@ -74,8 +74,9 @@ Q_SIGNALS:
     void userZoomed(float zoom);
     // The image point under the mouse; hovering(false, ...) when the mouse left the image.
     void hovering(bool inside, const QPointF& image);
-    // A key on an image view that the interaction did not take.
-    void keyNotTaken(int key, Qt::KeyboardModifiers modifiers);
+    // A key on an image view that the interaction did not take; a receiver that uses it sets
+    // *taken.
+    void keyNotTaken(int key, Qt::KeyboardModifiers modifiers, bool* taken);
 
 private:
     PointerEvent event(RasterView* view, Qt::MouseButton changed, Qt::MouseButtons held,

@@ -346,124 +346,40 @@ void NXRImageDisplay::addKeys()
         .addReadOnly(QStringLiteral("OriginalFilename"), [this] { return d->originalFilename; });
 }
 
-// ---- parts ----
+// ---- one-line forwards (kept on one line each) ----
 
-QString NXRImageDisplay::Caption() const
-{
-    return d->caption;
-}
-QString NXRImageDisplay::OverrideImageLabelCaption() const
-{
-    return d->overrideCaption;
-}
-int NXRImageDisplay::OverrideImageLabelColor() const
-{
-    return d->overrideColor;
-}
-bool NXRImageDisplay::HourglassCursor() const
-{
-    return d->hourglass;
-}
-bool NXRImageDisplay::ProgressCursor() const
-{
-    return d->progress;
-}
-QString NXRImageDisplay::HostName() const
-{
-    return d->hostName;
-}
-int NXRImageDisplay::ForeColor() const
-{
-    return d->foreColor;
-}
-bool NXRImageDisplay::ShowFrame() const
-{
-    return d->showFrame;
-}
-void NXRImageDisplay::setOriginalFilename(const QString& name)
-{
-    d->originalFilename = name;
-}
-nxr::DisplayLoading& NXRImageDisplay::loading() const
-{
-    return *d->loading;
-}
-nxr::RasterView* NXRImageDisplay::leadView() const
-{
-    return d->lead;
-}
-nxr::RasterView* NXRImageDisplay::tempLeadView() const
-{
-    return d->tempLead;
-}
-nxr::RasterView* NXRImageDisplay::maskLeadView() const
-{
-    return d->maskLead;
-}
-nxr::RasterView* NXRImageDisplay::originalMaskLeadView() const
-{
-    return d->originalMaskLead;
-}
-nxr::RasterView* NXRImageDisplay::overlayLeadView() const
-{
-    return d->overlayLead;
-}
-nxr::ImageViewport& NXRImageDisplay::viewport() const
-{
-    return *d->viewport;
-}
-nxr::MouseDispatcher& NXRImageDisplay::mouse() const
-{
-    return *d->mouse;
-}
-nxr::ToolbarClickHandler& NXRImageDisplay::toolbarClicks() const
-{
-    return *d->clicks;
-}
-NXRViewButtons* NXRImageDisplay::viewButtons() const
-{
-    return d->viewButtons;
-}
-NXRStatusBar* NXRImageDisplay::statusBar() const
-{
-    return d->statusBar;
-}
-nxr::DisplayState& NXRImageDisplay::state()
-{
-    return d->state;
-}
-const nxr::DisplayState& NXRImageDisplay::state() const
-{
-    return d->state;
-}
-nxr::EditSession& NXRImageDisplay::editSession() const
-{
-    return *d->session;
-}
-nxr::EditHost& NXRImageDisplay::editHost() const
-{
-    return *d->editHost;
-}
-nxr::DisplayPart& NXRImageDisplay::partOf(const std::type_info& type) const
-{
-    return d->parts->get(type);
-}
-float NXRImageDisplay::defaultZoom() const
-{
-    return d->defaultZoom;
-}
-QTimer* NXRImageDisplay::liveModeTimer() const
-{
-    return d->tmrLiveMode;
-}
-QTimer* NXRImageDisplay::imageRefreshTimer() const
-{
-    return d->tmrImageRefresh;
-}
-QTimer* NXRImageDisplay::leadDoubleClickTimer() const
-{
-    return d->tmrLEADDblClick;
-}
+// clang-format off
+
+QString NXRImageDisplay::Caption() const { return d->caption; }
+QString NXRImageDisplay::OverrideImageLabelCaption() const { return d->overrideCaption; }
+int NXRImageDisplay::OverrideImageLabelColor() const { return d->overrideColor; }
+bool NXRImageDisplay::HourglassCursor() const { return d->hourglass; }
+bool NXRImageDisplay::ProgressCursor() const { return d->progress; }
+QString NXRImageDisplay::HostName() const { return d->hostName; }
+int NXRImageDisplay::ForeColor() const { return d->foreColor; }
+bool NXRImageDisplay::ShowFrame() const { return d->showFrame; }
+void NXRImageDisplay::setOriginalFilename(const QString& name) { d->originalFilename = name; }
+nxr::DisplayLoading& NXRImageDisplay::loading() const { return *d->loading; }
+nxr::RasterView* NXRImageDisplay::leadView() const { return d->lead; }
+nxr::RasterView* NXRImageDisplay::tempLeadView() const { return d->tempLead; }
+nxr::RasterView* NXRImageDisplay::maskLeadView() const { return d->maskLead; }
+nxr::RasterView* NXRImageDisplay::originalMaskLeadView() const { return d->originalMaskLead; }
+nxr::RasterView* NXRImageDisplay::overlayLeadView() const { return d->overlayLead; }
+nxr::ImageViewport& NXRImageDisplay::viewport() const { return *d->viewport; }
+nxr::MouseDispatcher& NXRImageDisplay::mouse() const { return *d->mouse; }
+nxr::ToolbarClickHandler& NXRImageDisplay::toolbarClicks() const { return *d->clicks; }
+NXRViewButtons* NXRImageDisplay::viewButtons() const { return d->viewButtons; }
+NXRStatusBar* NXRImageDisplay::statusBar() const { return d->statusBar; }
+nxr::DisplayState& NXRImageDisplay::state() { return d->state; }
+const nxr::DisplayState& NXRImageDisplay::state() const { return d->state; }
+nxr::EditSession& NXRImageDisplay::editSession() const { return *d->session; }
+nxr::EditHost& NXRImageDisplay::editHost() const { return *d->editHost; }
+nxr::DisplayPart& NXRImageDisplay::partOf(const std::type_info& type) const { return d->parts->get(type); }
+float NXRImageDisplay::defaultZoom() const { return d->defaultZoom; }
+QTimer* NXRImageDisplay::liveModeTimer() const { return d->tmrLiveMode; }
+QTimer* NXRImageDisplay::imageRefreshTimer() const { return d->tmrImageRefresh; }
+QTimer* NXRImageDisplay::leadDoubleClickTimer() const { return d->tmrLEADDblClick; }
+// clang-format on
 
 // ---- typed properties ----
 

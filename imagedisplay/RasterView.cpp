@@ -232,8 +232,9 @@ void RasterView::wheelEvent(QWheelEvent* event)
 
 void RasterView::keyPressEvent(QKeyEvent* event)
 {
-    Q_EMIT keyPressed(event->key(), event->modifiers());
-    event->accept();
+    bool taken = false;
+    Q_EMIT keyPressed(event->key(), event->modifiers(), &taken);
+    event->setAccepted(taken);
 }
 
 void RasterView::leaveEvent(QEvent* event)

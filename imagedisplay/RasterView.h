@@ -99,7 +99,9 @@ Q_SIGNALS:
     // Wheel steps (one notch = 1, toward the user negative) at a device position.
     void wheelTurned(double steps, Qt::KeyboardModifiers modifiers, const QPointF& position);
     void mouseLeft();
-    void keyPressed(int key, Qt::KeyboardModifiers modifiers);
+    // A key while the view has the focus; a receiver that uses it sets *taken, otherwise the
+    // key goes on to the parent widgets.
+    void keyPressed(int key, Qt::KeyboardModifiers modifiers, bool* taken);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

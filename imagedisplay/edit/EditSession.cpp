@@ -56,12 +56,18 @@ EditSession::EditSession(QWidget* barParent, Links links) : QObject(barParent), 
     m_links.clicks.setAction(vvb_Cancel, [this] { finishActive(false); });
     connect(m_ok, &QPushButton::clicked, this, &EditSession::accept);
     connect(m_cancel, &QPushButton::clicked, this, &EditSession::cancel);
-    connect(&m_links.mouse, &MouseDispatcher::keyNotTaken, this, [this](int key, Qt::KeyboardModifiers) {
-        if (key == Qt::Key_Return || key == Qt::Key_Enter)
-            accept();
-        else if (key == Qt::Key_Escape)
-            cancel();
-    });
+    connect(&m_links.mouse, &MouseDispatcher::keyNotTaken, this,
+            [this](int key, Qt::KeyboardModifiers, bool* taken) {
+                if (!editing())
+                    return;
+                if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+                    *taken = true;
+                    accept();
+                } else if (key == Qt::Key_Escape) {
+                    *taken = true;
+                    cancel();
+                }
+            });
 }
 
 EditKind EditSession::kind() const
