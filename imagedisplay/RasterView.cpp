@@ -1,5 +1,6 @@
 #include "imagedisplay/RasterView.h"
 
+#include "imagedisplay/ViewMaths.h"
 #include "imagedisplay/edit/PaintLayer.h"
 
 #include <QKeyEvent>
@@ -111,12 +112,7 @@ void RasterView::bitmapChanged(const QRect& imageRect)
     if (changed.isEmpty())
         return;
     m_renderer.imageChanged(changed);
-    if (!m_autoRepaint)
-        return;
-    const double scale = double(m_zoom) / 100.0;
-    const QRectF device(m_origin.x() + changed.x() * scale, m_origin.y() + changed.y() * scale,
-                        changed.width() * scale, changed.height() * scale);
-    repaintDevice(device.toAlignedRect());
+    repaintImage(QRectF(changed));
 }
 
 void RasterView::addLayer(PaintLayer* layer, int order)
@@ -160,10 +156,11 @@ void RasterView::repaintDevice(const QRect& deviceRect)
 
 void RasterView::repaintImage(const QRectF& imageRect)
 {
-    const double scale = double(m_zoom) / 100.0;
-    repaintDevice(QRectF(m_origin.x() + imageRect.x() * scale, m_origin.y() + imageRect.y() * scale,
-                         imageRect.width() * scale, imageRect.height() * scale)
-                      .toAlignedRect());
+    if (!m_maths) {
+        changed();
+        return;
+    }
+    repaintDevice(m_maths->toScreen(imageRect).toAlignedRect());
 }
 
 QPointF RasterView::devicePosition(const QPointF& logical) const

@@ -25,6 +25,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -221,6 +222,36 @@ TEST_F(EditFrame, ALayerCanRepaintJustARectangle)
     // Whole logical pixels around it, nothing more.
     EXPECT_LE(dirty.width(), 64 + 4 * ratio() + 1);
     EXPECT_LE(dirty.height(), 64 + 4 * ratio() + 1);
+    lead()->removeLayer(&layer);
+}
+
+TEST_F(EditFrame, ChangingPartOfTheBitmapKeepsItsFormatAndRepaintsThatPartOnly)
+{
+    display->showImage([] {
+        QImage grey(2000, 1500, QImage::Format_Grayscale8);
+        grey.fill(40);
+        return grey;
+    }());
+    std::vector<int> log;
+    SquareLayer layer(log, 1, Qt::red, QPointF(-10, -10), 1); // outside the image: draws nothing seen
+    lead()->addLayer(&layer);
+    QTest::qWait(50);
+    layer.dirtyRects.clear();
+
+    const QRect changed(300, 200, 20, 10);
+    QImage& bitmap = lead()->editableBitmap();
+    for (int y = changed.top(); y <= changed.bottom(); ++y)
+        std::fill_n(bitmap.scanLine(y) + changed.left(), changed.width(), uchar(220));
+    lead()->bitmapChanged(changed);
+    QTest::qWait(50);
+    EXPECT_EQ(lead()->bitmap().format(), QImage::Format_Grayscale8);
+    ASSERT_FALSE(layer.dirtyRects.empty());
+    const QRectF device = maths().toScreen(QRectF(changed));
+    EXPECT_TRUE(QRectF(layer.dirtyRects.back()).contains(device));
+    EXPECT_LE(layer.dirtyRects.back().width(), device.width() + 4 * ratio() + 1);
+    const QImage image = shot();
+    EXPECT_EQ(image.pixel(device.center().toPoint()), qRgb(220, 220, 220));
+    EXPECT_EQ(image.pixel((device.topLeft() - QPointF(3, 3)).toPoint()), qRgb(40, 40, 40));
     lead()->removeLayer(&layer);
 }
 
