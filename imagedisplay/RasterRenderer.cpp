@@ -128,6 +128,7 @@ void RasterRenderer::imageChanged()
 {
     m_converted = QImage();
     m_paintReady = QImage();
+    m_greyConversions = 0;
     m_levels.clear();
     discardBuffer();
 }
@@ -240,8 +241,9 @@ void RasterRenderer::paint(QPainter& painter, const QRect& area, float zoom, con
     const double levelScale = scale * double(1 << levelIndex);
     const bool exact = std::abs(levelScale - 1.0) < 1e-9;
 
-    if (exact && levelIndex == 0 && src.format() == QImage::Format_Grayscale8 &&
-        qint64(src.width()) * src.height() <= kPaintReadyPixels) {
+    const bool greyAtFull = exact && levelIndex == 0 && src.format() == QImage::Format_Grayscale8;
+    if (greyAtFull && (!m_paintReady.isNull() || (m_greyConversions >= kConversionsBeforeCopy &&
+                                                  qint64(src.width()) * src.height() <= kPaintReadyPixels))) {
         if (m_paintReady.isNull()) {
             m_paintReady = QImage(src.size(), QImage::Format_RGB32);
             for (int y = 0; y < src.height(); ++y)
@@ -260,9 +262,10 @@ void RasterRenderer::paint(QPainter& painter, const QRect& area, float zoom, con
     const bool reusable =
         m_bufferValid && m_bufferZoom == zoom && m_bufferOrigin == origin && m_bufferRect.contains(shown);
     if (!reusable) {
-        if (exact)
+        if (exact) {
             convertBuffer(src, shown, origin);
-        else
+            ++m_greyConversions;
+        } else
             renderBuffer(src, levelScale, shown, origin);
         m_bufferRect = shown;
         m_bufferZoom = zoom;

@@ -9,11 +9,13 @@
 // is reused while neither the bitmap nor the view changes. A view that needs no scaling at all
 // is drawn straight from the bitmap.
 //
-// RGB32 bitmaps are drawn as they are. A grey (Format_Grayscale8) bitmap is drawn at 100 % from
-// a paint-ready RGB32 copy made on first use, so that it repaints at the cost of a colour one;
-// the copy takes four bytes a pixel, so a grey bitmap above kPaintReadyPixels gets none and is
-// converted where it is visible on each repaint instead. The reductions stay grey. Other formats
-// are drawn from an RGB32 copy.
+// RGB32 bitmaps are drawn as they are. A grey (Format_Grayscale8) bitmap at 100 % is converted
+// only where it is visible, into the reused buffer, so a repaint of an unchanged view costs what
+// a colour one does. Once the same bitmap has needed kConversionsBeforeCopy such conversions (it
+// is being scrolled or panned, not replaced by the next live image), it gets a paint-ready RGB32
+// copy and every repaint costs what a colour one does. The copy takes four bytes a pixel, so a
+// grey bitmap above kPaintReadyPixels never gets one. The reductions stay grey. Other formats are
+// drawn from an RGB32 copy.
 //
 // A change of part of the bitmap (imageChanged(rect)) rebuilds only that part of the copy and
 // of the reductions.
@@ -36,6 +38,7 @@ class NXR_EXPORT RasterRenderer
 public:
     // The largest grey bitmap (in pixels) that gets a paint-ready colour copy: 16 M pixels, 64 MB.
     static constexpr qint64 kPaintReadyPixels = 16 * 1024 * 1024;
+    static constexpr int kConversionsBeforeCopy = 3;
 
     RasterRenderer();
 
@@ -72,6 +75,7 @@ private:
     QImage m_image;
     QImage m_converted;           // RGB32 copy for formats drawn through a conversion
     QImage m_paintReady;          // RGB32 copy of a grey bitmap for drawing at 100 %
+    int m_greyConversions = 0;    // conversions of the visible part of this grey bitmap
     std::vector<QImage> m_levels; // m_levels[k - 1] is reduction level k
     QColor m_background = QColor(128, 128, 128);
 
