@@ -360,6 +360,7 @@ void PageHost::runScripts(const PageFiles& files)
         const QJSValue result = m_engine->evaluate(script.text, evaluationName(script.url), 1);
         if (result.isError())
             reportError(result, engineUrl(evaluationName(script.url)));
+        m_watchdog->resume();
     }
     m_scriptsDone = true;
     if (m_finishing)
@@ -401,6 +402,8 @@ void PageHost::reportError(const QString& file, int line, const QString& message
 {
     if (m_finishing)
         return;
+    // A stopped script has returned with this error: the next one may run.
+    m_watchdog->resume();
     ++m_errorCount;
     const QString where = m_scriptNames.value(file, file);
     const QString text = QStringLiteral("%1:%2: %3")

@@ -11,7 +11,7 @@ ScriptWatchdog::ScriptWatchdog(QJSEngine* engine, int limitMs, std::function<boo
     : QObject(parent), m_engine(engine), m_limitMs(std::max(0, limitMs)), m_mayResume(std::move(mayResume))
 {
     m_beat.setInterval(std::clamp(m_limitMs / 10, 10, 250));
-    connect(&m_beat, &QTimer::timeout, this, &ScriptWatchdog::beat);
+    connect(&m_beat, &QTimer::timeout, this, &ScriptWatchdog::resume);
 }
 
 ScriptWatchdog::~ScriptWatchdog()
@@ -42,7 +42,7 @@ void ScriptWatchdog::stop()
         m_thread.join();
 }
 
-void ScriptWatchdog::beat()
+void ScriptWatchdog::resume()
 {
     m_lastBeat = m_clock.elapsed();
     if (!m_fired.exchange(false))
@@ -65,6 +65,9 @@ void ScriptWatchdog::watch()
             m_firedAfter = silent;
             m_fired = true;
             m_engine->setInterrupted(true);
+            // Handled by the event loop before any timer of the page falls due.
+            QMetaObject::invokeMethod(
+                this, [this] { resume(); }, Qt::QueuedConnection);
         }
     }
 }

@@ -34,13 +34,15 @@ public:
     void start();
     void stop();
     int limitMs() const { return m_limitMs; }
+    // On the user-interface thread, once the interrupted script has returned: scripts may run
+    // again. The host calls it where it regains control; the event loop calls it first thing.
+    void resume();
 
 Q_SIGNALS:
     // A script was stopped after running about `ms` milliseconds without returning.
     void interrupted(int ms);
 
 private:
-    void beat();
     void watch();
 
     QJSEngine* m_engine;
