@@ -1,5 +1,6 @@
 #include "frame/PageTrust.h"
 
+#include "frame/Conversions.h"
 #include "frame/Globals.h"
 #include "frame/Trace.h"
 #include "frame/UserSettings.h"
@@ -176,6 +177,12 @@ bool mayReachServer(const QString& server)
         if (hostMatches(c.host, host))
             return true;
     return false;
+}
+
+void requireServer(const QString& server)
+{
+    if (!mayReachServer(server))
+        throw Failure(server + QStringLiteral(" is not a trusted controller of this page"));
 }
 
 bool mayReadLocalFile(const QString& path)

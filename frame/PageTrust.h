@@ -46,6 +46,9 @@ NXR_EXPORT bool sameOrigin(const QUrl& a, const QUrl& b);
 // ("host" or "host:port"). A remote page reaches its own host and the trusted controllers' hosts
 // (a controller's FTP and HTTP services are on ports of their own).
 NXR_EXPORT bool mayReachServer(const QString& server);
+// The same rule for the transfer routines: throws nxr::Failure("<server> is not a trusted
+// controller of this page") when the server may not be reached.
+NXR_EXPORT void requireServer(const QString& server);
 // Whether the page's controls may read a local file: a remote page only below the storage folder
 // (the path is resolved, links included, before it is compared).
 NXR_EXPORT bool mayReadLocalFile(const QString& path);

@@ -18,6 +18,8 @@ public:
     // Listens on `address` (another loopback address stands for another machine).
     explicit TestHttpServer(const QHostAddress& address = QHostAddress::LocalHost);
     QStringList requests() const { return m_requests; }
+    // Connections accepted, requests or not (a probe that only connects counts too).
+    int connections() const { return m_connections; }
     quint16 port() const { return m_server.serverPort(); }
     QString url(const QString& path) const;
     // A 200 answer for `path`; extraHeaders are complete lines, each ending in CR LF.
@@ -39,4 +41,5 @@ private:
     QTcpServer m_server;
     QMap<QByteArray, Answer> m_answers;
     QStringList m_requests;
+    int m_connections = 0;
 };

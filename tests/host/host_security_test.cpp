@@ -353,6 +353,11 @@ function copy(server, httpPort, ftpPort, path) {
 }
 console.log("elsewhere " + copy("127.0.0.2", host.args.elsewhere, host.args.elsewhere, "MC:\\X.TXT"));
 console.log("own " + copy("127.0.0.1", host.args.httpPort, host.args.ftpPort, "MC:\\VISION\\TOOLS.TXT"));
+// Connected to its own controller, the object is not led elsewhere either.
+console.log("elsewhere again " + copy("127.0.0.2", host.args.elsewhere, host.args.elsewhere, "MC:\\X.TXT"));
+console.log("list elsewhere [" + t.ListDrives("127.0.0.2", host.args.user, host.args.password) + "]");
+console.log("upload elsewhere " + t.UploadCachedFile("127.0.0.2", "TOOLS.TXT", "MC:\\X.TXT", "u", "p"));
+console.log("told " + (t.LastErrorString.indexOf("127.0.0.2 is not a trusted controller of this page") >= 0));
 )JS"));
 
     PageRunner runner;
@@ -366,8 +371,9 @@ console.log("own " + copy("127.0.0.1", host.args.httpPort, host.args.ftpPort, "M
                                         controllerArgs + QStringList{base + "/MC/PAGES/COPY/PAGE.JSON"},
                                     60000, QStringLiteral(NEXARO_PAGE));
     EXPECT_RUN(copy, 0);
-    EXPECT_EQ(copy.outLines(), (QStringList{"elsewhere false", "own true"}));
-    EXPECT_TRUE(elsewhere.requests().isEmpty()) << qPrintable(elsewhere.requests().join('\n'));
+    EXPECT_EQ(copy.outLines(), (QStringList{"elsewhere false", "own true", "elsewhere again false",
+                                            "list elsewhere []", "upload elsewhere false", "told true"}));
+    EXPECT_EQ(elsewhere.connections(), 0) << qPrintable(elsewhere.requests().join('\n'));
 
     // The controller's own page: snap, live mode, save, with every control and request it uses.
     const QString shots = runner.path("shots");
