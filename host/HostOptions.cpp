@@ -109,6 +109,16 @@ bool HostOptions::parse(const QStringList& arguments, HostOptions* options, QStr
                 return false;
             }
             result.maxResponseBytes = mib << 20;
+        } else if (arg == QLatin1String("--cache-quota")) {
+            if (!value(&v))
+                return false;
+            bool ok = false;
+            const qint64 mib = v.toLongLong(&ok);
+            if (!ok || mib <= 0 || mib > (qint64(1) << 20)) {
+                *error = QStringLiteral("--cache-quota needs a size in MiB (1 or more), got '%1'").arg(v);
+                return false;
+            }
+            result.cacheQuotaBytes = mib << 20;
         } else if (arg == QLatin1String("--script-arg")) {
             if (!value(&v))
                 return false;
@@ -189,6 +199,8 @@ QString HostOptions::helpText(const QString& programName)
                "  --script-limit MS     stop a script that runs MS ms without returning (default 5000, 0: "
                "never)\n"
                "  --max-response MIB    refuse XMLHttpRequest responses larger than MIB MiB (default 64)\n"
+               "  --cache-quota MIB     fetch no more controller files once the cache folder holds MIB MiB\n"
+               "                        (default 1024)\n"
                "  --list-classes        list the classes a script can create, and exit\n"
                "  --version             show the version, and exit\n"
                "  -h, --help            show this help, and exit\n"

@@ -7,6 +7,7 @@
 #include "host/ScriptRuntime.h"
 #include "host/ScriptTimers.h"
 #include "host/ScriptWatchdog.h"
+#include "transfer/TransferCache.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -106,6 +107,7 @@ PageHost::PageHost(const HostOptions& options, QObject* parent) : QObject(parent
                  .arg(ms)
                  .arg(m_watchdog->limitMs()));
     });
+    TransferCache::setQuotaBytes(options.cacheQuotaBytes);
     installUrlHandlers();
     if (!g_current) {
         g_current = this;

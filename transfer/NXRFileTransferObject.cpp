@@ -248,6 +248,7 @@ bool NXRFileTransferObject::copyFileBody(const QString& server, const QString& f
         trace(routine, local + QStringLiteral(" already exists"));
         return true;
     }
+    nxr::TransferCache::requireRoom();
     const QString host = nxr::HostFromServer(server);
     dropRetiredClient();
     if (!m_client) {
