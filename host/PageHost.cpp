@@ -252,6 +252,18 @@ void PageHost::onLoaded(const PageFiles& files)
         refuseUntrusted(files.pageUrl);
         return;
     }
+    // A controller's page brings its form and scripts from trusted controllers only.
+    if (!files.pageUrl.isLocalFile()) {
+        QList<QUrl> parts{files.formUrl};
+        for (const PageScript& script : files.scripts)
+            parts << script.url;
+        for (const QUrl& part : std::as_const(parts)) {
+            if (part.isLocalFile() || !PageTrust::isTrustedOrigin(part)) {
+                refuseUntrusted(part);
+                return;
+            }
+        }
+    }
     PageTrust::setPage(files.pageUrl);
     const bool remote = !files.pageUrl.isLocalFile();
     FormLoader loader;

@@ -79,6 +79,18 @@ TEST(HostSecurity, OnlyTrustedOriginsRunTheirPages)
         EXPECT_TRUE(server.requests().isEmpty()) << qPrintable(server.requests().join('\n'));
     }
 
+    // A trusted page that brings its script from an untrusted origin is not run either.
+    TestHttpServer other;
+    other.set("/evil.js", "application/javascript", R"JS(console.log("foreign script ran");)JS");
+    server.set("/mixed/page.json", "application/json",
+               R"({"form": "../p/page.ui", "script": ")" + other.url("/evil.js").toUtf8() + "\"}");
+    const PageRun mixed =
+        runner.run({"--headless", "--trust", server.url(""), server.url("/mixed/page.json")}, 60000,
+                   QStringLiteral(NEXARO_PAGE));
+    EXPECT_RUN(mixed, 4);
+    EXPECT_TRUE(mixed.err.contains(other.url("") + " is not a trusted controller")) << qPrintable(mixed.err);
+    EXPECT_FALSE(mixed.out.contains("ran"));
+
     // Trusted on the command line by its address or by its host, or in the user settings.
     runner.write("config/NexaroControls/NexaroControls.ini",
                  "[Security]\nTrustedControllers=\"10.9.9.9, " + server.url("").toUtf8() + "\"\n");
