@@ -418,6 +418,12 @@ void PageHost::reportError(const QString& file, int line, const QString& message
         return;
     // A stopped script has returned with this error: the next one may run.
     m_watchdog->resume();
+    if (message == QLatin1String("Error: Interrupted")) {
+        reportError(file, line,
+                    QStringLiteral("Error: stopped, it ran longer than %1 ms (--script-limit)")
+                        .arg(m_watchdog->limitMs()));
+        return;
+    }
     ++m_errorCount;
     const QString where = m_scriptNames.value(file, file);
     const QString text = QStringLiteral("%1:%2: %3")

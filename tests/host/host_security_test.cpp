@@ -335,6 +335,8 @@ while (true) {}
         EXPECT_EQ(endless.outLines(), QStringList{"alive"});
         EXPECT_EQ(endless.err.count("without returning and was stopped (limit 400 ms"), 3)
             << qPrintable(endless.err);
+        EXPECT_GE(endless.err.count("Error: stopped, it ran longer than 400 ms (--script-limit)"), 3)
+            << qPrintable(endless.err);
         EXPECT_LT(clock.elapsed(), 20000);
     }
 }
