@@ -14,7 +14,9 @@ public:
     ~NXRClientSetupObject() override;
 
     // Environment(name) reads a variable ("" when unset); Environment(name, value) sets it to the
-    // trimmed value. GetEnvironment/SetEnvironment are the same two calls by other names.
+    // trimmed value. A page from a controller reaches only the library's own variables (TORVIK_*,
+    // NXR_*); other names read as "" and are not set. GetEnvironment/SetEnvironment are the same two calls by
+    // other names.
     Q_INVOKABLE QString Environment(const QString& vName) const;
     Q_INVOKABLE void Environment(const QString& vName, const QString& value);
     Q_INVOKABLE QString GetEnvironment(const QString& vName) const { return Environment(vName); }

@@ -1,6 +1,10 @@
 #include "frame/ObjectSafety.h"
 
+#include "frame/PageTrust.h"
 #include "frame/Trace.h"
+
+#include <QMutex>
+#include <QSet>
 
 #include <atomic>
 
@@ -19,6 +23,19 @@ struct LibraryStartup
         g_safeForInitializing = true;
     }
 } g_startup;
+
+QMutex g_remoteMutex;
+QSet<QString>& unsafeForRemote()
+{
+    static QSet<QString> classes{QStringLiteral("NXRCacheControl")};
+    return classes;
+}
+
+// Safe for scripting by the page now served.
+bool scriptableNow(const QString& className)
+{
+    return safeForScripting() && !(PageTrust::pageIsRemote() && isUnsafeForRemotePages(className));
+}
 
 enum class Kind { Dispatch, Persist, Other };
 
@@ -51,6 +68,21 @@ void setSafeForInitializing(bool on)
     g_safeForInitializing = on;
 }
 
+void setUnsafeForRemotePages(const QString& className, bool unsafe)
+{
+    QMutexLocker lock(&g_remoteMutex);
+    if (unsafe)
+        unsafeForRemote().insert(className);
+    else
+        unsafeForRemote().remove(className);
+}
+
+bool isUnsafeForRemotePages(const QString& className)
+{
+    QMutexLocker lock(&g_remoteMutex);
+    return unsafeForRemote().contains(className);
+}
+
 HResult getInterfaceSafetyOptions(const QString& className, const QString& iid,
                                   std::uint32_t* supportedOptions, std::uint32_t* enabledOptions)
 {
@@ -59,7 +91,7 @@ HResult getInterfaceSafetyOptions(const QString& className, const QString& iid,
     *supportedOptions = kSafeForUntrustedCaller | kSafeForUntrustedData;
     switch (kindOf(iid)) {
     case Kind::Dispatch:
-        *enabledOptions = safeForScripting() ? kSafeForUntrustedCaller : 0;
+        *enabledOptions = scriptableNow(className) ? kSafeForUntrustedCaller : 0;
         return S_Ok;
     case Kind::Persist:
         *enabledOptions = safeForInitializing() ? kSafeForUntrustedData : 0;
@@ -80,7 +112,7 @@ HResult setInterfaceSafetyOptions(const QString& className, const QString& iid, 
     switch (kindOf(iid)) {
     case Kind::Dispatch:
         // Only "safe for untrusted callers" can be asked for, and only while the object is.
-        if (safeForScripting() && (requested & ~kSafeForUntrustedCaller) == 0)
+        if (scriptableNow(className) && (requested & ~kSafeForUntrustedCaller) == 0)
             return S_Ok;
         break;
     case Kind::Persist:

@@ -41,6 +41,12 @@ NXR_EXPORT bool safeForInitializing();
 NXR_EXPORT void setSafeForScripting(bool on);
 NXR_EXPORT void setSafeForInitializing(bool on);
 
+// Classes whose objects are not safe for scripting by a page from the network (see PageTrust),
+// though they are for a page the user opened from disk. NXRCacheControl is one: emptying the
+// URL cache reaches what every other site cached.
+NXR_EXPORT void setUnsafeForRemotePages(const QString& className, bool unsafe);
+NXR_EXPORT bool isUnsafeForRemotePages(const QString& className);
+
 // The shared answers; className names the asking object in the refusal trace lines
 // "[<class>.IObjectSafety_GetInterfaceSafetyOptions] E_NOINTERFACE" and
 // "[<class>.IObjectSafety_SetInterfaceSafetyOptions] E_NOINTERFACE".

@@ -55,7 +55,9 @@ QByteArray FormLoader::withoutUnsafeProperties(const QByteArray& form)
         if (reader.isStartElement()) {
             ++depth;
             if (reader.name() == QLatin1String("property") && !widgetDepths.isEmpty() &&
-                widgetDepths.last() == depth - 1 && unsafeWidgets.last()) {
+                widgetDepths.last() == depth - 1 &&
+                (unsafeWidgets.last() ||
+                 m_dropped.contains(reader.attributes().value(QLatin1String("name")).toString()))) {
                 reader.skipCurrentElement();
                 --depth;
                 changed = true;

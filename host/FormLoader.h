@@ -20,6 +20,9 @@ public:
     // Loads a form (.ui text). A library control that is not safe for initialising from untrusted
     // data is still created, but none of the form's property values reach it.
     QWidget* loadForm(const QByteArray& form, QWidget* parentWidget = nullptr);
+    // Properties no widget of the form gets from the form (a controller's page: those that read
+    // local files or open links with the desktop's programs).
+    void setDroppedProperties(const QStringList& names) { m_dropped = names; }
 
     QWidget* createWidget(const QString& className, QWidget* parent = nullptr,
                           const QString& name = QString()) override;
@@ -42,6 +45,7 @@ private:
     QMap<QString, bool> m_initSafety; // by class name
     QList<Created> m_created;
     QStringList m_messages;
+    QStringList m_dropped;
 };
 
 } // namespace nxr

@@ -67,6 +67,58 @@ bool HostOptions::parse(const QStringList& arguments, HostOptions* options, QStr
         } else if (arg == QLatin1String("--timeout")) {
             if (!value(&v) || !readMilliseconds(arg, v, &result.timeoutMs, error))
                 return false;
+        } else if (arg == QLatin1String("--trust")) {
+            if (!value(&v))
+                return false;
+            if (v.trimmed().isEmpty()) {
+                *error = QStringLiteral("--trust needs a controller address (http://HOST[:PORT] or HOST)");
+                return false;
+            }
+            result.trusted << v.trimmed();
+        } else if (arg == QLatin1String("--automation")) {
+            result.automation = true;
+        } else if (arg == QLatin1String("--screenshot-dir")) {
+            if (!value(&v))
+                return false;
+            if (v.isEmpty()) {
+                *error = QStringLiteral("--screenshot-dir needs a folder");
+                return false;
+            }
+            result.screenshotDir = v;
+        } else if (arg == QLatin1String("--overwrite-screenshots")) {
+            result.overwriteScreenshots = true;
+        } else if (arg == QLatin1String("--screenshot-quota")) {
+            if (!value(&v))
+                return false;
+            bool ok = false;
+            result.screenshotQuota = v.toInt(&ok);
+            if (!ok || result.screenshotQuota < 0) {
+                *error = QStringLiteral("--screenshot-quota needs a number of files, got '%1'").arg(v);
+                return false;
+            }
+        } else if (arg == QLatin1String("--script-limit")) {
+            if (!value(&v) || !readMilliseconds(arg, v, &result.scriptLimitMs, error))
+                return false;
+        } else if (arg == QLatin1String("--max-response")) {
+            if (!value(&v))
+                return false;
+            bool ok = false;
+            const qint64 mib = v.toLongLong(&ok);
+            if (!ok || mib <= 0 || mib > 4096) {
+                *error = QStringLiteral("--max-response needs a size in MiB (1 to 4096), got '%1'").arg(v);
+                return false;
+            }
+            result.maxResponseBytes = mib << 20;
+        } else if (arg == QLatin1String("--cache-quota")) {
+            if (!value(&v))
+                return false;
+            bool ok = false;
+            const qint64 mib = v.toLongLong(&ok);
+            if (!ok || mib <= 0 || mib > (qint64(1) << 20)) {
+                *error = QStringLiteral("--cache-quota needs a size in MiB (1 or more), got '%1'").arg(v);
+                return false;
+            }
+            result.cacheQuotaBytes = mib << 20;
         } else if (arg == QLatin1String("--script-arg")) {
             if (!value(&v))
                 return false;
@@ -118,7 +170,8 @@ QString HostOptions::helpText(const QString& programName)
                "  page.json     a page description (below)\n"
                "  URL           an http(s) URL of a page.json, of a .ui (its script is the same URL ending\n"
                "                in .js, which must exist), or of a folder (URL/page.json is fetched).\n"
-               "                Remote files go through the library's URL cache and cookie jar.\n"
+               "                Remote files go through the library's URL cache and cookie jar. A remote\n"
+               "                page runs only when its origin is a trusted controller (--trust).\n"
                "page.json:  {\"form\": \"my.ui\", \"script\": \"my.js\" or [\"a.js\", \"b.js\"], \"title\": "
                "\"Window title\"}\n"
                "            file names are relative to page.json; \"script\" and \"title\" may be left out.\n"
@@ -133,6 +186,21 @@ QString HostOptions::helpText(const QString& programName)
                "  --timeout MS          headless: fail (exit code 3) when still busy after MS ms (default "
                "60000)\n"
                "  --script-arg KEY=VAL  pass a value to the script as host.args.KEY (repeatable)\n"
+               "  --trust URL           trust the controller at URL (http://HOST[:PORT], HOST[:PORT] or "
+               "HOST):\n"
+               "                        its pages get the controls (repeatable; also the user setting\n"
+               "                        Security/TrustedControllers)\n"
+               "  --automation          give the script host's input, screenshot and exit functions in a\n"
+               "                        run on screen (headless runs always have them)\n"
+               "  --screenshot-dir DIR  host.screenshot(file) writes only below DIR (without it, not at "
+               "all)\n"
+               "  --overwrite-screenshots  host.screenshot() may replace existing files\n"
+               "  --screenshot-quota N  at most N host.screenshot() files per run (default 100)\n"
+               "  --script-limit MS     stop a script that runs MS ms without returning (default 5000, 0: "
+               "never)\n"
+               "  --max-response MIB    refuse XMLHttpRequest responses larger than MIB MiB (default 64)\n"
+               "  --cache-quota MIB     fetch no more controller files once the cache folder holds MIB MiB\n"
+               "                        (default 1024)\n"
                "  --list-classes        list the classes a script can create, and exit\n"
                "  --describe CLASS|all  print properties, methods, events and SetProperty keys, and exit\n"
                "                        (--format text|markdown, --output FILE)\n"
@@ -154,14 +222,17 @@ QString HostOptions::helpText(const QString& programName)
                "  host.move(w, x, y), host.release(w, x, y[, button]), host.drag(w, x1, y1, x2, y2[, "
                "button]),\n"
                "  host.wheel(w, x, y, steps), host.key(w, \"Ctrl+A\"), host.type(w, \"text\"),\n"
-               "  host.wait(ms), host.screenshot(\"file.png\"), host.exit(code),\n"
+               "  host.wait(ms), host.screenshot(\"file.png\"), host.exit(code)  (input, screenshot and "
+               "exit\n"
+               "      only headless or with --automation)\n"
                "  host.args, host.headless, host.pageUrl, host.window\n"
                "      (x, y in the widget's own pixels; button \"left\", \"right\" or \"middle\";\n"
                "       positive wheel steps turn the wheel away from the user)\n"
                "\n"
                "Script errors are printed as FILE:LINE: MESSAGE.\n"
                "Exit codes: 0 done, 1 page not loadable or bad command line or screenshot not written,\n"
-               "  2 script error, 3 headless run timed out, N from host.exit(N).\n")
+               "  2 script error, 3 headless run timed out, 4 page from an untrusted origin, N from "
+               "host.exit(N).\n")
         .arg(programName);
 }
 

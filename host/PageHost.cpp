@@ -1,18 +1,24 @@
 #include "host/PageHost.h"
 
+#include "frame/PageTrust.h"
 #include "host/FormLoader.h"
 #include "host/HostAutomation.h"
 #include "host/PageSource.h"
 #include "host/ScriptRuntime.h"
 #include "host/ScriptTimers.h"
+#include "host/ScriptWatchdog.h"
+#include "transfer/TransferCache.h"
 
 #include <QCoreApplication>
+#include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
 #include <QJSEngine>
+#include <QLabel>
 #include <QPixmap>
 #include <QTest>
+#include <QTextBrowser>
 #include <QVariantMap>
 
 #include <cstdio>
@@ -43,12 +49,66 @@ QString engineUrl(const QString& name)
     return QUrl::fromLocalFile(name).toString();
 }
 
+// The URL of a page named on the command line when it is a web address.
+QUrl remotePage(const QString& page)
+{
+    const QUrl url(page);
+    const QString scheme = url.scheme().toLower();
+    return scheme == QLatin1String("http") || scheme == QLatin1String("https") ? url : QUrl();
+}
+
+// Widget properties a controller's form does not set: they read local files or hand links to the
+// desktop's programs.
+const QStringList kDroppedRemoteProperties{QStringLiteral("source"), QStringLiteral("openExternalLinks"),
+                                           QStringLiteral("openLinks"), QStringLiteral("searchPaths")};
+
+// Schemes whose links would otherwise go to the desktop's programs.
+const QStringList kLinkSchemes{
+    QStringLiteral("http"),   QStringLiteral("https"),  QStringLiteral("file"), QStringLiteral("ftp"),
+    QStringLiteral("mailto"), QStringLiteral("data"),   QStringLiteral("smb"),  QStringLiteral("sftp"),
+    QStringLiteral("ssh"),    QStringLiteral("telnet"), QStringLiteral("tel"),  QStringLiteral("vnc"),
+    QStringLiteral("rdp"),    QStringLiteral("irc"),    QStringLiteral("news"), QStringLiteral("javascript")};
+
+// The first folder of `path` (itself or above) that exists.
+QString existingAncestor(QString path)
+{
+    while (!QFileInfo::exists(path)) {
+        const QString up = QFileInfo(path).absolutePath();
+        if (up == path)
+            break;
+        path = up;
+    }
+    return path;
+}
+
+bool isBelow(const QString& path, const QString& root)
+{
+    return path == root || path.startsWith(root + QLatin1Char('/'));
+}
+
 } // namespace
 
 PageHost::PageHost(const HostOptions& options, QObject* parent) : QObject(parent), m_options(options)
 {
     m_engine = std::make_unique<QJSEngine>();
     m_manager = m_network.create(this);
+    PageTrust::reset();
+    PageTrust::addTrustedControllersFromSettings();
+    for (const QString& entry : options.trusted)
+        if (!PageTrust::addTrustedController(entry))
+            note(QStringLiteral(
+                     "--trust %1: not a controller address (http://HOST[:PORT], HOST[:PORT] or HOST)")
+                     .arg(entry));
+    m_watchdog = new ScriptWatchdog(
+        m_engine.get(), options.scriptLimitMs, [this] { return !m_finishing; }, this);
+    connect(m_watchdog, &ScriptWatchdog::interrupted, this, [this](int ms) {
+        note(QStringLiteral(
+                 "a script ran %1 ms without returning and was stopped (limit %2 ms, --script-limit)")
+                 .arg(ms)
+                 .arg(m_watchdog->limitMs()));
+    });
+    TransferCache::setQuotaBytes(options.cacheQuotaBytes);
+    installUrlHandlers();
     if (!g_current) {
         g_current = this;
         g_previousHandler = qInstallMessageHandler(&PageHost::messageHandler);
@@ -64,7 +124,7 @@ PageHost::PageHost(const HostOptions& options, QObject* parent) : QObject(parent
 
     HostAutomation::Callbacks callbacks;
     callbacks.screenshot = [this](const QString& path, QString* error) {
-        return writeScreenshot(path, error);
+        return writeScriptScreenshot(path, error);
     };
     callbacks.exit = [this](int code) { requestExit(code); };
     callbacks.exiting = [this] { return m_finishing; };
@@ -86,6 +146,8 @@ PageHost::PageHost(const HostOptions& options, QObject* parent) : QObject(parent
 PageHost::~PageHost()
 {
     // Script values die before their engine, the engine before the widgets it refers to.
+    m_watchdog->stop();
+    removeUrlHandlers();
     m_timers->stopAll();
     m_runtime->cancelRequests();
     if (g_current == this) {
@@ -136,7 +198,43 @@ void PageHost::start()
             requestExit(ExitTimedOut);
         });
     }
+    const QUrl remote = remotePage(m_options.page);
+    if (remote.isValid() && !PageTrust::isTrustedOrigin(remote)) {
+        refuseUntrusted(remote);
+        return;
+    }
     m_source->load(m_options.page);
+}
+
+void PageHost::refuseUntrusted(const QUrl& url)
+{
+    const QString origin = PageTrust::originOf(url);
+    note(QStringLiteral("%1 is not a trusted controller: its page is not run. Trust the controller with "
+                        "--trust %1, or list it in the user settings (%2/%3)")
+             .arg(origin, PageTrust::kSettingsSection, PageTrust::kSettingsKey));
+    requestExit(ExitUntrusted);
+}
+
+void PageHost::installUrlHandlers()
+{
+    for (const QString& scheme : kLinkSchemes) {
+        QDesktopServices::setUrlHandler(scheme, this, "refuseUrl");
+        m_urlSchemes << scheme;
+    }
+}
+
+void PageHost::removeUrlHandlers()
+{
+    for (const QString& scheme : std::as_const(m_urlSchemes))
+        QDesktopServices::unsetUrlHandler(scheme);
+    m_urlSchemes.clear();
+}
+
+void PageHost::refuseUrl(const QUrl& url)
+{
+    note(
+        QStringLiteral("the page asked to open %1 with a program of the desktop; pages cannot start programs")
+            .arg(url.toString(QUrl::RemoveUserInfo)));
 }
 
 void PageHost::loadFailed(const QString& message)
@@ -149,7 +247,28 @@ void PageHost::onLoaded(const PageFiles& files)
 {
     if (m_finishing)
         return;
+    // A redirect may have led the page elsewhere: its final address is the one trusted or not.
+    if (!PageTrust::isTrustedOrigin(files.pageUrl)) {
+        refuseUntrusted(files.pageUrl);
+        return;
+    }
+    // A controller's page brings its form and scripts from trusted controllers only.
+    if (!files.pageUrl.isLocalFile()) {
+        QList<QUrl> parts{files.formUrl};
+        for (const PageScript& script : files.scripts)
+            parts << script.url;
+        for (const QUrl& part : std::as_const(parts)) {
+            if (part.isLocalFile() || !PageTrust::isTrustedOrigin(part)) {
+                refuseUntrusted(part);
+                return;
+            }
+        }
+    }
+    PageTrust::setPage(files.pageUrl);
+    const bool remote = !files.pageUrl.isLocalFile();
     FormLoader loader;
+    if (remote)
+        loader.setDroppedProperties(kDroppedRemoteProperties);
     if (!files.workingDirectory.isEmpty())
         loader.setWorkingDirectory(QDir(files.workingDirectory));
     QWidget* root = loader.loadForm(files.form);
@@ -161,12 +280,30 @@ void PageHost::onLoaded(const PageFiles& files)
         return;
     }
     m_window.reset(root);
+    if (remote) {
+        // Links of a controller's page never leave the page.
+        QList<QWidget*> widgets = root->findChildren<QWidget*>();
+        widgets << root;
+        for (QWidget* w : std::as_const(widgets)) {
+            if (auto* label = qobject_cast<QLabel*>(w))
+                label->setOpenExternalLinks(false);
+            if (auto* browser = qobject_cast<QTextBrowser*>(w)) {
+                browser->setOpenExternalLinks(false);
+                browser->setOpenLinks(false);
+            }
+        }
+    }
     if (!files.title.isEmpty())
         root->setWindowTitle(files.title);
     else if (root->windowTitle().isEmpty())
         root->setWindowTitle(QFileInfo(files.formUrl.path()).completeBaseName());
     m_runtime->setPageWindow(root);
-    m_runtime->setNetwork(m_manager, files.pageUrl);
+    m_runtime->setRestricted(remote);
+    RequestPolicy policy;
+    policy.pageUrl = files.pageUrl;
+    policy.localPage = !remote;
+    policy.maxResponseBytes = m_options.maxResponseBytes;
+    m_runtime->setNetwork(m_manager, policy);
     m_automation->setPageWindow(root);
     m_automation->setPageUrl(files.pageUrl.toString(QUrl::RemoveUserInfo));
 
@@ -177,11 +314,22 @@ void PageHost::onLoaded(const PageFiles& files)
         return;
 
     m_runtime->exposeGlobal(kRuntimeGlobal, m_runtime);
-    m_runtime->exposeGlobal(QStringLiteral("host"), m_automation);
     m_scriptNames.insert(engineUrl(kBootstrapFile), kBootstrapFile);
     const QJSValue boot = m_engine->evaluate(ScriptRuntime::bootstrapScript(kRuntimeGlobal), kBootstrapFile);
-    if (boot.isError())
+    m_engine->globalObject().deleteProperty(kRuntimeGlobal);
+    if (boot.isError()) {
         reportError(boot, QString());
+        loadFailed(QStringLiteral("the host's script did not start"));
+        return;
+    }
+    m_runtime->setHelpers(boot);
+    QJSValue window = m_runtime->scriptValue(root);
+    if (window.isUndefined())
+        window = QJSValue(QJSValue::NullValue);
+    // Input, screenshots and the end of the run are for runs without a user, or when asked for.
+    const bool automation = m_options.headless || m_options.automation;
+    m_engine->globalObject().setProperty(QStringLiteral("host"),
+                                         m_runtime->hostValue(m_automation, automation, window));
     exposeForm(loader);
     runScripts(files);
 }
@@ -206,7 +354,10 @@ void PageHost::exposeForm(const FormLoader& loader)
                      .arg(name));
             continue;
         }
-        m_runtime->exposeGlobal(name, widget);
+        if (!m_runtime->exposeGlobal(name, widget))
+            note(QStringLiteral("%1 (%2) is not scriptable from a controller's page; it is not given to "
+                                "the script")
+                     .arg(name, created.className));
     }
 }
 
@@ -216,12 +367,14 @@ void PageHost::runScripts(const PageFiles& files)
         m_scriptNames.insert(engineUrl(evaluationName(script.url)), PageSource::displayUrl(script.url));
     if (!files.scripts.isEmpty())
         m_firstScript = engineUrl(evaluationName(files.scripts.first().url));
+    m_watchdog->start();
     for (const PageScript& script : files.scripts) {
         if (m_finishing)
             return;
         const QJSValue result = m_engine->evaluate(script.text, evaluationName(script.url), 1);
         if (result.isError())
             reportError(result, engineUrl(evaluationName(script.url)));
+        m_watchdog->resume();
     }
     m_scriptsDone = true;
     if (m_finishing)
@@ -263,6 +416,14 @@ void PageHost::reportError(const QString& file, int line, const QString& message
 {
     if (m_finishing)
         return;
+    // A stopped script has returned with this error: the next one may run.
+    m_watchdog->resume();
+    if (message == QLatin1String("Error: Interrupted")) {
+        reportError(file, line,
+                    QStringLiteral("Error: stopped, it ran longer than %1 ms (--script-limit)")
+                        .arg(m_watchdog->limitMs()));
+        return;
+    }
     ++m_errorCount;
     const QString where = m_scriptNames.value(file, file);
     const QString text = QStringLiteral("%1:%2: %3")
@@ -334,6 +495,42 @@ bool PageHost::writeScreenshot(const QString& path, QString* error)
                 QDir::toNativeSeparators(info.absoluteFilePath()).toLocal8Bit().constData(), image.width(),
                 image.height());
     std::fflush(stdout);
+    return true;
+}
+
+bool PageHost::writeScriptScreenshot(const QString& path, QString* error)
+{
+    if (m_options.screenshotDir.isEmpty()) {
+        *error = QStringLiteral("no folder for screenshots was named on the command line (--screenshot-dir)");
+        return false;
+    }
+    if (m_screenshotsTaken >= m_options.screenshotQuota) {
+        *error = QStringLiteral("the run's %1 screenshots are taken (--screenshot-quota)")
+                     .arg(m_options.screenshotQuota);
+        return false;
+    }
+    if (!QDir().mkpath(m_options.screenshotDir)) {
+        *error = QStringLiteral("cannot create the folder %1")
+                     .arg(QDir::toNativeSeparators(m_options.screenshotDir));
+        return false;
+    }
+    const QString root = QFileInfo(m_options.screenshotDir).canonicalFilePath();
+    const QString target = QDir::cleanPath(QDir(root).absoluteFilePath(path));
+    const QString folder = QFileInfo(target).absolutePath();
+    // Below the folder by name, and by where its existing part really leads (links included).
+    if (!isBelow(folder, root) || target == root ||
+        !isBelow(QFileInfo(existingAncestor(folder)).canonicalFilePath(), root)) {
+        *error = QStringLiteral("%1 is outside the screenshot folder").arg(path);
+        return false;
+    }
+    const QFileInfo info(target);
+    if (info.isSymLink() || (info.exists() && !m_options.overwriteScreenshots)) {
+        *error = QStringLiteral("%1 exists; it is not replaced (--overwrite-screenshots)").arg(path);
+        return false;
+    }
+    if (!writeScreenshot(target, error))
+        return false;
+    ++m_screenshotsTaken;
     return true;
 }
 

@@ -26,6 +26,7 @@ class HostAutomation;
 class PageSource;
 class ScriptRuntime;
 class ScriptTimers;
+class ScriptWatchdog;
 struct PageFiles;
 
 class PageHost : public QObject
@@ -46,6 +47,12 @@ public:
     int scriptErrorCount() const { return m_errorCount; }
     bool isFinishing() const { return m_finishing; }
     bool writeScreenshot(const QString& path, QString* error);
+    // host.screenshot(): only below --screenshot-dir, never over an existing file unless the
+    // command line allows it, and at most --screenshot-quota files per run.
+    bool writeScriptScreenshot(const QString& path, QString* error);
+
+    // The desktop's programs are never started for a link of a page; the host says so instead.
+    Q_INVOKABLE void refuseUrl(const QUrl& url);
 
 Q_SIGNALS:
     void finished(int exitCode);
@@ -56,6 +63,9 @@ Q_SIGNALS:
 private:
     void onLoaded(const PageFiles& files);
     void loadFailed(const QString& message);
+    void refuseUntrusted(const QUrl& url);
+    void installUrlHandlers();
+    void removeUrlHandlers();
     void exposeForm(const FormLoader& loader);
     void runScripts(const PageFiles& files);
     void reportError(const QJSValue& error, const QString& fallbackFile);
@@ -77,6 +87,9 @@ private:
     ScriptRuntime* m_runtime = nullptr;
     HostAutomation* m_automation = nullptr;
     PageSource* m_source = nullptr;
+    ScriptWatchdog* m_watchdog = nullptr;
+    QStringList m_urlSchemes;
+    int m_screenshotsTaken = 0;
     QString m_firstScript;
     // The names the engine gives the page's scripts, and the names to show for them.
     QMap<QString, QString> m_scriptNames;

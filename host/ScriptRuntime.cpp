@@ -4,6 +4,7 @@
 #include "frame/ObjectSafety.h"
 #include "host/ScriptTimers.h"
 #include "host/ScriptXmlHttpRequest.h"
+#include "host/WidgetAllowList.h"
 
 #include <QJSEngine>
 #include <QLayout>
@@ -16,16 +17,17 @@ ScriptRuntime::ScriptRuntime(QJSEngine* engine, ScriptTimers* timers, QObject* p
     : QObject(parent), m_engine(engine), m_timers(timers)
 {}
 
-void ScriptRuntime::setNetwork(QNetworkAccessManager* network, const QUrl& pageUrl)
+void ScriptRuntime::setNetwork(QNetworkAccessManager* network, const RequestPolicy& policy)
 {
     m_network = network;
-    m_pageUrl = pageUrl;
+    m_policy = policy;
 }
 
 QJSValue ScriptRuntime::createRequest()
 {
-    auto* request = new ScriptXmlHttpRequest(m_engine, m_network, m_pageUrl, m_pageUrl.isLocalFile());
+    auto* request = new ScriptXmlHttpRequest(m_engine, m_network, m_policy);
     connect(request, &ScriptXmlHttpRequest::callbackFailed, this, &ScriptRuntime::callbackFailed);
+    connect(request, &ScriptXmlHttpRequest::refused, this, &ScriptRuntime::message);
     QJSEngine::setObjectOwnership(request, QJSEngine::JavaScriptOwnership);
     m_requests.removeAll(nullptr);
     m_requests << request;
@@ -63,10 +65,35 @@ QString ScriptRuntime::refusalMessage(const QString& name, const QString& classN
         .arg(name.isEmpty() ? QStringLiteral("an object") : name, className);
 }
 
-void ScriptRuntime::exposeGlobal(const QString& name, QObject* object)
+QJSValue ScriptRuntime::scriptValue(QObject* object)
 {
+    if (!object)
+        return QJSValue(QJSValue::NullValue);
     QJSEngine::setObjectOwnership(object, QJSEngine::CppOwnership);
-    m_engine->globalObject().setProperty(name, m_engine->newQObject(object));
+    const QJSValue raw = m_engine->newQObject(object);
+    if (!m_restricted || qobject_cast<IObjectSafety*>(object) || !object->isWidgetType())
+        return raw;
+    const QString listed = WidgetAllowList::listedClass(object);
+    if (listed.isEmpty())
+        return QJSValue();
+    return m_helpers.property(QStringLiteral("wrap"))
+        .call({raw, m_engine->toScriptValue(WidgetAllowList::describe(listed))});
+}
+
+QJSValue ScriptRuntime::hostValue(QObject* automationObject, bool automation, const QJSValue& window)
+{
+    QJSEngine::setObjectOwnership(automationObject, QJSEngine::CppOwnership);
+    return m_helpers.property(QStringLiteral("host"))
+        .call({m_engine->newQObject(automationObject), QJSValue(automation), window});
+}
+
+bool ScriptRuntime::exposeGlobal(const QString& name, QObject* object)
+{
+    const QJSValue value = scriptValue(object);
+    if (value.isUndefined())
+        return false;
+    m_engine->globalObject().setProperty(name, value);
+    return true;
 }
 
 QJSValue ScriptRuntime::createObject(const QString& className, QObject* parent)
@@ -136,8 +163,52 @@ QString ScriptRuntime::bootstrapScript(const QString& runtimeName)
 {
     return QStringLiteral(R"JS((function (rt) {
   var slice = Array.prototype.slice;
+  // Stand-ins of Qt's widgets for a controller's page, and the widgets behind them; the widgets
+  // themselves never reach the page.
+  var behind = new WeakMap();
+  function unwrap(value) {
+    return (value !== null && typeof value === "object" && behind.has(value)) ? behind.get(value) : value;
+  }
+  function wrap(raw, members) {
+    var standIn = {};
+    members.readOnly.forEach(function (name) {
+      Object.defineProperty(standIn, name, { enumerable: true, get: function () { return raw[name]; } });
+    });
+    members.readWrite.forEach(function (name) {
+      Object.defineProperty(standIn, name, { enumerable: true, get: function () { return raw[name]; },
+                                             set: function (v) { raw[name] = v; } });
+    });
+    members.methods.forEach(function (name) {
+      standIn[name] = function () { return raw[name].apply(raw, slice.call(arguments).map(unwrap)); };
+    });
+    members.signals.forEach(function (name) {
+      Object.defineProperty(standIn, name, { enumerable: true, get: function () { return raw[name]; } });
+    });
+    standIn.toString = function () { return members.className + "(name = \"" + raw.objectName + "\")"; };
+    Object.freeze(standIn);
+    behind.set(standIn, raw);
+    return standIn;
+  }
+  function makeHost(raw, automation, window) {
+    var h = {};
+    ["args", "headless", "pageUrl"].forEach(function (name) {
+      Object.defineProperty(h, name, { enumerable: true, get: function () { return raw[name]; } });
+    });
+    h.window = window;
+    h.wait = function (ms) { return raw.wait(ms); };
+    if (automation) {
+      ["click", "doubleClick", "press", "release", "move", "drag", "wheel", "key", "type"].forEach(
+        function (name) {
+          h[name] = function () { return raw[name].apply(raw, slice.call(arguments).map(unwrap)); };
+        });
+      h.screenshot = function () { return raw.screenshot.apply(raw, arguments); };
+      h.exit = function () { return raw.exit.apply(raw, arguments); };
+    }
+    return Object.freeze(h);
+  }
+
   createObject = function (className, parent) {
-    return rt.createObject(String(className), parent === undefined ? null : parent);
+    return rt.createObject(String(className), parent === undefined ? null : unwrap(parent));
   };
   setTimeout = function (fn, ms) { return rt.setTimer(fn, ms, false, slice.call(arguments, 2)); };
   setInterval = function (fn, ms) { return rt.setTimer(fn, ms, true, slice.call(arguments, 2)); };
@@ -179,6 +250,7 @@ QString ScriptRuntime::bootstrapScript(const QString& runtimeName)
     warn: function () { rt.print(1, text(arguments)); },
     error: function () { rt.print(1, text(arguments)); }
   };
+  return { wrap: wrap, host: makeHost };
 })(%1);
 )JS")
         .arg(runtimeName);

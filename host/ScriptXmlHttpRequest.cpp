@@ -1,5 +1,7 @@
 #include "host/ScriptXmlHttpRequest.h"
 
+#include "frame/PageTrust.h"
+
 #include <QEventLoop>
 #include <QJSEngine>
 #include <QNetworkAccessManager>
@@ -34,6 +36,8 @@ bool isForbiddenHeader(const QByteArray& lower)
                                              "date",
                                              "expect",
                                              "host",
+                                             "origin",
+                                             "referer",
                                              "keep-alive",
                                              "te",
                                              "trailer",
@@ -46,8 +50,8 @@ bool isForbiddenHeader(const QByteArray& lower)
 } // namespace
 
 ScriptXmlHttpRequest::ScriptXmlHttpRequest(QJSEngine* engine, QNetworkAccessManager* network,
-                                           const QUrl& base, bool allowLocalFiles, QObject* parent)
-    : QObject(parent), m_engine(engine), m_network(network), m_base(base), m_allowLocalFiles(allowLocalFiles)
+                                           const RequestPolicy& policy, QObject* parent)
+    : QObject(parent), m_engine(engine), m_network(network), m_policy(policy)
 {
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, &ScriptXmlHttpRequest::onTimeout);
@@ -120,7 +124,7 @@ void ScriptXmlHttpRequest::open(const QString& method, const QString& url, const
         return;
     }
     static const QStringList normalised{"DELETE", "GET", "HEAD", "OPTIONS", "POST", "PUT", "PATCH"};
-    QUrl target = m_base.resolved(QUrl(url));
+    QUrl target = m_policy.pageUrl.resolved(QUrl(url));
     if (!target.isValid()) {
         m_engine->throwError(QJSValue::SyntaxError,
                              QStringLiteral("XMLHttpRequest.open: \"%1\" is not a URL").arg(url));
@@ -129,9 +133,16 @@ void ScriptXmlHttpRequest::open(const QString& method, const QString& url, const
     const QString scheme = target.scheme().toLower();
     const bool file = scheme == QLatin1String("file");
     if (!(scheme == QLatin1String("http") || scheme == QLatin1String("https") ||
-          (file && m_allowLocalFiles))) {
+          (file && m_policy.localPage))) {
         m_engine->throwError(QStringLiteral("XMLHttpRequest.open: %1 URLs cannot be opened from this page")
                                  .arg(scheme.isEmpty() ? QStringLiteral("scheme-less") : scheme));
+        return;
+    }
+    if (!m_policy.localPage && !PageTrust::sameOrigin(target, m_policy.pageUrl) &&
+        !PageTrust::isTrustedOrigin(target)) {
+        m_engine->throwError(QStringLiteral("SecurityError: XMLHttpRequest.open: %1 is another origin than "
+                                            "the page's and not a trusted controller")
+                                 .arg(PageTrust::originOf(target)));
         return;
     }
     if (!user.isUndefined() && !user.isNull())
@@ -164,6 +175,8 @@ void ScriptXmlHttpRequest::setRequestHeader(const QString& name, const QString& 
     }
     const QByteArray key = name.toLatin1();
     if (isForbiddenHeader(key.toLower()))
+        return;
+    if (key.compare("authorization", Qt::CaseInsensitive) == 0 && crossOrigin())
         return;
     for (auto& [existing, existingValue] : m_requestHeaders) {
         if (existing.compare(key, Qt::CaseInsensitive) == 0) {
@@ -199,7 +212,10 @@ void ScriptXmlHttpRequest::send(const QJSValue& body)
                                   QByteArrayLiteral("text/plain;charset=UTF-8"));
         }
     }
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    // A controller's page is not led to another origin by a redirect.
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         m_policy.localPage ? QNetworkRequest::NoLessSafeRedirectPolicy
+                                            : QNetworkRequest::SameOriginRedirectPolicy);
 
     m_sent = true;
     m_keepAlive = self();
@@ -290,7 +306,34 @@ void ScriptXmlHttpRequest::onMetaData()
     }
     m_responseHeaders = m_reply->rawHeaderPairs();
     m_responseUrl = m_reply->url();
+    const QVariant length = m_reply->header(QNetworkRequest::ContentLengthHeader);
+    if (length.isValid() && overLimit(length.toLongLong()))
+        return;
     setState(HeadersReceived);
+}
+
+bool ScriptXmlHttpRequest::crossOrigin() const
+{
+    return !m_policy.localPage && !PageTrust::sameOrigin(m_url, m_policy.pageUrl);
+}
+
+bool ScriptXmlHttpRequest::overLimit(qint64 more)
+{
+    if (m_body.size() + more <= m_policy.maxResponseBytes)
+        return false;
+    const QString url = m_url.toString(QUrl::RemoveUserInfo);
+    dropReply();
+    resetResponse();
+    QJSValue keep = m_keepAlive;
+    m_keepAlive = QJSValue();
+    Q_EMIT refused(
+        QStringLiteral("XMLHttpRequest: the response of %1 is larger than %2 bytes; it was refused")
+            .arg(url)
+            .arg(m_policy.maxResponseBytes));
+    setState(Done);
+    fire(QStringLiteral("error"));
+    fire(QStringLiteral("loadend"));
+    return true;
 }
 
 void ScriptXmlHttpRequest::onReadyRead()
@@ -298,7 +341,9 @@ void ScriptXmlHttpRequest::onReadyRead()
     if (!m_reply)
         return;
     onMetaData();
-    if (m_state < HeadersReceived)
+    if (!m_reply || m_state < HeadersReceived)
+        return;
+    if (overLimit(m_reply->bytesAvailable()))
         return;
     m_body += m_reply->readAll();
     setState(Loading);
@@ -312,7 +357,11 @@ void ScriptXmlHttpRequest::onFinished()
         return;
     m_timer.stop();
     onMetaData();
+    if (!m_reply)
+        return; // refused as too large
     const bool answered = m_state >= HeadersReceived;
+    if (answered && overLimit(reply->bytesAvailable()))
+        return;
     if (answered)
         m_body += reply->readAll();
     m_reply = nullptr;

@@ -6,6 +6,11 @@
 // onloadend, and addEventListener/removeEventListener (added by the host's JavaScript wrapper).
 // Relative URLs resolve against the page's URL. A synchronous request (open(..., false)) waits
 // with the event loop running.
+//
+// A page from a controller follows the browsers' same-origin rule: requests to its own origin go
+// freely, to another origin only when that origin is a trusted controller; Origin, Referer and
+// the like are never set by the page, nor Authorization for another origin. Every response body
+// is limited in size; a larger one ends the request with an error.
 
 #include <QByteArray>
 #include <QJSValue>
@@ -21,6 +26,14 @@ class QNetworkAccessManager;
 class QNetworkReply;
 
 namespace nxr {
+
+// What a page's requests may do; the host fills it from the page's origin and its options.
+struct RequestPolicy
+{
+    QUrl pageUrl;          // relative URLs resolve against it
+    bool localPage = true; // a page from disk: local files readable, no origin rule
+    qint64 maxResponseBytes = qint64(64) << 20;
+};
 
 class ScriptXmlHttpRequest : public QObject
 {
@@ -43,9 +56,8 @@ class ScriptXmlHttpRequest : public QObject
 public:
     enum State { Unsent = 0, Opened = 1, HeadersReceived = 2, Loading = 3, Done = 4 };
 
-    // `base` resolves relative URLs; `allowLocalFiles` lets a page loaded from disk read files.
-    ScriptXmlHttpRequest(QJSEngine* engine, QNetworkAccessManager* network, const QUrl& base,
-                         bool allowLocalFiles, QObject* parent = nullptr);
+    ScriptXmlHttpRequest(QJSEngine* engine, QNetworkAccessManager* network, const RequestPolicy& policy,
+                         QObject* parent = nullptr);
     ~ScriptXmlHttpRequest() override;
 
     int readyState() const { return m_state; }
@@ -81,12 +93,17 @@ public:
 Q_SIGNALS:
     // A handler threw; `error` is what it threw.
     void callbackFailed(const QJSValue& error);
+    // The host's note on a refused request or response.
+    void refused(const QString& text);
 
 private:
     void onMetaData();
     void onReadyRead();
     void onFinished();
     void onTimeout();
+    // Ends the request with an error when the response body would pass the limit.
+    bool overLimit(qint64 more);
+    bool crossOrigin() const;
     void setState(State state);
     void fire(const QString& type);
     void finish(const QString& endEvent);
@@ -96,8 +113,7 @@ private:
 
     QJSEngine* m_engine;
     QNetworkAccessManager* m_network;
-    QUrl m_base;
-    bool m_allowLocalFiles;
+    RequestPolicy m_policy;
     // While a request is under way the script object is held here, so neither it nor its
     // handlers are collected when the page keeps no reference.
     QJSValue m_keepAlive;

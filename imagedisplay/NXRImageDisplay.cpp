@@ -2,6 +2,7 @@
 
 #include "frame/ClassRegistry.h"
 #include "frame/Globals.h"
+#include "frame/PageTrust.h"
 #include "frame/Trace.h"
 #include "imagedisplay/DisplayEditHost.h"
 #include "imagedisplay/DisplayLayout.h"
@@ -627,7 +628,7 @@ void NXRImageDisplay::LoadLocalImage(const QString& vstr_FilePath)
         NXR_TRACE(kClass, QStringLiteral("LoadLocalImage"),
                   QStringLiteral("Entered, vstr_FilePath = ") + vstr_FilePath);
         const QFileInfo info(vstr_FilePath);
-        if (!info.isFile())
+        if (!nxr::PageTrust::mayReadLocalFile(vstr_FilePath) || !info.isFile())
             throw Failure(QStringLiteral("file ") + vstr_FilePath + QStringLiteral(" does not exist"));
         QImage image;
         try {

@@ -42,6 +42,6 @@ shots="$root/out/demo"
 mkdir -p "$shots"
 echo "No display: running the page headless under Xvfb"
 QT_QPA_PLATFORM=xcb xvfb-run -a -s "-screen 0 1600x1200x24" "$host_exe" --headless \
-  --script-arg shots="$shots" --screenshot "$shots/final.png" "${args[@]}" "$@" "$page"
+  --screenshot-dir "$shots" --overwrite-screenshots --script-arg shots="$shots" --screenshot "$shots/final.png" "${args[@]}" "$@" "$page"
 echo "Screenshots written to $shots:"
 ls -1 "$shots"

@@ -1,5 +1,6 @@
 #include "transfer/ConnectionPool.h"
 
+#include "frame/PageTrust.h"
 #include "frame/Trace.h"
 
 #include <QCoreApplication>
@@ -37,6 +38,10 @@ std::shared_ptr<ControllerClient> ConnectionPool::getClient(const QString& poolK
               QStringLiteral("Entered, key=") + poolKey + QStringLiteral(", server=") + server);
     if (server.isEmpty())
         return nullptr;
+    if (!PageTrust::mayReachServer(server)) {
+        errorTrace(kModule, routine, QStringLiteral("not a trusted controller of this page: ") + server);
+        return nullptr;
+    }
     if (!m_initialised) {
         for (Slot& slot : m_slots)
             slot = Slot{};

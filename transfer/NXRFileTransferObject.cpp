@@ -3,6 +3,7 @@
 #include "frame/ClassRegistry.h"
 #include "frame/Conversions.h"
 #include "frame/Globals.h"
+#include "frame/PageTrust.h"
 #include "frame/Trace.h"
 #include "transfer/ConnectionPool.h"
 #include "transfer/ControllerPaths.h"
@@ -239,6 +240,7 @@ bool NXRFileTransferObject::copyFileBody(const QString& server, const QString& f
                                          const QString& password, const QString& newFilename)
 {
     const QString routine = QStringLiteral("CopyFile");
+    nxr::PageTrust::requireServer(server);
     ControllerClient::checkLine(filePath, "controller path");
     const QString local = localPathFor(filePath, newFilename);
     m_lastLocalPath = local;
@@ -246,6 +248,7 @@ bool NXRFileTransferObject::copyFileBody(const QString& server, const QString& f
         trace(routine, local + QStringLiteral(" already exists"));
         return true;
     }
+    nxr::TransferCache::requireRoom();
     const QString host = nxr::HostFromServer(server);
     dropRetiredClient();
     if (!m_client) {
@@ -326,6 +329,10 @@ bool NXRFileTransferObject::connectRobotImpl(const QString& poolKey, const QStri
 {
     const QString routine = QStringLiteral("ConnectRobot");
     trace(routine, QStringLiteral("Connecting robot..."));
+    if (!nxr::PageTrust::mayReachServer(server)) {
+        *error = server + QStringLiteral(" is not a trusted controller of this page");
+        return false;
+    }
     m_poolKey = poolKey;
     dropRetiredClient();
     bool fresh = false;
@@ -461,6 +468,7 @@ bool NXRFileTransferObject::UploadFile(const QString& poolKey, const QString& pa
                        QString::number(retries));
     ControllerClient::checkLine(pathA, "local path");
     ControllerClient::checkLine(pathB, "controller path");
+    nxr::PageTrust::requireServer(server);
     if (!m_client || m_poolKey.isEmpty())
         m_poolKey = poolKey;
     m_server = server;

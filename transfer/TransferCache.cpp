@@ -5,6 +5,9 @@
 #include "transfer/ControllerPaths.h"
 
 #include <QDir>
+#include <QDirIterator>
+
+#include <atomic>
 
 namespace nxr::TransferCache {
 
@@ -14,6 +17,8 @@ QString& storedVersion()
     static QString version;
     return version;
 }
+
+std::atomic<qint64> g_quota{qint64(1) << 30};
 
 void ensureFolder(const QString& folder)
 {
@@ -59,6 +64,30 @@ bool overwriteForCurrentVersion()
         return true;
     }
     return dir.entryList(QDir::Files | QDir::NoDotAndDotDot).isEmpty();
+}
+
+qint64 quotaBytes()
+{
+    return g_quota;
+}
+
+void setQuotaBytes(qint64 bytes)
+{
+    g_quota = qMax<qint64>(0, bytes);
+}
+
+void requireRoom()
+{
+    const QString folder = folderFor(storedVersion());
+    qint64 used = 0;
+    QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
+    while (files.hasNext()) {
+        files.next();
+        used += files.fileInfo().size();
+    }
+    if (used >= g_quota)
+        throw Failure(
+            QStringLiteral("The local cache is full (%1 MiB)").arg(double(g_quota) / (1 << 20), 0, 'f', 1));
 }
 
 } // namespace nxr::TransferCache

@@ -5,6 +5,7 @@
 #include "frame/Export.h"
 
 #include <QString>
+#include <QtGlobal>
 
 namespace nxr::TransferCache {
 
@@ -24,5 +25,13 @@ NXR_EXPORT QString currentFolder();
 // Whether files for the current version must be fetched again: true without a version id, and
 // for a version whose folder is missing (it is created) or empty; false when it holds files.
 NXR_EXPORT bool overwriteForCurrentVersion();
+
+// The most the cache folder of the current version may hold before another file is fetched into
+// it: 1 GiB unless set (the page host sets it with --cache-quota). A page cannot fill the disk.
+NXR_EXPORT qint64 quotaBytes();
+NXR_EXPORT void setQuotaBytes(qint64 bytes);
+// Throws nxr::Failure("The local cache is full (<quota> MiB)") when the files of the current
+// version's folder take the quota or more.
+NXR_EXPORT void requireRoom();
 
 } // namespace nxr::TransferCache

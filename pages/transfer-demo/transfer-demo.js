@@ -79,6 +79,6 @@ cmd_Upload.clicked.connect(function () {
 if (host.headless || args.run === "all") {
     var ok = copyFile() && listFolder() && listDrives() && upload();
     show(ok ? "Copy, list, drives and upload done." : status.text);
-    if (!ok)
+    if (!ok && host.exit) // on screen the host's exit is there only with --automation
         host.exit(1);
 }

@@ -215,7 +215,12 @@ function selfCheck() {
     }
 }
 
-if (args.check === "1")
+// The self-check and the round drive the page through the host's automation, which a run on
+// screen has only with --automation.
+var automation = typeof host.click === "function";
+if ((args.check === "1" || args.demo === "1") && !automation)
+    status("The page's own round needs the host's automation: run it headless or with --automation");
+else if (args.check === "1")
     setTimeout(selfCheck, 200);
 else if (controller && (args.demo === "1" || host.headless))
     setTimeout(demoRound, 200);

@@ -2,20 +2,33 @@
 
 #include <QTcpSocket>
 
-TestHttpServer::TestHttpServer()
+TestHttpServer::TestHttpServer(const QHostAddress& address)
 {
-    m_server.listen(QHostAddress::LocalHost, 0);
+    m_server.listen(address, 0);
     connect(&m_server, &QTcpServer::newConnection, this, [this] {
         while (QTcpSocket* socket = m_server.nextPendingConnection()) {
+            ++m_connections;
             connect(socket, &QTcpSocket::readyRead, this, [this, socket] { serve(socket); });
             connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
         }
     });
 }
 
+namespace {
+
+QByteArray headerLines(const QMap<QByteArray, QByteArray>& headers)
+{
+    QByteArray lines;
+    for (auto it = headers.cbegin(); it != headers.cend(); ++it)
+        lines += it.key() + ": " + it.value() + "\n";
+    return lines;
+}
+
+} // namespace
+
 QString TestHttpServer::url(const QString& path) const
 {
-    return QStringLiteral("http://127.0.0.1:%1%2").arg(port()).arg(path);
+    return QStringLiteral("http://%1:%2%3").arg(m_server.serverAddress().toString()).arg(port()).arg(path);
 }
 
 void TestHttpServer::serve(QTcpSocket* socket)
@@ -38,12 +51,15 @@ void TestHttpServer::serve(QTcpSocket* socket)
     if (buffer.size() < headerEnd + 4 + length)
         return;
     socket->setProperty("buffer", QByteArray());
+    m_requests << QString::fromLatin1(method + ' ' + path);
 
     if (path == "/hang")
         return; // never answers
     Answer answer;
     if (path == "/echo")
         answer.body = method + " " + headers.value("x-test") + " " + buffer.mid(headerEnd + 4, length);
+    else if (path == "/headers")
+        answer.body = headerLines(headers);
     else if (path == "/cookie")
         answer.body = "cookie: " + headers.value("cookie");
     else

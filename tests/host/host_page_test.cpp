@@ -85,7 +85,7 @@ console.log("ok " + okClicks + " pad events " + padEvents + " text " + txt_Name.
 console.log("pad " + ctl_Pad.Log);
 host.screenshot("mid.png");
 )JS",
-                                       {"--screenshot", shot});
+                                       {"--screenshot", shot, "--screenshot-dir", runner.dir()});
     EXPECT_RUN(run, 0);
     EXPECT_EQ(lineStartingWith(run, "ok "), "ok 1 pad events 4 text Ab");
     // Positions arrive in the pad's own coordinates although it sits below two other widgets.
@@ -323,7 +323,8 @@ x.send();
                                       {"/site/", "Remote: lib"},
                                       {"/site/page.json", "Remote: lib"},
                                       {"/site/p.ui", "p: no lib"}}) {
-        const PageRun run = runner.run({"--headless", "--timeout", "20000", server.url(page)});
+        const PageRun run =
+            runner.run({"--headless", "--timeout", "20000", "--trust", server.url(""), server.url(page)});
         EXPECT_RUN(run, 0);
         EXPECT_EQ(run.outLines(), QStringList{QString(first) + ", from the server, relative data"});
     }
@@ -333,7 +334,7 @@ x.send();
     for (const auto& [page, err] :
          {std::pair{server.url("/lone/f.ui"), "cannot fetch " + server.url("/lone/f.js") + ": HTTP 404"},
           {secretUrl, "cannot fetch " + server.url("/none/page.json") + ": HTTP 404"}}) {
-        const PageRun run = runner.run({"--headless", page});
+        const PageRun run = runner.run({"--headless", "--trust", server.url(""), page});
         EXPECT_RUN(run, 1);
         EXPECT_TRUE(run.err.contains(err)) << qPrintable(run.err);
         EXPECT_FALSE(run.err.contains("s3cret") || run.err.contains("operator")) << qPrintable(run.err);

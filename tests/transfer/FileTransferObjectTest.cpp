@@ -419,3 +419,18 @@ TEST_F(FileTransferObjectTest, PoolSurvivesAControllerRestart)
 }
 
 } // namespace
+
+TEST_F(FileTransferObjectTest, CacheQuotaStopsFetchingOnceTheFolderIsFull)
+{
+    const qint64 before = nxr::TransferCache::quotaBytes();
+    ASSERT_TRUE(copy("MC:\\VISION\\TOOLS.TXT"));
+    const qint64 used = QFileInfo(cached("TOOLS.TXT")).size();
+    ASSERT_GT(used, 0);
+    nxr::TransferCache::setQuotaBytes(used + 1);
+    EXPECT_TRUE(copy("MC:\\VISION\\TOOLS.TXT", "SECOND.TXT")) << "room left below the quota";
+    EXPECT_FALSE(copy("MC:\\VISION\\TOOLS.TXT", "THIRD.TXT"));
+    EXPECT_EQ(o.LastErrorString().left(40), QString("Error in CopyFile: The local cache is fu"));
+    EXPECT_FALSE(QFile::exists(cached("THIRD.TXT")));
+    nxr::TransferCache::setQuotaBytes(before);
+    EXPECT_TRUE(copy("MC:\\VISION\\TOOLS.TXT", "THIRD.TXT"));
+}
