@@ -9,7 +9,7 @@ ListModel::ListModel(const ImageList* icons, QObject* parent) : QAbstractTableMo
 
 int ListModel::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : int(m_rows.size());
+    return parent.isValid() ? 0 : m_announced;
 }
 
 int ListModel::columnCount(const QModelIndex& parent) const
@@ -20,7 +20,7 @@ int ListModel::columnCount(const QModelIndex& parent) const
 
 QVariant ListModel::data(const QModelIndex& index, int role) const
 {
-    if (!index.isValid() || index.row() >= int(m_rows.size()))
+    if (!index.isValid() || index.row() >= m_announced)
         return {};
     const clsListItem& row = m_rows[size_t(index.row())];
     switch (role) {
@@ -53,20 +53,46 @@ void ListModel::reindexFrom(int row)
         m_keyRow.insert(m_rows[size_t(r)].Key(), r);
 }
 
+void ListModel::schedule()
+{
+    if (m_scheduled)
+        return;
+    m_scheduled = true;
+    QMetaObject::invokeMethod(this, &ListModel::flushPending, Qt::QueuedConnection);
+}
+
+void ListModel::flushPending()
+{
+    m_scheduled = false;
+    if (m_changedFirst >= 0) {
+        const int last = std::min(m_changedLast, m_announced - 1);
+        if (m_changedFirst <= last)
+            Q_EMIT dataChanged(index(m_changedFirst, 0), index(last, columnCount() - 1),
+                               {Qt::DisplayRole, Qt::ToolTipRole, Qt::ForegroundRole});
+        m_changedFirst = m_changedLast = -1;
+    }
+    if (m_announced < int(m_rows.size())) {
+        beginInsertRows({}, m_announced, int(m_rows.size()) - 1);
+        m_announced = int(m_rows.size());
+        endInsertRows();
+    }
+}
+
 void ListModel::appendItem(const clsListItem& item)
 {
     const int row = int(m_rows.size());
-    beginInsertRows({}, row, row);
     m_rows.push_back(item);
     m_keyRow.insert(item.Key(), row);
-    endInsertRows();
+    schedule();
 }
 
 void ListModel::removeItem(int row)
 {
+    flushPending();
     beginRemoveRows({}, row, row);
     m_keyRow.remove(m_rows[size_t(row)].Key());
     m_rows.erase(m_rows.begin() + row);
+    --m_announced;
     reindexFrom(row);
     endRemoveRows();
 }
@@ -76,20 +102,29 @@ void ListModel::clearItems()
     beginResetModel();
     m_rows.clear();
     m_keyRow.clear();
+    m_announced = 0;
+    m_changedFirst = m_changedLast = -1;
     endResetModel();
 }
 
 void ListModel::setSubItem(int row, int index, const QString& text)
 {
     m_rows[size_t(row)].setSubItem(index, text);
-    const QModelIndex cell = this->index(row, index);
-    Q_EMIT dataChanged(cell, cell, {Qt::DisplayRole, Qt::ToolTipRole});
+    if (row < m_announced) {
+        m_changedFirst = m_changedFirst < 0 ? row : std::min(m_changedFirst, row);
+        m_changedLast = std::max(m_changedLast, row);
+        schedule();
+    }
 }
 
 void ListModel::setForeColor(int row, qint32 color)
 {
     m_rows[size_t(row)].setForeColor(color);
-    Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1), {Qt::ForegroundRole});
+    if (row < m_announced) {
+        m_changedFirst = m_changedFirst < 0 ? row : std::min(m_changedFirst, row);
+        m_changedLast = std::max(m_changedLast, row);
+        schedule();
+    }
 }
 
 void ListModel::setSelectedFlag(int row, bool selected)
@@ -103,6 +138,7 @@ void ListModel::insertHeader(int position, const Column& column)
     // The texts always stay in the first column: the first header takes over the column that
     // already shows them, and a header put in front of others gets the texts while the former
     // first header moves on with an empty sub-item.
+    flushPending();
     const bool grows = !m_columns.empty();
     const int dataColumn = std::max(1, position);
     if (grows)
@@ -119,6 +155,7 @@ void ListModel::insertHeader(int position, const Column& column)
 
 void ListModel::removeHeader(int position)
 {
+    flushPending();
     const bool shrinks = m_columns.size() > 1;
     const int dataColumn = std::max(1, position);
     if (shrinks)
@@ -135,6 +172,7 @@ void ListModel::removeHeader(int position)
 
 void ListModel::clearHeaders()
 {
+    flushPending();
     beginResetModel();
     m_columns.clear();
     for (clsListItem& row : m_rows)
@@ -154,6 +192,7 @@ std::vector<QString> ListModel::columnValues(int column) const
 
 void ListModel::applyOrder(const std::vector<int>& order)
 {
+    flushPending();
     Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
     std::vector<int> newRowOf(m_rows.size());
     std::vector<clsListItem> rows;

@@ -35,6 +35,11 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
     // ---- Items. Rows are 0-based here.
+    //
+    // Appended rows and changed sub-items are announced to the views in one batch when control
+    // returns to the event loop (or at the next change of structure, or flushPending()), so
+    // filling thousands of rows one call at a time costs the views one update. The item accessors
+    // below see every row at once; the model's index() sees announced rows only.
     const clsListItem& item(int row) const { return m_rows[size_t(row)]; }
     int itemCount() const { return int(m_rows.size()); }
     // The row of the item with this key, -1 when none.
@@ -56,6 +61,8 @@ public:
 
     // ---- Sorting.
     std::vector<QString> columnValues(int column) const;
+    // Announces the rows appended and the cells changed since the last announcement.
+    void flushPending();
     // Reorders the rows: order[i] is the present row that goes to row i. Persistent indexes
     // (the view's selection and current item) follow their rows.
     void applyOrder(const std::vector<int>& order);
@@ -65,6 +72,11 @@ Q_SIGNALS:
 
 private:
     void reindexFrom(int row);
+    void schedule();
+
+    int m_announced = 0; // rows the views know about
+    int m_changedFirst = -1, m_changedLast = -1;
+    bool m_scheduled = false;
 
     const ImageList* m_icons;
     std::vector<clsListItem> m_rows;

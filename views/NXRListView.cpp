@@ -32,6 +32,25 @@ constexpr int kTypeMismatch = 13;
 const QString kIndexOutOfBoundsText = QStringLiteral("Index out of bounds");
 const QString kElementNotFoundText = QStringLiteral("Element not found");
 
+// The key of an item text. A text whose first non-blank character cannot begin a number is its
+// own key, which spares the number test for the usual names.
+QString keyOfText(const QString& text)
+{
+    for (QChar c : text) {
+        if (c.isSpace())
+            continue;
+        if (c.isDigit() || c == QLatin1Char('+') || c == QLatin1Char('-') || c == QLatin1Char('.'))
+            break;
+        return text;
+    }
+    return nxr::Globals::collectionKey(text);
+}
+
+int rowOfText(const ListModel* model, const QString& text)
+{
+    return model->rowOfKey(keyOfText(text));
+}
+
 QString notFound(const QString& text)
 {
     return kElementNotFoundText + QStringLiteral(" (") + text + QLatin1Char(')');
@@ -108,7 +127,7 @@ void NXRListView::AddToList(const QString& vstrImageKey, const QString& vstrList
     const QString routine = QStringLiteral("AddToList");
     NXR_TRACE(kClass, routine,
               QStringLiteral("enter, image=") + vstrImageKey + QStringLiteral(", item=") + vstrListItem);
-    const QString key = nxr::Globals::collectionKey(vstrListItem);
+    const QString key = keyOfText(vstrListItem);
     const QString adding = QStringLiteral("Error adding to list: ");
     if (key.isEmpty())
         return reportListError(routine, adding, kInvalidKey, QStringLiteral("Invalid key"));
@@ -129,7 +148,7 @@ void NXRListView::AddToList(const QString& vstrImageKey, const QString& vstrList
 void NXRListView::SetSubItem(const QString& VStr_ListItem, int VLng_SubIndex, const QString& vstr_Text)
 {
     const QString prefix = QStringLiteral("Error setting subitem: ");
-    const int row = m_model->rowOfKey(nxr::Globals::collectionKey(VStr_ListItem));
+    const int row = rowOfText(m_model, VStr_ListItem);
     if (row < 0)
         return core().reportError(QStringLiteral("SetSubItem"), prefix + notFound(VStr_ListItem));
     if (VLng_SubIndex < 1 || VLng_SubIndex >= m_model->headerCount())
@@ -142,7 +161,7 @@ void NXRListView::SetSubItem(const QString& VStr_ListItem, int VLng_SubIndex, co
 void NXRListView::RemoveFromList(const QString& vstrListItem)
 {
     core().guard(QStringLiteral("RemoveFromList"), [&] {
-        const int row = m_model->rowOfKey(nxr::Globals::collectionKey(vstrListItem));
+        const int row = rowOfText(m_model, vstrListItem);
         if (row < 0)
             throw Failure(notFound(vstrListItem));
         const bool wasQuiet = std::exchange(m_quiet, true);
@@ -244,7 +263,7 @@ void NXRListView::SetFont(const QString& vstr_FontName, int vlng_FontSize)
 void NXRListView::SetListItemColor(const QString& vstr_ListItemName, int vlng_Color)
 {
     core().guard(QStringLiteral("SetListItemColor"), [&] {
-        const int row = m_model->rowOfKey(nxr::Globals::collectionKey(vstr_ListItemName));
+        const int row = rowOfText(m_model, vstr_ListItemName);
         if (row < 0)
             throw Failure(notFound(vstr_ListItemName));
         m_model->setForeColor(row, qint32(vlng_Color));
@@ -286,6 +305,7 @@ int NXRListView::selectedRow() const
 
 void NXRListView::selectRow(int row)
 {
+    m_model->flushPending();
     const bool wasQuiet = std::exchange(m_quiet, true);
     const QModelIndex index = m_model->index(row, 0);
     m_selection->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
@@ -343,7 +363,7 @@ QStringList NXRListView::itemTexts() const
 
 std::optional<clsListItem> NXRListView::item(const QString& text) const
 {
-    const int row = m_model->rowOfKey(nxr::Globals::collectionKey(text));
+    const int row = rowOfText(m_model, text);
     if (row < 0)
         return std::nullopt;
     return m_model->item(row);
@@ -406,7 +426,7 @@ void NXRListView::setSelectedByText(const QString& value)
         return core().reportError(kSetProperty, prefix + QStringLiteral("No items in ListView (") + value +
                                                     QLatin1Char(')'));
     // Texts are unique (their keys are), so the key finds the only candidate.
-    const int row = m_model->rowOfKey(nxr::Globals::collectionKey(value));
+    const int row = rowOfText(m_model, value);
     if (row < 0 || m_model->item(row).Text() != value)
         return core().reportError(kSetProperty,
                                   prefix + QStringLiteral("Item not found (") + value + QLatin1Char(')'));

@@ -53,6 +53,7 @@ protected:
             list->SetSubItem(r[0], 1, r[1]);
             list->SetSubItem(r[0], 2, r[2]);
         }
+        QCoreApplication::processEvents(); // the views learn of the new rows
     }
 
     void clickHeader(int column)
