@@ -11,16 +11,15 @@ QVariant textBrush(qint32 color)
 {
     const quint32 bits = quint32(color);
     if (bits & 0x80000000u) {
-        const QPalette palette = QApplication::palette();
         switch (bits & 0xFFu) {
         case 5: // window background
-            return QBrush(palette.color(QPalette::Base));
+            return QBrush(QApplication::palette().color(QPalette::Base));
         case 13: // highlight
-            return QBrush(palette.color(QPalette::Highlight));
+            return QBrush(QApplication::palette().color(QPalette::Highlight));
         case 14: // highlighted text
-            return QBrush(palette.color(QPalette::HighlightedText));
+            return QBrush(QApplication::palette().color(QPalette::HighlightedText));
         case 17: // grey (disabled) text
-            return QBrush(palette.color(QPalette::Disabled, QPalette::Text));
+            return QBrush(QApplication::palette().color(QPalette::Disabled, QPalette::Text));
         default: // window text and the rest: the view's own text colour
             return QVariant();
         }

@@ -275,6 +275,9 @@ TEST_F(ListView, ColumnsMoveTheirSubItemsAndViewStylesSwitchViews)
         EXPECT_EQ(list->GetProperty("View"), QString::number(view));
         EXPECT_EQ(list->activeView()->isVisible(), true);
     }
+    list->SetFont("DejaVu Sans", 15);
+    EXPECT_EQ(list->reportView()->font().pointSize(), 15);
+    EXPECT_EQ(list->iconView()->font().pointSize(), 15);
     list->ClearColumns();
     EXPECT_EQ(list->GetProperty("NumColumns"), "0");
     EXPECT_EQ(list->item("part7")->SubItem(1), "");

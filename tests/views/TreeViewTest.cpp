@@ -237,6 +237,9 @@ TEST_F(TreeView, StatesIconsAndColoursApplyToTheNamedNode)
     EXPECT_FALSE(tree->NodeEnabled("CAM1"));
     tree->SetNodeExpanded("MC:", false);
     EXPECT_FALSE(tree->NodeExpanded("MC:"));
+    tree->SetFont("DejaVu Sans", 15);
+    EXPECT_EQ(tree->treeWidget()->font().pointSize(), 15);
+    EXPECT_EQ(tree->treeWidget()->font().family(), "DejaVu Sans");
     tree->setEnabledState(false);
     EXPECT_FALSE(tree->treeWidget()->isEnabled());
     tree->SetProperty("Style", "0");
