@@ -4,18 +4,21 @@
 //
 //   FillAndSort/0  the list filled through its public members from C++ (AddToList, SetSubItem)
 //   FillAndSort/1  the same calls made by a page script (QJSEngine), as pages do
+//   TreeFill       10,100 tree nodes through AddNode against a bare QTreeWidget (below)
 //
 // Counters (medians of the rounds, processor time of the GUI thread): floor_ms, list_ms,
 // ratio = list_ms / floor_ms, and the parts of the list's time: fill_ms and sort_ms (the sort
 // includes the views' update after it).
 
 #include "views/NXRListView.h"
+#include "views/NXRTreeView.h"
 
 #include <QApplication>
 #include <QHeaderView>
 #include <QJSEngine>
 #include <QStandardItemModel>
 #include <QTreeView>
+#include <QTreeWidget>
 
 #include <benchmark/benchmark.h>
 
@@ -180,6 +183,54 @@ void FillAndSort(benchmark::State& state)
 }
 
 BENCHMARK(FillAndSort)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(7);
+
+// A tree of 100 folders with 100 nodes each through AddNode, against the same nodes put into a bare
+// QTreeWidget. Counters: floor_ms, tree_ms, ratio.
+void TreeFill(benchmark::State& state)
+{
+    std::vector<double> floor, ours;
+    for (auto _ : state) {
+        auto t0 = Clock::now();
+        {
+            QTreeWidget bare;
+            bare.setHeaderHidden(true);
+            bare.resize(300, 400);
+            bare.show();
+            for (int f = 0; f < 100; ++f) {
+                auto* folder = new QTreeWidgetItem(QStringList{QStringLiteral("FOLDER%1").arg(f)});
+                bare.addTopLevelItem(folder);
+                folder->setExpanded(true);
+                for (int i = 0; i < 100; ++i) {
+                    auto* n = new QTreeWidgetItem(QStringList{QStringLiteral("F%1_IMG%2").arg(f).arg(i)});
+                    folder->addChild(n);
+                }
+            }
+            QApplication::processEvents();
+            floor.push_back(std::chrono::duration<double, std::milli>(Clock::now() - t0).count());
+        }
+        t0 = Clock::now();
+        {
+            NXRTreeView tree;
+            tree.resize(300, 400);
+            tree.show();
+            for (int f = 0; f < 100; ++f) {
+                const QString folder = QStringLiteral("FOLDER%1").arg(f);
+                tree.AddNode(QString(), -1, QString(), folder);
+                for (int i = 0; i < 100; ++i)
+                    tree.AddNode(folder, NXRTreeView::tvwChild, QString(), QStringLiteral("F%1_IMG%2").arg(f).arg(i));
+            }
+            QApplication::processEvents();
+            if (tree.NodeCount() != 10100 || !tree.LastErrorString().isEmpty())
+                state.SkipWithError("the tree was not filled");
+            ours.push_back(std::chrono::duration<double, std::milli>(Clock::now() - t0).count());
+        }
+    }
+    state.counters["floor_ms"] = median(floor);
+    state.counters["tree_ms"] = median(ours);
+    state.counters["ratio"] = median(ours) / median(floor);
+}
+
+BENCHMARK(TreeFill)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 } // namespace
 
