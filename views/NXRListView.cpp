@@ -147,6 +147,9 @@ void NXRListView::AddToList(const QString& vstrImageKey, const QString& vstrList
 
 void NXRListView::SetSubItem(const QString& VStr_ListItem, int VLng_SubIndex, const QString& vstr_Text)
 {
+    NXR_TRACE(kClass, QStringLiteral("SetSubItem"),
+              QStringLiteral("enter, item=") + VStr_ListItem + QStringLiteral(", sub=") +
+                  QString::number(VLng_SubIndex));
     const QString prefix = QStringLiteral("Error setting subitem: ");
     const int row = rowOfText(m_model, VStr_ListItem);
     if (row < 0)
@@ -160,6 +163,7 @@ void NXRListView::SetSubItem(const QString& VStr_ListItem, int VLng_SubIndex, co
 
 void NXRListView::RemoveFromList(const QString& vstrListItem)
 {
+    NXR_TRACE(kClass, QStringLiteral("RemoveFromList"), QStringLiteral("enter, item=") + vstrListItem);
     core().guard(QStringLiteral("RemoveFromList"), [&] {
         const int row = rowOfText(m_model, vstrListItem);
         if (row < 0)
@@ -172,6 +176,7 @@ void NXRListView::RemoveFromList(const QString& vstrListItem)
 
 void NXRListView::ClearList()
 {
+    NXR_TRACE(kClass, QStringLiteral("ClearList"), QStringLiteral("enter"));
     const bool wasQuiet = std::exchange(m_quiet, true);
     m_model->clearItems();
     m_quiet = wasQuiet;
@@ -179,6 +184,8 @@ void NXRListView::ClearList()
 
 void NXRListView::AddListImage(const QString& vstrImagePath, const QString& vstrImageKey)
 {
+    NXR_TRACE(kClass, QStringLiteral("AddListImage"),
+              QStringLiteral("enter, path=") + vstrImagePath + QStringLiteral(", key=") + vstrImageKey);
     try {
         m_images.add(vstrImagePath, vstrImageKey);
     } catch (const ImageList::Error& e) {
@@ -201,6 +208,9 @@ void NXRListView::addIcon(const QIcon& icon, const QString& key)
 
 void NXRListView::AddColumn(const QString& vstr_ColumnHeaderText, int vlng_Position, int vlng_WidthPixels)
 {
+    NXR_TRACE(kClass, QStringLiteral("AddColumn"),
+              QStringLiteral("enter, ") + vstr_ColumnHeaderText + QStringLiteral(", position=") +
+                  QString::number(vlng_Position));
     core().guard(QStringLiteral("AddColumn"), [&] {
         const int count = m_model->headerCount();
         if (vlng_Position > count + 1)
@@ -216,6 +226,8 @@ void NXRListView::AddColumn(const QString& vstr_ColumnHeaderText, int vlng_Posit
 
 void NXRListView::RemoveColumn(int vlng_Position)
 {
+    NXR_TRACE(kClass, QStringLiteral("RemoveColumn"),
+              QStringLiteral("enter, position=") + QString::number(vlng_Position));
     core().guard(QStringLiteral("RemoveColumn"), [&] {
         if (vlng_Position < 1 || vlng_Position > m_model->headerCount())
             throw Failure(kIndexOutOfBoundsText);
@@ -330,6 +342,8 @@ void NXRListView::onClicked()
 
 void NXRListView::sortByColumn(int column)
 {
+    NXR_TRACE(kClass, QStringLiteral("msub_SortListView"),
+              QStringLiteral("enter, column=") + QString::number(column));
     const int count = m_model->itemCount();
     if (count == 0 || column < 0 || column >= m_model->columnCount())
         return;

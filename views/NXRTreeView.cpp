@@ -214,6 +214,7 @@ void NXRTreeView::forgetSubtree(QTreeWidgetItem* n)
 
 void NXRTreeView::RemoveNode(const QString& vstrNodeKey)
 {
+    NXR_TRACE(kClass, QStringLiteral("RemoveNode"), QStringLiteral("enter, node=") + vstrNodeKey);
     nodeRoutine(QStringLiteral("RemoveNode"), [&] {
         QTreeWidgetItem* n = node(vstrNodeKey);
         forgetSubtree(n);
@@ -223,6 +224,7 @@ void NXRTreeView::RemoveNode(const QString& vstrNodeKey)
 
 void NXRTreeView::ClearTree()
 {
+    NXR_TRACE(kClass, QStringLiteral("ClearTree"), QStringLiteral("enter"));
     Quiet quiet(m_quiet);
     m_nodes.clear();
     m_tree->clear();
@@ -235,6 +237,7 @@ int NXRTreeView::NodeCount()
 
 void NXRTreeView::ExpandTree(const QString& vstrTrueFalse)
 {
+    NXR_TRACE(kClass, QStringLiteral("ExpandTree"), QStringLiteral("enter, ") + vstrTrueFalse);
     Quiet quiet(m_quiet);
     if (vstrTrueFalse.toUpper() == QLatin1String("TRUE"))
         m_tree->expandAll();
@@ -252,6 +255,8 @@ QString NXRTreeView::NodeTextToKey(const QString& vstrNodeText)
 
 void NXRTreeView::AddListImage(const QString& vstrImagePath, const QString& vstrImageKey)
 {
+    NXR_TRACE(kClass, QStringLiteral("AddListImage"),
+              QStringLiteral("enter, path=") + vstrImagePath + QStringLiteral(", key=") + vstrImageKey);
     try {
         m_images.add(vstrImagePath, vstrImageKey);
     } catch (const ImageList::Error& e) {
@@ -286,6 +291,9 @@ void NXRTreeView::SetFont(const QString& vstr_FontName, int vlng_FontSize)
 
 void NXRTreeView::SetNodeColor(const QString& vstr_NodeName, int vlng_Color)
 {
+    NXR_TRACE(kClass, QStringLiteral("SetNodeColor"),
+              QStringLiteral("enter, node=") + vstr_NodeName + QStringLiteral(", color=") +
+                  QString::number(vlng_Color));
     nodeRoutine(QStringLiteral("SetNodeColor"), [&] {
         QTreeWidgetItem* n = node(vstr_NodeName);
         n->setData(0, Qt::ForegroundRole, nxr::views::textBrush(qint32(vlng_Color)));
@@ -294,6 +302,8 @@ void NXRTreeView::SetNodeColor(const QString& vstr_NodeName, int vlng_Color)
 
 void NXRTreeView::SetNodeTag(const QString& vstr_NodeName, const QString& vstr_NodeTag)
 {
+    NXR_TRACE(kClass, QStringLiteral("SetNodeTag"),
+              QStringLiteral("enter, node=") + vstr_NodeName + QStringLiteral(", tag=") + vstr_NodeTag);
     nodeRoutine(QStringLiteral("SetNodeTag"),
                 [&] { node(vstr_NodeName)->setData(0, kTagRole, vstr_NodeTag); });
 }
