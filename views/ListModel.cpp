@@ -40,8 +40,10 @@ QVariant ListModel::data(const QModelIndex& index, int role) const
 
 QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (orientation != Qt::Horizontal || section < 0 || section >= int(m_columns.size()))
+    if (orientation != Qt::Horizontal)
         return QAbstractTableModel::headerData(section, orientation, role);
+    if (section < 0 || section >= int(m_columns.size()))
+        return {}; // the text column before any header is added
     if (role == Qt::DisplayRole)
         return m_columns[size_t(section)].caption;
     return {};

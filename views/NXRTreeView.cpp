@@ -474,6 +474,10 @@ void NXRTreeView::setSelected(const QString& value)
     Quiet quiet(m_quiet);
     // The selected node is drawn in the highlighted-text colour whatever its own colour, so a
     // white or system-coloured node stays readable while selected.
+    if (n->isDisabled())
+        return core().reportError(kSetProperty,
+                                  QStringLiteral("Error setting Selected property: Node is disabled (") +
+                                      value + QLatin1Char(')'));
     m_tree->setCurrentItem(n);
     m_tree->scrollToItem(n);
 }

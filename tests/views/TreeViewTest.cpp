@@ -173,6 +173,8 @@ TEST_F(TreeView, EveryFailureReportsItsTextAndLeavesTheTreeAsItWas)
         {[&] { tree->NodeExpanded("NOPE"); }, "Error: Node not found for NOPE"},
         {[&] { tree->SetNodeExpanded("NOPE", true); }, "Error: Node not found for NOPE"},
         {[&] { tree->SetProperty("Selected", "NOPE"); }, "Error: Node not found for NOPE"},
+        {[&] { tree->SetProperty("Selected", "TOOLS"); },
+         "Error setting Selected property: Node is disabled (TOOLS)"},
         {[&] { tree->SetProperty("Style", "8"); }, "Error setting Style property: Invalid property value"},
         {[&] { tree->SetProperty("Style", "lines"); }, "Error setting Style property: Type mismatch"},
         {[&] { tree->SetProperty("Foo", "1"); }, "Error setting unknown property (Foo)"},
