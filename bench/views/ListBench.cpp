@@ -217,7 +217,8 @@ void TreeFill(benchmark::State& state)
                 const QString folder = QStringLiteral("FOLDER%1").arg(f);
                 tree.AddNode(QString(), -1, QString(), folder);
                 for (int i = 0; i < 100; ++i)
-                    tree.AddNode(folder, NXRTreeView::tvwChild, QString(), QStringLiteral("F%1_IMG%2").arg(f).arg(i));
+                    tree.AddNode(folder, NXRTreeView::tvwChild, QString(),
+                                 QStringLiteral("F%1_IMG%2").arg(f).arg(i));
             }
             QApplication::processEvents();
             if (tree.NodeCount() != 10100 || !tree.LastErrorString().isEmpty())
