@@ -55,9 +55,9 @@ QPixmap rotatePointerPicture()
     // The hot spot.
     p.setPen(Qt::NoPen);
     p.setBrush(Qt::white);
-    p.drawEllipse(QPointF(16, 16), 2.5, 2.5);
+    p.drawEllipse(QPointF(16, 16), 3.5, 3.5);
     p.setBrush(Qt::black);
-    p.drawEllipse(QPointF(16, 16), 1.2, 1.2);
+    p.drawEllipse(QPointF(16, 16), 2.0, 2.0);
     p.end();
     return QPixmap::fromImage(img);
 }
