@@ -121,6 +121,7 @@ TEST_F(MovableEditorTest, RotatedWindowEdgesMoveAlongTheirAxis)
         drag({150, 30}, {{170, 20}});
         // The edge goes up 10 (along U only; the sideways part of the move is dropped).
         expectWindow(95, 45, 90, 40, 90, "U edge of a quarter-turned window");
+        EXPECT_EQ(model.Window.Angle, 90);
         editor.finish(true);
 
         // Turned 30 degrees: dragging its left edge out by 6 along -U grows it by 6 and moves the
@@ -131,6 +132,7 @@ TEST_F(MovableEditorTest, RotatedWindowEdgesMoveAlongTheirAxis)
         drag(start, {{start.x() - 6 * ux + 4 * uy, start.y() - 6 * uy - 4 * ux}});
         const double cx = 140 - 3 * ux, cy = 70 - 3 * uy;
         expectWindow(cx - 43, cy - 20, 86, 40, 30, "left edge of a window turned 30 degrees");
+        EXPECT_EQ(model.Window.Angle, 30); // exactly: only a turn changes the angle
         editor.finish(true);
     }
 }
