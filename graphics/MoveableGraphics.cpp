@@ -62,11 +62,6 @@ int clsMoveableGraphics::HitTestWindow(const clsVector& p, bool* hit)
     HitRight = std::abs(u - ue) < tol && inV;
     HitTop = std::abs(v - vs) < tol && inU;
     HitBottom = std::abs(v - ve) < tol && inU;
-    if (Window.Rotatable && HitRight && std::abs(v - (vs + ve) / 2.0) < tol) {
-        HitRotate = true;
-        HitRight = false;
-        HitLeft = false;
-    }
     // A window thinner than twice the tolerance: the nearer edge stays; on a tie the right or
     // bottom one, so that dragging outward opens the window.
     if (HitLeft && HitRight) {
@@ -80,6 +75,12 @@ int clsMoveableGraphics::HitTestWindow(const clsVector& p, bool* hit)
             HitBottom = false;
         else
             HitTop = false;
+    }
+    // The handle sits on the right edge's middle; on a thin window only when the right edge is
+    // the one that stayed.
+    if (Window.Rotatable && HitRight && std::abs(v - (vs + ve) / 2.0) < tol) {
+        HitRotate = true;
+        HitRight = false;
     }
     const bool edge = HitLeft || HitRight || HitTop || HitBottom;
     HitInside = inU && inV && !edge && !HitRotate;

@@ -138,6 +138,12 @@ TEST(MoveableGraphicsTest, ThinWindowKeepsOnlyTheNearerEdge)
         EXPECT_EQ(g.HitBottom, c.bottom) << c.x << "," << c.y;
         EXPECT_FALSE(g.HitInside);
     }
+    // On a thin rotatable window the handle is there only when the right edge is the nearer.
+    G r = windowModel(100, 50, 6, 200, 0, true);
+    EXPECT_EQ(r.HitTestWindow(clsVector(102, 150)), kPointerSizeWE);
+    EXPECT_TRUE(r.HitLeft);
+    EXPECT_EQ(r.HitTestWindow(clsVector(104, 150)), kPointerRotate);
+    EXPECT_FALSE(r.HitLeft || r.HitRight);
     // Dragging the kept edge moves that edge alone.
     G g = windowModel(100, 50, 6, 200, 0, false);
     g.HitTestWindow(clsVector(102, 120));
