@@ -194,11 +194,48 @@ bool MovableShapeEditor::press(const EditorPointer& e)
     return true;
 }
 
+QPointF MovableShapeEditor::centre(const Shapes& s) const
+{
+    switch (m_shape) {
+    case MovableShape::Window:
+        return {s.window.Left + s.window.Width / 2.0, s.window.Top + s.window.Height / 2.0};
+    case MovableShape::Cursor:
+        return {s.cursor.X(), s.cursor.Y()};
+    default:
+        return {(s.line.X1 + s.line.X2) / 2.0, (s.line.Y1 + s.line.Y2) / 2.0};
+    }
+}
+
+QPointF MovableShapeEditor::limitMove(const QPointF& from, double dx, double dy) const
+{
+    if (m_bounds.isEmpty())
+        return {dx, dy};
+    // Only a move that goes further out is shortened, so nothing jumps.
+    auto limit = [](double at, double d, double low, double high) {
+        if (d > 0.0 && at + d > high)
+            return std::max(0.0, high - at);
+        if (d < 0.0 && at + d < low)
+            return std::min(0.0, low - at);
+        return d;
+    };
+    return {limit(from.x(), dx, m_bounds.left(), m_bounds.right()),
+            limit(from.y(), dy, m_bounds.top(), m_bounds.bottom())};
+}
+
 void MovableShapeEditor::drag(const EditorPointer& e)
 {
     const QRectF before = shapeArea();
-    const clsVector p(e.image.x(), e.image.y());
-    const double dx = p.X() - m_pressPoint.X(), dy = p.Y() - m_pressPoint.Y();
+    clsVector p(e.image.x(), e.image.y());
+    double dx = p.X() - m_pressPoint.X(), dy = p.Y() - m_pressPoint.Y();
+    const bool whole =
+        m_shape == MovableShape::Cursor || (m_shape == MovableShape::Window && m_model.HitInside) ||
+        ((m_shape == MovableShape::Line || m_shape == MovableShape::LinePair) && m_part == LinePart::Whole);
+    if (whole) {
+        const QPointF d = limitMove(centre(m_atPress), dx, dy);
+        dx = d.x();
+        dy = d.y();
+        p = clsVector(m_pressPoint.X() + dx, m_pressPoint.Y() + dy);
+    }
     switch (m_shape) {
     case MovableShape::Window:
         m_model.Window = m_atPress.window;
@@ -310,6 +347,9 @@ QCursor MovableShapeEditor::cursorAt(const QPointF& image) const
 void MovableShapeEditor::nudge(double dx, double dy)
 {
     const QRectF before = shapeArea();
+    const QPointF d = limitMove(centre(current()), dx, dy);
+    dx = d.x();
+    dy = d.y();
     switch (m_shape) {
     case MovableShape::Window:
         m_model.ShiftWindow(dx, dy);
@@ -329,8 +369,14 @@ void MovableShapeEditor::nudge(double dx, double dy)
 
 bool MovableShapeEditor::key(int key, Qt::KeyboardModifiers modifiers)
 {
-    if (!active() || m_dragging)
+    if (!active())
         return false;
+    if (m_dragging) {
+        if (key != Qt::Key_Escape)
+            return false;
+        cancel();
+        return true;
+    }
     if (m_shape == MovableShape::Cursor && !m_cursorMovable)
         return false;
     const double step = modifiers.testFlag(Qt::ShiftModifier) ? 10.0 : 1.0;

@@ -78,6 +78,12 @@ public:
     void setCursorMovable(bool movable) { m_cursorMovable = movable; }
     bool cursorMovable() const { return m_cursorMovable; }
 
+    // The image's area in image pixels. Moves of a whole shape stop when its centre (the
+    // cursor's point) would leave it, so a shape cannot be dragged out of reach; a shape already
+    // outside may still come back. An empty area switches the rule off.
+    void setImageBounds(const QRectF& bounds) { m_bounds = bounds; }
+    const QRectF& imageBounds() const { return m_bounds; }
+
     void setView(const EditorView& view) { m_view = view; }
     const EditorView& view() const { return m_view; }
     // The grab distance in image pixels: 5 screen pixels, or a finger's width for touch.
@@ -92,7 +98,8 @@ public:
     bool doubleClick(const EditorPointer& e);
     // Lights up the handles of what a press here would grab.
     void hover(const QPointF& image);
-    // Arrow keys move the shape one image pixel, ten with Shift. True when taken.
+    // Arrow keys move the shape one image pixel, ten with Shift; Escape during a drag cancels
+    // it. True when taken.
     bool key(int key, Qt::KeyboardModifiers modifiers);
     // The pointer number and cursor over a point (mouse grab distance); changes nothing.
     int pointerAt(const QPointF& image) const;
@@ -130,6 +137,10 @@ private:
     LinePart lineHit(const QPointF& image, double tolerance) const;
     void highlightLine(LinePart part);
     void nudge(double dx, double dy);
+    // The centre of the shape (the cursor's point, the line's middle).
+    QPointF centre(const Shapes& s) const;
+    // (dx, dy) shortened so that a move of the centre from `from` does not leave the bounds.
+    QPointF limitMove(const QPointF& from, double dx, double dy) const;
 
     clsMoveableGraphics& m_model;
     MovableEditorSink& m_sink;
@@ -137,6 +148,7 @@ private:
     qint32 m_color = 0;
     bool m_cursorMovable = true;
     EditorView m_view;
+    QRectF m_bounds;
     Shapes m_backup;
 
     bool m_dragging = false;

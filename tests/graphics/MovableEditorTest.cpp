@@ -313,6 +313,43 @@ TEST_F(MovableEditorTest, ArrowKeysNudgeEveryShape)
     EXPECT_FALSE(editor.key(Qt::Key_Escape, {}));
 }
 
+TEST_F(MovableEditorTest, WholeShapesStayWithinReachOfTheImage)
+{
+    editor.setImageBounds(QRectF(0, 0, 200, 150));
+    editWindow(0, false);
+    drag({140, 70}, {{400, -50}}); // the centre stops at the corner (200, 0)
+    EXPECT_EQ(model.Window.Left, 160);
+    EXPECT_EQ(model.Window.Top, -20);
+    EXPECT_TRUE(editor.key(Qt::Key_Right, {}));
+    EXPECT_EQ(model.Window.Left, 160);
+    editor.key(Qt::Key_Left, {});
+    EXPECT_EQ(model.Window.Left, 159);
+    drag({239, 0}, {{400, 0}}); // an edge may reach past the image
+    EXPECT_EQ(model.Window.Width, 241);
+    // Escape during a drag puts the shape back where the press found it.
+    ASSERT_TRUE(editor.press({{200, 0}, Qt::LeftButton, {}, false}));
+    editor.move({{100, 10}, Qt::NoButton, {}, false});
+    EXPECT_TRUE(editor.key(Qt::Key_Escape, {}));
+    EXPECT_FALSE(editor.dragging());
+    EXPECT_EQ(model.Window.Left, 159);
+    editor.finish(true);
+
+    // A shape the page put outside does not go further out, but comes back.
+    model.Window = clsWindow{50, 260, 40, 80, 0, false};
+    editor.begin(MovableShape::Window, 0);
+    drag({300, 70}, {{310, 70}});
+    EXPECT_EQ(model.Window.Left, 260);
+    drag({300, 70}, {{290, 70}});
+    EXPECT_EQ(model.Window.Left, 250);
+    editor.finish(true);
+
+    model.Cursor = clsVector(50, 50);
+    editor.begin(MovableShape::Cursor, 0);
+    drag({50, 50}, {{-30, 60}});
+    EXPECT_EQ(model.Cursor, clsVector(0, 60));
+    editor.finish(true);
+}
+
 TEST_F(MovableEditorTest, CursorAndLineDrags)
 {
     editor.setView({2.0, 1.0, 96.0});
