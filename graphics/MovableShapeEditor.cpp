@@ -311,6 +311,19 @@ void MovableShapeEditor::hover(const QPointF& image)
         m_sink.repaintArea(shapeArea());
 }
 
+void MovableShapeEditor::leave()
+{
+    if (!active() || m_dragging)
+        return;
+    const auto colorsBefore = m_model.HandleColors;
+    const auto lineColorsBefore = m_lineColors;
+    m_model.ClearHits();
+    m_model.ResetHandleColors();
+    m_lineColors.fill(G::kHandleRed);
+    if (colorsBefore != m_model.HandleColors || lineColorsBefore != m_lineColors)
+        m_sink.repaintArea(shapeArea());
+}
+
 int MovableShapeEditor::pointerAt(const QPointF& image) const
 {
     const clsVector p(image.x(), image.y());

@@ -98,6 +98,8 @@ public:
     bool doubleClick(const EditorPointer& e);
     // Lights up the handles of what a press here would grab.
     void hover(const QPointF& image);
+    // The pointer left the view: no handle stays lit.
+    void leave();
     // Arrow keys move the shape one image pixel, ten with Shift; Escape during a drag cancels
     // it. True when taken.
     bool key(int key, Qt::KeyboardModifiers modifiers);

@@ -229,6 +229,9 @@ TEST_F(MovableEditorTest, PointerShownAtPointsAndHoverLightsTheHandles)
     EXPECT_EQ(sink.repaints, before + 1);
     editor.hover({141, 70});
     EXPECT_EQ(sink.repaints, before + 1); // same colours, no repaint
+    editor.leave();
+    EXPECT_EQ(model.HandleColors[2], clsMoveableGraphics::kHandleRed);
+    EXPECT_EQ(sink.repaints, before + 2);
     // The turning pointer is a picture with its hot spot in the middle.
     const QCursor rotate = cursorForPointer(kPointerRotate);
     EXPECT_EQ(rotate.shape(), Qt::BitmapCursor);
