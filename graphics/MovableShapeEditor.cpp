@@ -55,7 +55,7 @@ double MovableShapeEditor::screenToImage(double screenPixels) const
 
 double MovableShapeEditor::hitTolerance(bool touch) const
 {
-    const double mouse = screenToImage(G::kScreenTolerance);
+    const double mouse = screenToImage(m_view.tolerancePixels);
     if (!touch)
         return mouse;
     const double scale = m_view.scale > 0.0 ? m_view.scale : 1.0;

@@ -33,6 +33,8 @@ struct NXR_EXPORT EditorView
     double devicePixelRatio = 1.0;
     // Device pixels per inch of the screen, for the finger's grab distance.
     double dotsPerInch = 96.0;
+    // The mouse's grab distance in screen pixels.
+    double tolerancePixels = clsMoveableGraphics::kScreenTolerance;
 };
 
 // A press, move, release or double click in image pixels.
@@ -86,7 +88,8 @@ public:
 
     void setView(const EditorView& view) { m_view = view; }
     const EditorView& view() const { return m_view; }
-    // The grab distance in image pixels: 5 screen pixels, or a finger's width for touch.
+    // The grab distance in image pixels: tolerancePixels (5) screen pixels, or a finger's width
+    // for touch when that is more.
     double hitTolerance(bool touch = false) const;
 
     // A left press on a part of the shape grabs it (true); anything else is not taken.

@@ -180,6 +180,8 @@ TEST_F(MovableEditorTest, GrabDistanceIsFiveScreenPixels)
         editor.setView({c.scale, c.ratio, 96.0});
         EXPECT_NEAR(editor.hitTolerance(), c.tolerance, 1e-12) << c.scale;
     }
+    editor.setView({2.0, 1.0, 96.0, 8.0}); // a tolerance of the adapter's own
+    EXPECT_NEAR(editor.hitTolerance(), 4.0, 1e-12);
     // At 200 % a press 2.4 image pixels off the edge grabs it, 2.6 does not.
     editWindow(0, false, 2.0);
     EXPECT_FALSE(editor.press({{97.4, 70}, Qt::LeftButton, {}, false}));
