@@ -19,5 +19,5 @@ done
 ready="$(grep -m1 '^NXRSIM READY' "$work/simulator.out")"
 http_port="$(sed -E 's/.* http=([0-9]+).*/\1/' <<<"$ready")"
 ftp_port="$(sed -E 's/.* ftp=([0-9]+).*/\1/' <<<"$ready")"
-"$host_exe" --headless --timeout 60000 --script-arg server=127.0.0.1 --script-arg httpPort="$http_port" \
+"$host_exe" --headless --timeout 60000 --screenshot-dir "$work" --script-arg server=127.0.0.1 --script-arg httpPort="$http_port" \
   --script-arg ftpPort="$ftp_port" --script-arg shots="$work" "$root/pages/image-browser"
