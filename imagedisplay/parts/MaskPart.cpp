@@ -208,8 +208,14 @@ void MaskPart::showMaskEditControls(bool show)
         // itself out again with the palette's column taken.
         session.begin(EditKind::Mask, *this, m_session.EditMaskMode());
         m_interaction->toolChanged();
+        // Keys given to the display reach the mask view (undo, redo, Enter, Escape).
+        m_display.setFocusProxy(m_display.maskLeadView());
+        if (m_display.isActiveWindow())
+            m_display.maskLeadView()->setFocus();
         return;
     }
+    if (m_display.focusProxy() == m_display.maskLeadView())
+        m_display.setFocusProxy(nullptr);
     setPaletteShown(false);
     m_interaction->setPointer(std::nullopt, 0);
     m_display.maskLeadView()->clearBitmap();
