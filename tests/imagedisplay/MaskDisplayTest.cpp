@@ -328,6 +328,20 @@ TEST_F(MaskDisplay, TheMousePaintsInsteadOfZoomingOrPanning)
     mouse(QEvent::MouseMove, {380, 300});
     ASSERT_TRUE(part().session().editor().rubberBand().has_value());
     EXPECT_TRUE(isBlack(working().pixel(350, 280)));
+    // The outline is drawn over the view: dark and light dashes on the left edge, which the grey
+    // picture under a black mask does not have.
+    QApplication::processEvents();
+    const QImage shot = view()->grab().toImage();
+    const QPointF edge = maths().toScreen(QPointF(330, 280));
+    int marked = 0;
+    for (int dy = -6; dy <= 6; ++dy)
+        for (int dx = -1; dx <= 1; ++dx) {
+            const QRgb p = shot.pixel(int(edge.x()) + dx, int(edge.y()) + dy);
+            marked += std::abs(qGray(p) - 100) > 40 ? 1 : 0;
+        }
+    EXPECT_GE(marked, 4);
+    const QRgb inside = shot.pixel(maths().toScreen(QPointF(355, 280)).toPoint());
+    EXPECT_LE(std::abs(qGray(inside) - 100), 2);
     mouse(QEvent::MouseButtonRelease, {380, 300});
     EXPECT_FALSE(part().session().editor().rubberBand().has_value());
     EXPECT_TRUE(isRed(working().pixel(350, 280)));
