@@ -242,6 +242,31 @@ TEST_F(MaskDisplay, StrokeWidthsFollowTheSizeAndShiftAloneDoublesIt)
     }
 }
 
+// A joined line: a point per click, ended by a double click, recorded as one operation.
+TEST_F(MaskDisplay, AJoinedLineTakesAPointPerClickAndEndsWithADoubleClick)
+{
+    startEdit("MC:\\VISION\\JOINED.PNG");
+    zoomTo(100);
+    tool(KSEMaskTool_JoinedLine, KSEMaskToolSize_Medium);
+    for (QPointF p : {QPointF(100, 100), QPointF(300, 100), QPointF(300, 300)}) {
+        mouse(QEvent::MouseButtonPress, p);
+        mouse(QEvent::MouseButtonRelease, p);
+    }
+    EXPECT_EQ(part().session().editor().model().Operations().Count(), 0); // still open
+    mouse(QEvent::MouseButtonDblClick, {300, 300});
+    mouse(QEvent::MouseButtonRelease, {300, 300});
+    EXPECT_EQ(part().session().editor().model().Operations().Count(), 1);
+    for (QPoint p : {QPoint(200, 100), QPoint(300, 200), QPoint(104, 103)})
+        EXPECT_TRUE(isRed(working().pixel(p))) << p.x() << "," << p.y();
+    for (QPoint p : {QPoint(200, 200), QPoint(200, 115), QPoint(90, 100)})
+        EXPECT_TRUE(isBlack(working().pixel(p))) << p.x() << "," << p.y();
+    // The next click starts a new line instead of extending the finished one.
+    mouse(QEvent::MouseButtonPress, {500, 400});
+    mouse(QEvent::MouseButtonRelease, {500, 400});
+    QTest::qWait(400); // past the double-click time
+    EXPECT_TRUE(isBlack(working().pixel(400, 350)));
+}
+
 TEST_F(MaskDisplay, CancelAndEscapeKeepTheMaskAndExitOnce)
 {
     const QString path = "MC:\\VISION\\KEEP.PNG";
