@@ -18,6 +18,7 @@
 #include "imagedisplay/edit/EditSession.h"
 #include "imagedisplay/loading/DisplayLoading.h"
 #include "imagedisplay/loading/ImageFile.h"
+#include "imagedisplay/parts/MaskPart.h"
 
 #include <QFileInfo>
 #include <QFrame>
@@ -382,6 +383,19 @@ QTimer* NXRImageDisplay::imageRefreshTimer() const { return d->tmrImageRefresh; 
 QTimer* NXRImageDisplay::leadDoubleClickTimer() const { return d->tmrLEADDblClick; }
 // clang-format on
 
+// ---- Masks: one-line forwards to nxr::MaskPart (imagedisplay/parts/MaskPart) ----
+
+// clang-format off
+void NXRImageDisplay::LoadMask(const QString& vstr_FileServer, const QString& vstr_FilePath, const QString& vstr_FTPUserName, const QString& vstr_FTPPassword, int vlng_MaskType) { part<nxr::MaskPart>().session().LoadMask(vstr_FileServer, vstr_FilePath, vstr_FTPUserName, vstr_FTPPassword, vlng_MaskType); }
+void NXRImageDisplay::EditDontCareMask() { part<nxr::MaskPart>().session().EditDontCareMask(); }
+void NXRImageDisplay::EditEmphasisMask() { part<nxr::MaskPart>().session().EditEmphasisMask(); }
+int NXRImageDisplay::ShowMask() const { return part<nxr::MaskPart>().session().ShowMask(); }
+void NXRImageDisplay::setShowMask(int value) { part<nxr::MaskPart>().session().setShowMask(value); }
+int NXRImageDisplay::EditMaskMode() const { return part<nxr::MaskPart>().session().EditMaskMode(); }
+void NXRImageDisplay::setEditMaskMode(int value) { part<nxr::MaskPart>().setEditMaskMode(value); }
+QString NXRImageDisplay::MaskImageFilename(int vlng_Mask) { return part<nxr::MaskPart>().session().MaskImageFilename(vlng_Mask); }
+// clang-format on
+
 // ---- typed properties ----
 
 void NXRImageDisplay::setCaption(const QString& value)
@@ -469,8 +483,8 @@ void NXRImageDisplay::setOverrideImageLabelColor(int value)
 
 void NXRImageDisplay::forwardToButtonControls(const QString& key, bool value)
 {
-    // The mask tool palette joins here when it exists.
     d->viewButtons->SetProperty(key, fromBool(value));
+    part<nxr::MaskPart>().setPaletteFlag(key, value);
 }
 
 void NXRImageDisplay::setHourglassCursor(bool value)

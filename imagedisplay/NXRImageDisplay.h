@@ -65,6 +65,9 @@ class NXR_EXPORT NXRImageDisplay : public nxr::ScriptableWidget
     Q_PROPERTY(bool LiveEnabled READ LiveEnabled WRITE setLiveEnabled)
     Q_PROPERTY(bool WaitOnDisplay READ WaitOnDisplay WRITE setWaitOnDisplay)
     Q_PROPERTY(QString CurrentImageFilename READ CurrentImageFilename)
+    // Masks (forwarded to nxr::MaskPart, see the mask block below).
+    Q_PROPERTY(int ShowMask READ ShowMask WRITE setShowMask DESIGNABLE false)
+    Q_PROPERTY(int EditMaskMode READ EditMaskMode WRITE setEditMaskMode DESIGNABLE false)
 
 public:
     explicit NXRImageDisplay(QWidget* parent = nullptr);
@@ -118,6 +121,23 @@ public:
     QString CurrentImageFilename() const;
     bool WaitOnDisplay() const;
     void setWaitOnDisplay(bool value);
+
+    // ---- Masks: one-line forwards to nxr::MaskPart (imagedisplay/parts) ----
+    // Mask type 0 or 1: the don't-care mask, 2: the emphasis mask.
+    Q_INVOKABLE void LoadMask(const QString& vstr_FileServer, const QString& vstr_FilePath,
+                              const QString& vstr_FTPUserName, const QString& vstr_FTPPassword,
+                              int vlng_MaskType);
+    Q_INVOKABLE void EditDontCareMask();
+    Q_INVOKABLE void EditEmphasisMask();
+    // 0 none, 1 the don't-care mask, 2 the emphasis mask, 3 both, tinted over the image.
+    int ShowMask() const;
+    void setShowMask(int value);
+    // -1 none, 0 don't-care, 1 emphasis.
+    int EditMaskMode() const;
+    void setEditMaskMode(int value);
+    // The local file of mask 0/1 (don't-care) or 2 (emphasis).
+    Q_INVOKABLE QString MaskImageFilename(int vlng_Mask);
+    // ---- end of the mask forwards ----
 
     // ---- C++ interface for the library's other subsystems ----
 

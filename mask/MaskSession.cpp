@@ -136,7 +136,6 @@ void MaskSession::startEdit(int mode, const QString& routine)
         m_editor.finishPending();
     setEditMaskMode(mode);
     m_editor.begin(mask, mode);
-    m_view = QImage();
     m_host.showMaskEditControls(true);
     m_host.setMaskToolProperty(QStringLiteral("ToolsAndSizesEnabled"), QStringLiteral("True"));
     refresh(mask.rect());
@@ -205,8 +204,10 @@ void MaskSession::refresh(const QRect& changed)
         camera = QImage(m_editor.working().size(), QImage::Format_Grayscale8);
         camera.fill(0);
     }
-    MaskCompositor::compose(camera, {m_editor.working()}, changed, &m_view);
-    m_host.showEditView(m_view, changed);
+    QImage& view = m_host.editView();
+    const bool whole = view.size() != camera.size() || view.format() != QImage::Format_RGB32;
+    MaskCompositor::compose(camera, {m_editor.working()}, changed, &view);
+    m_host.editViewChanged(whole ? view.rect() : changed.intersected(view.rect()));
 }
 
 void MaskSession::refreshUndoCommand()
@@ -246,38 +247,54 @@ void MaskSession::onCommandClicked(int command)
     refreshUndoCommand();
 }
 
+void MaskSession::redo()
+{
+    if (!m_editor.isEditing() || m_busy)
+        return;
+    refresh(m_editor.redo());
+    refreshUndoCommand();
+}
+
+void MaskSession::repaintBand(const std::optional<MaskEditor::RubberBand>& before)
+{
+    const auto after = m_editor.rubberBand();
+    if (!before && !after)
+        return;
+    if (before && after && before->tool == after->tool && before->outline == after->outline)
+        return;
+    // The outline is the display's to draw; repaint where it was and where it is.
+    QRectF band = before ? before->outline : after->outline;
+    if (before && after)
+        band = band.united(after->outline);
+    m_host.repaintEditArea(band);
+}
+
 void MaskSession::mousePress(const QPointF& at, int button, int shift)
 {
     if (m_busy) // saving and uploading: the mask is being written
         return;
+    const auto band = m_editor.rubberBand();
     refresh(m_editor.press(at, button, shift));
+    repaintBand(band);
 }
 
 void MaskSession::mouseMove(const QPointF& at)
 {
     if (m_busy) // saving and uploading: the mask is being written
         return;
-    const auto before = m_editor.rubberBand();
-    const QRect changed = m_editor.move(at);
-    const auto after = m_editor.rubberBand();
-    refresh(changed);
-    if (before || after) {
-        // The outline is the display's to draw; repaint where it was and where it is.
-        QRectF band = before ? before->outline : QRectF();
-        if (after)
-            band = band.isNull() ? after->outline : band.united(after->outline);
-        const QRect area = band.toAlignedRect().adjusted(-2, -2, 2, 2).intersected(m_view.rect());
-        if (!area.isEmpty())
-            m_host.showEditView(m_view, area);
-    }
+    const auto band = m_editor.rubberBand();
+    refresh(m_editor.move(at));
+    repaintBand(band);
 }
 
 void MaskSession::mouseRelease(const QPointF& at, int button, int shift)
 {
     if (m_busy) // saving and uploading: the mask is being written
         return;
+    const auto band = m_editor.rubberBand();
     const int before = m_editor.model().Operations().Count();
     refresh(m_editor.release(at, button, shift));
+    repaintBand(band);
     if (m_editor.model().Operations().Count() != before)
         refreshUndoCommand();
 }
@@ -286,7 +303,9 @@ void MaskSession::mouseDoubleClick(const QPointF& at, int button)
 {
     if (m_busy) // saving and uploading: the mask is being written
         return;
+    const auto band = m_editor.rubberBand();
     refresh(m_editor.doubleClick(at, button));
+    repaintBand(band);
     refreshUndoCommand();
 }
 
@@ -310,7 +329,9 @@ void MaskSession::accept()
 {
     if (!m_editor.isEditing() || m_busy)
         return;
+    const auto band = m_editor.rubberBand();
     refresh(m_editor.finishPending());
+    repaintBand(band);
     m_busy = true;
     const bool saved = guarded(m_host, QStringLiteral("msub_FinishMask"), [&] { msub_FinishMask(); });
     m_busy = false;
@@ -327,8 +348,9 @@ void MaskSession::cancel()
 
 void MaskSession::finishEdit(bool accepted)
 {
+    const auto band = m_editor.rubberBand();
     m_editor.end();
-    m_view = QImage();
+    repaintBand(band);
     setEditMaskMode(KSEEditMask_None);
     m_host.showMaskEditControls(false);
     m_host.raiseExitMaskEditMode(accepted);

@@ -44,6 +44,8 @@ public:
     void onToolSelected(int tool);
     void onToolSizeSelected(int size);
     void onCommandClicked(int command);
+    // Redoes the last operation undone (the palette has no button for it; keys do it).
+    void redo();
 
     // The mouse on the image while an edit is open, in mask pixels; Shift: 1 Shift, 2 Ctrl, 4 Alt.
     void mousePress(const QPointF& at, int button, int shift);
@@ -62,7 +64,6 @@ public:
     void reinitialize();
 
     const MaskEditor& editor() const { return m_editor; }
-    const QImage& editView() const { return m_view; }
 
 private:
     struct Slot
@@ -76,12 +77,13 @@ private:
     void msub_FinishMask();
     void refresh(const QRect& changed);
     void refreshUndoCommand();
+    // Repaints where the dragged shape's outline was and is, when it changed.
+    void repaintBand(const std::optional<MaskEditor::RubberBand>& before);
 
     MaskHost& m_host;
     MaskEditor m_editor;
     std::array<Slot, 2> m_slots;
     int m_showMask = 0;
-    QImage m_view;
     QString m_savedMouseCursor;
     bool m_busy = false;
 };

@@ -18,6 +18,8 @@ Control endpoints on the HTTP port (for tests and demos):
                                        the camera takes a new synthetic image and writes it to a
                                        controller path (default MC:\\CAMERA\\SNAP.JPG); answers the path.
                                        Where the flange was drawn goes beside it as SNAP.JSON
+  GET /__sim/mask[?path=&w=&h=]        writes a mask with nothing masked (black) to a controller path
+                                       (default MC:\\CAMERA\\DONTCARE.PNG; JPEG for a .JPG path)
   GET /__sim/result[?path=]            that result of the last snap to path (404 before the first)
   GET /__sim/log                       the protocol log so far;  GET /__sim/log/clear empties it
   GET /__sim/restart?down=SECONDS      the controller goes down (every connection dropped,
@@ -365,6 +367,13 @@ class ControllerHTTPHandler(BaseHTTPRequestHandler):
             except ValueError as err:
                 return self._send(400, (str(err) + "\n").encode())
             return self._send(200, (path + "\n").encode())
+        if what == "mask":
+            arg = lambda k, d: query.get(k, [d])[-1]
+            try:
+                path = blank_mask(arg("path", "MC:\\CAMERA\\DONTCARE.PNG"), int(arg("w", 640)), int(arg("h", 480)))
+            except ValueError as err:
+                return self._send(400, (str(err) + "\n").encode())
+            return self._send(200, (path + "\n").encode())
         if what == "result":
             image = query.get("path", ["MC:\\CAMERA\\SNAP.JPG"])[-1]
             try:
@@ -675,6 +684,27 @@ def snap(path, width, height, color, fmt):
     os.replace(tmp + os.path.splitext(local)[1], local)
     write_result(path, width, height, frame, pose)
     STATE.log("CAMERA snap %d -> %s (%dx%d %s)" % (frame, path, width, height, "colour" if color else "grey"))
+    return path
+
+
+def blank_mask(path, width, height):
+    """A vision tool's mask with nothing masked (all black), as the controller keeps it before the
+    operator paints one; the format follows the extension (PNG when it has none)."""
+    if not (1 <= width <= 8192 and 1 <= height <= 8192):
+        raise ValueError("size out of range")
+    local = controller_local_path(path)
+    os.makedirs(os.path.dirname(local), exist_ok=True)
+    ext = os.path.splitext(local)[1].lower()
+    tmp = local + ".tmp"
+    try:
+        from PIL import Image
+        Image.new("RGB", (width, height)).save(tmp, "JPEG" if ext in (".jpg", ".jpeg") else "PNG")
+    except ImportError:
+        if ext in (".jpg", ".jpeg"):
+            raise ValueError("JPEG needs python3-pil")
+        write_png(tmp, width, height, True, lambda x, y: (0, 0, 0))
+    os.replace(tmp, local)
+    STATE.log("CAMERA mask %s (%dx%d)" % (path, width, height))
     return path
 
 

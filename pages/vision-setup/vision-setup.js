@@ -13,7 +13,14 @@
 //
 // With --script-arg check=1 the page checks itself headless: it zooms with the wheel and the
 // tool bar, verifies the display's answers and ends the run with exit code 0 (or 1 and the
-// reason on the console).
+// reason on the console). With a controller as well, the check snaps a picture and runs the mask
+// round below instead.
+//
+// The mask round (with a controller, in the demo round and in the check): the controller keeps an
+// empty don't-care mask for the tool (the simulator's /__sim/mask writes one, maskPath=, by default
+// MC:\CAMERA\DONTCARE.PNG); the page loads it, opens it for editing, paints two strokes over the
+// camera image with the mouse, takes the second back with Ctrl+Z and accepts with Enter, which
+// saves the mask and copies it back to the controller.
 //
 // Headless with a controller (or with --script-arg demo=1) the page runs the operator's round by
 // itself: snap, live mode with zooming and moving the view while pictures stream, live mode ended,
@@ -132,15 +139,77 @@ if (controller) {
     display.LoadLocalImage(sampleImagePath());
 }
 
+var shots = [];
+function shot(name) {
+    if (!args.shots && args.check === "1")
+        return;
+    var folder = args.shots ? String(args.shots) : ".";
+    var file = folder + "/vision-setup-" + name + ".png";
+    host.screenshot(file);
+    shots.push(file);
+}
+
+// The mask round (see the top of the file). Returns what went wrong, nothing when all worked.
+function maskRound() {
+    var problems = [];
+    var maskPath = args.maskPath ? String(args.maskPath) : "MC:\\CAMERA\\DONTCARE.PNG";
+    var request = new XMLHttpRequest();
+    request.open("GET", "http://" + controller.server + ":" + controller.httpPort + "/__sim/mask?path=" +
+                 encodeURIComponent(maskPath) + "&w=" + display.ImageWidth + "&h=" + display.ImageHeight, false);
+    request.send();
+    if (request.status !== 200)
+        return ["the controller wrote no empty mask (" + request.status + " " + request.statusText + ")"];
+    var exits = [];
+    display.OnExitMaskEditMode.connect(function (accepted) { exits.push(accepted); });
+    // The whole picture in view.
+    display.ZoomTo(0, 0, display.ImageHeight, display.ImageWidth);
+    display.LoadMask(controller.server, maskPath, controller.user, controller.password, 0);
+    display.EditDontCareMask();
+    if (display.GetProperty("EditingMask") !== "True")
+        return ["no mask edit: " + display.LastErrorString];
+    status("Painting the don't-care mask of " + maskPath);
+    host.wait(150);
+    // Two strokes with the palette's pen across the middle of the image, the second taken back.
+    var w = display.width, h = display.height;
+    host.drag(display, w * 0.25, h * 0.40, w * 0.45, h * 0.42);
+    host.drag(display, w * 0.25, h * 0.60, w * 0.45, h * 0.62);
+    host.wait(100);
+    shot("5-mask-painted");
+    host.key(display, "Ctrl+Z");
+    host.wait(100);
+    shot("6-mask-undone");
+    host.key(display, "Return");
+    host.wait(200);
+    if (exits.length !== 1 || exits[0] !== -1)
+        problems.push("OnExitMaskEditMode raised " + JSON.stringify(exits) + ", wanted [-1]");
+    if (display.GetProperty("EditingMask") !== "False")
+        problems.push("the mask edit is still open");
+    if (display.LastErrorString !== "")
+        problems.push("error: " + display.LastErrorString);
+    // The controller received the mask.
+    var log = new XMLHttpRequest();
+    log.open("GET", "http://" + controller.server + ":" + controller.httpPort + "/__sim/log", false);
+    log.send();
+    if (String(log.responseText).indexOf("STOR " + maskPath) < 0)
+        problems.push("no upload of " + maskPath + " in the controller's log");
+    display.ShowMask = 1;
+    host.wait(100);
+    shot("7-mask-shown");
+    status(problems.length ? "Mask round: " + problems.join("; ") : "The mask went back to the controller as " + maskPath);
+    return problems;
+}
+
+// The check with a controller: a picture, then the mask round.
+function controllerCheck() {
+    snap();
+    host.wait(200);
+    var problems = display.ImageWidth > 0 ? maskRound() : ["no picture: " + display.LastErrorString];
+    console.log(problems.length ? "vision-setup check FAILED: " + problems.join("; ") : "vision-setup check passed");
+    host.exit(problems.length ? 1 : 0);
+}
+
 // The operator's round, headless: every step ends with a screenshot.
 function demoRound() {
-    var folder = args.shots ? String(args.shots) : ".";
-    var shots = [];
-    function shot(name) {
-        var file = folder + "/vision-setup-" + name + ".png";
-        host.screenshot(file);
-        shots.push(file);
-    }
     snap();
     host.wait(200);
     shot("1-snap");
@@ -168,10 +237,11 @@ function demoRound() {
     save();
     host.wait(100);
     shot("4-saved");
-    var ok = liveFrames > 3 && display.GetProperty("LiveMode") === "False" &&
-             display.LastErrorString === "";
+    var saved = display.LastErrorString === "";
+    var maskProblems = maskRound();
+    var ok = liveFrames > 3 && display.GetProperty("LiveMode") === "False" && saved && maskProblems.length === 0;
     console.log("vision-setup demo " + (ok ? "done" : "FAILED") + ": " + liveFrames + " pictures, last error '" +
-                display.LastErrorString + "'");
+                display.LastErrorString + "'" + (maskProblems.length ? ", mask: " + maskProblems.join("; ") : ""));
     console.log("screenshots: " + shots.join(", "));
     host.exit(ok ? 0 : 1);
 }
@@ -204,6 +274,12 @@ function selfCheck() {
     expect(display.Zoom >= 300, "ZoomTo a 100 x 100 rectangle (" + display.Zoom + ")");
     expect(display.LastErrorString === "", "no error (" + display.LastErrorString + ")");
 
+    // Without a controller there is no mask to edit: the display says so and stays out of editing.
+    display.EditDontCareMask();
+    expect(display.LastErrorString === "Error in EditDontCareMask: no mask image loaded.",
+           "mask edit refused without a mask (" + display.LastErrorString + ")");
+    expect(display.GetProperty("EditingMask") === "False", "no mask edit open");
+
     if (host.args.screenshot)
         host.screenshot(String(host.args.screenshot));
     if (failures.length > 0) {
@@ -221,6 +297,6 @@ var automation = typeof host.click === "function";
 if ((args.check === "1" || args.demo === "1") && !automation)
     status("The page's own round needs the host's automation: run it headless or with --automation");
 else if (args.check === "1")
-    setTimeout(selfCheck, 200);
+    setTimeout(controller ? controllerCheck : selfCheck, 200);
 else if (controller && (args.demo === "1" || host.headless))
     setTimeout(demoRound, 200);

@@ -53,6 +53,7 @@ public:
     bool busy = false;
     QImage lastView;
     std::vector<QRect> viewChanges;
+    std::vector<QRectF> bandRepaints;
     QMap<QString, QString> paletteKeys{{"SelectedTool", "0"}, {"SelectedToolSize", "1"}};
     QMap<QString, QString> viewKeys{{"ActiveMouseCursor", "3"}};
     QStringList errors;
@@ -70,11 +71,9 @@ public:
     void setAutoRepaint(bool on) override { repaint = on; }
     bool inBatchUpdate() const override { return batch; }
     void resetAndRedraw() override { ++redraws; }
-    void showEditView(const QImage& view, const QRect& changed) override
-    {
-        lastView = view;
-        viewChanges.push_back(changed);
-    }
+    QImage& editView() override { return lastView; }
+    void editViewChanged(const QRect& changed) override { viewChanges.push_back(changed); }
+    void repaintEditArea(const QRectF& area) override { bandRepaints.push_back(area); }
     void showMaskEditControls(bool show) override { controlsShown = show; }
     void setBusyPointer(bool on) override { busy = on; }
     QString maskToolProperty(const QString& key) override { return paletteKeys.value(key); }
