@@ -1,0 +1,185 @@
+#include "imagedisplay/dialog/RemoteFolders.h"
+
+#include "frame/Conversions.h"
+#include "frame/Trace.h"
+#include "transfer/ControllerClient.h"
+#include "transfer/NXRFileTransferObject.h"
+
+#include <QLocale>
+#include <QRegularExpression>
+
+namespace nxr {
+
+namespace RemotePaths {
+
+QString deviceOf(const QString& path)
+{
+    const QString p = path.trimmed();
+    const int colon = p.indexOf(QLatin1Char(':'));
+    if (colon <= 0)
+        return QString();
+    const QString device = p.left(colon);
+    for (const QChar c : device)
+        if (!c.isLetterOrNumber())
+            return QString();
+    return device.toUpper() + QLatin1Char(':');
+}
+
+bool isMemoryDevice(const QString& path)
+{
+    const QString device = deviceOf(path);
+    if (device.isEmpty())
+        return false;
+    return kMemoryDevices.split(QLatin1Char(';'), Qt::SkipEmptyParts).contains(device);
+}
+
+QStringList rootFolders(const QString& deviceList)
+{
+    QStringList roots{deviceOf(kDefaultFolder) + QLatin1Char('\\')};
+    for (const QString& entry : deviceList.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+        const QString device = deviceOf(entry);
+        if (device.isEmpty() || isMemoryDevice(device))
+            continue;
+        const QString root = device + QLatin1Char('\\');
+        if (!roots.contains(root))
+            roots << root;
+    }
+    return roots;
+}
+
+QString join(const QString& folder, const QString& name)
+{
+    if (folder.endsWith(QLatin1Char('\\')))
+        return folder + name;
+    if (folder.endsWith(QLatin1Char(':')))
+        return folder + QLatin1Char('\\') + name;
+    return folder + QLatin1Char('\\') + name;
+}
+
+bool isFilePath(const QString& path)
+{
+    if (deviceOf(path).isEmpty() || path.endsWith(QLatin1Char('\\')))
+        return false;
+    static const QRegularExpression bad(QStringLiteral("[*?\"<>|\\r\\n\\x00/]"));
+    const QString name = path.mid(path.lastIndexOf(QLatin1Char('\\')) + 1);
+    return !name.isEmpty() && !name.contains(QLatin1Char(':')) && !path.contains(bad);
+}
+
+} // namespace RemotePaths
+
+std::vector<RemoteEntry> parseRemoteListing(const QString& response, const QDate& today)
+{
+    std::vector<RemoteEntry> entries;
+    static const QRegularExpression line(
+        QStringLiteral("^([-dDlL][-rwxsStT]{9})\\s+\\S+\\s+\\S+\\s+\\S+\\s+(\\d+)\\s+"
+                       "([A-Za-z]{3})\\s+(\\d{1,2})\\s+(\\d{1,2}:\\d{2}|\\d{4})\\s(.+)$"));
+    const QLocale c = QLocale::c();
+    const QStringList lines = response.split(QRegularExpression(QStringLiteral("\r?\n")));
+    entries.reserve(std::size_t(lines.size()));
+    for (const QString& raw : lines) {
+        const QRegularExpressionMatch m = line.match(raw.trimmed());
+        if (!m.hasMatch())
+            continue;
+        RemoteEntry e;
+        e.name = m.captured(6).trimmed();
+        if (e.name.isEmpty() || e.name == QLatin1String(".") || e.name == QLatin1String(".."))
+            continue;
+        e.folder = m.captured(1).at(0).toUpper() == QLatin1Char('D');
+        e.size = m.captured(2).toLongLong();
+        e.date = m.captured(3) + QLatin1Char(' ') + m.captured(4) + QLatin1Char(' ') + m.captured(5);
+        QString month = m.captured(3).toLower();
+        month[0] = month[0].toUpper();
+        const QString dayMonth = month + QLatin1Char(' ') + m.captured(4);
+        if (m.captured(5).contains(QLatin1Char(':'))) {
+            // Without a year: this year, or last year for a date that would lie in the future.
+            QDateTime dt = c.toDateTime(dayMonth + QLatin1Char(' ') + QString::number(today.year()) +
+                                            QLatin1Char(' ') + m.captured(5),
+                                        QStringLiteral("MMM d yyyy H:mm"));
+            if (dt.isValid() && dt.date() > today.addDays(1))
+                dt = dt.addYears(-1);
+            e.modified = dt;
+        } else {
+            const QDate d =
+                c.toDate(dayMonth + QLatin1Char(' ') + m.captured(5), QStringLiteral("MMM d yyyy"));
+            e.modified = QDateTime(d, QTime(0, 0));
+        }
+        entries.push_back(std::move(e));
+    }
+    return entries;
+}
+
+namespace {
+const QString kPoolKey = QStringLiteral("dlg_OpenSave");
+} // namespace
+
+TransferFolders::TransferFolders(int ftpPort, int httpPort)
+    : m_transfer(std::make_unique<NXRFileTransferObject>())
+{
+    m_transfer->setFTPPortNo(ftpPort);
+    m_transfer->setHTTPPortNo(httpPort);
+}
+
+TransferFolders::~TransferFolders() = default;
+
+bool TransferFolders::connect(const QString& server, const QString& user, const QString& password,
+                              QString* error)
+{
+    if (m_connected && server == m_server && user == m_user && password == m_password)
+        return true;
+    disconnect();
+    if (!m_transfer->ConnectRobot(kPoolKey, server, user, password)) {
+        *error = scrubCredentials(m_transfer->LastErrorString(), {user, password});
+        return false;
+    }
+    m_server = server;
+    m_user = user;
+    m_password = password;
+    m_connected = true;
+    return true;
+}
+
+bool TransferFolders::list(const QString& folder, std::vector<RemoteEntry>* entries, QString* error)
+{
+    if (!m_connected) {
+        *error = QStringLiteral("Not connected");
+        return false;
+    }
+    try {
+        m_transfer->core().setLastError(QString());
+        const QString response = m_transfer->mfstr_GetDirectoryList(folder, true, -1);
+        if (!m_transfer->LastErrorString().isEmpty()) {
+            *error = scrubCredentials(m_transfer->LastErrorString(), {m_user, m_password});
+            return false;
+        }
+        *entries = parseRemoteListing(response);
+        return true;
+    } catch (const Failure& f) {
+        *error = scrubCredentials(f.description(), {m_user, m_password});
+    }
+    return false;
+}
+
+bool TransferFolders::upload(const QString& localPath, const QString& controllerPath, QString* error)
+{
+    if (!m_connected) {
+        *error = QStringLiteral("Not connected");
+        return false;
+    }
+    try {
+        if (m_transfer->UploadFile(kPoolKey, localPath, m_server, controllerPath, m_user, m_password, -1))
+            return true;
+        *error = m_transfer->LastErrorString();
+    } catch (const Failure& f) {
+        *error = scrubCredentials(f.description(), {m_user, m_password});
+    }
+    return false;
+}
+
+void TransferFolders::disconnect()
+{
+    if (m_connected)
+        m_transfer->DisconnectRobot(false);
+    m_connected = false;
+}
+
+} // namespace nxr
