@@ -5,7 +5,6 @@
 #include "transfer/ControllerClient.h"
 #include "transfer/NXRFileTransferObject.h"
 
-#include <QLocale>
 #include <QRegularExpression>
 
 namespace nxr {
@@ -67,13 +66,25 @@ bool isFilePath(const QString& path)
 
 } // namespace RemotePaths
 
+namespace {
+// 1 to 12 for "Jan" to "Dec" in any case, 0 otherwise.
+int monthNumber(QStringView name)
+{
+    static const char* const months[] = {"jan", "feb", "mar", "apr", "may", "jun",
+                                         "jul", "aug", "sep", "oct", "nov", "dec"};
+    for (int i = 0; i < 12; ++i)
+        if (name.compare(QLatin1String(months[i]), Qt::CaseInsensitive) == 0)
+            return i + 1;
+    return 0;
+}
+} // namespace
+
 std::vector<RemoteEntry> parseRemoteListing(const QString& response, const QDate& today)
 {
     std::vector<RemoteEntry> entries;
     static const QRegularExpression line(
         QStringLiteral("^([-dDlL][-rwxsStT]{9})\\s+\\S+\\s+\\S+\\s+\\S+\\s+(\\d+)\\s+"
                        "([A-Za-z]{3})\\s+(\\d{1,2})\\s+(\\d{1,2}:\\d{2}|\\d{4})\\s(.+)$"));
-    const QLocale c = QLocale::c();
     const QStringList lines = response.split(QRegularExpression(QStringLiteral("\r?\n")));
     entries.reserve(std::size_t(lines.size()));
     for (const QString& raw : lines) {
@@ -87,21 +98,21 @@ std::vector<RemoteEntry> parseRemoteListing(const QString& response, const QDate
         e.folder = m.captured(1).at(0).toUpper() == QLatin1Char('D');
         e.size = m.captured(2).toLongLong();
         e.date = m.captured(3) + QLatin1Char(' ') + m.captured(4) + QLatin1Char(' ') + m.captured(5);
-        QString month = m.captured(3).toLower();
-        month[0] = month[0].toUpper();
-        const QString dayMonth = month + QLatin1Char(' ') + m.captured(4);
-        if (m.captured(5).contains(QLatin1Char(':'))) {
+        const int month = monthNumber(m.capturedView(3));
+        const int day = m.capturedView(4).toInt();
+        const QStringView last = m.capturedView(5);
+        if (month == 0) {
+            // left invalid: the date text still shows
+        } else if (last.contains(QLatin1Char(':'))) {
             // Without a year: this year, or last year for a date that would lie in the future.
-            QDateTime dt = c.toDateTime(dayMonth + QLatin1Char(' ') + QString::number(today.year()) +
-                                            QLatin1Char(' ') + m.captured(5),
-                                        QStringLiteral("MMM d yyyy H:mm"));
-            if (dt.isValid() && dt.date() > today.addDays(1))
-                dt = dt.addYears(-1);
-            e.modified = dt;
+            const qsizetype colon = last.indexOf(QLatin1Char(':'));
+            const QTime time(last.left(colon).toInt(), last.mid(colon + 1).toInt());
+            QDate date(today.year(), month, day);
+            if (date.isValid() && date > today.addDays(1))
+                date = QDate(today.year() - 1, month, day);
+            e.modified = QDateTime(date, time);
         } else {
-            const QDate d =
-                c.toDate(dayMonth + QLatin1Char(' ') + m.captured(5), QStringLiteral("MMM d yyyy"));
-            e.modified = QDateTime(d, QTime(0, 0));
+            e.modified = QDateTime(QDate(last.toInt(), month, day), QTime(0, 0));
         }
         entries.push_back(std::move(e));
     }
@@ -129,6 +140,13 @@ bool TransferFolders::connect(const QString& server, const QString& user, const 
     disconnect();
     if (!m_transfer->ConnectRobot(kPoolKey, server, user, password)) {
         *error = scrubCredentials(m_transfer->LastErrorString(), {user, password});
+        return false;
+    }
+    // Listings and uploads need the FTP session; HTTP alone (a refused login) is not enough.
+    if (!m_transfer->client() || m_transfer->client()->FtpState() <= 0) {
+        m_transfer->DisconnectRobot(false);
+        *error = QStringLiteral("Could not log in to ") + server +
+                 QStringLiteral(": the controller refused the login or its FTP service does not answer");
         return false;
     }
     m_server = server;
