@@ -8,6 +8,18 @@ PropertyTable& PropertyTable::add(const QString& key, Setter set, Getter get)
     return *this;
 }
 
+PropertyTable& PropertyTable::replace(const QString& key, Setter set, Getter get)
+{
+    for (Entry& e : m_entries) {
+        if (e.key == key) {
+            e.set = std::move(set);
+            e.get = std::move(get);
+            return *this;
+        }
+    }
+    return add(key, std::move(set), std::move(get));
+}
+
 const PropertyTable::Setter* PropertyTable::findSetter(const QString& key) const
 {
     for (const Entry& e : m_entries) {

@@ -27,6 +27,9 @@ public:
     PropertyTable& add(const QString& key, Setter set, Getter get);
     PropertyTable& addWriteOnly(const QString& key, Setter set) { return add(key, std::move(set), {}); }
     PropertyTable& addReadOnly(const QString& key, Getter get) { return add(key, {}, std::move(get)); }
+    // Gives an existing key new sides, keeping its place in the table (a subsystem taking over a
+    // key its host accepted before it existed); a new key is appended.
+    PropertyTable& replace(const QString& key, Setter set, Getter get);
 
     // Exact, case-sensitive lookup in table order; null when no entry has the key with that side.
     const Setter* findSetter(const QString& key) const;

@@ -1,17 +1,16 @@
 #pragma once
-// The image display's mode flags, shared by its collaborators: which editing is active, live
-// mode, colour mode. The subsystems that own an editing or live mode set their flags here.
+// The image display's mode flags, shared by its collaborators: what is being edited, live mode,
+// colour mode. The edit session alone writes the edit; live mode owns the live flags.
+
+#include "imagedisplay/edit/Editor.h"
 
 namespace nxr {
 
 struct DisplayState
 {
-    // -1 while no mask is edited; otherwise the mask edit mode.
+    // What is being edited, and for a mask its edit mode (-1 while no mask is edited).
+    EditKind edit = EditKind::None;
     int editMaskMode = -1;
-    bool editingWindow = false;
-    bool editingCursor = false;
-    bool editingLine = false;
-    bool editingLinePair = false;
 
     bool liveModeOn = false;
     bool liveModeBusy = false;
@@ -20,9 +19,8 @@ struct DisplayState
     bool colorMode = true;
     bool laserButtonEnabled = true;
 
-    bool editingMask() const { return editMaskMode != -1; }
-    bool editingMovable() const { return editingWindow || editingCursor || editingLine || editingLinePair; }
-    bool editing() const { return editingMask() || editingMovable(); }
+    bool editingMask() const { return edit == EditKind::Mask; }
+    bool editing() const { return edit != EditKind::None; }
 };
 
 } // namespace nxr

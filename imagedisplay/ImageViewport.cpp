@@ -38,12 +38,14 @@ void ImageViewport::setPrimaryView(RasterView* view)
 {
     m_primary = view;
     view->setParent(this);
+    view->setMaths(&m_maths);
     imageSizeChanged();
 }
 
 void ImageViewport::addFollowerView(RasterView* view)
 {
     view->setParent(this);
+    view->setMaths(&m_maths);
     m_followers.push_back(view);
     apply();
 }

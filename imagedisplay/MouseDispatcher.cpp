@@ -5,6 +5,9 @@
 #include "imagedisplay/ImageViewport.h"
 #include "imagedisplay/RasterView.h"
 #include "imagedisplay/ViewMaths.h"
+#include "imagedisplay/edit/Interaction.h"
+
+#include <QTimer>
 
 #include <cmath>
 
@@ -35,114 +38,189 @@ int shiftNumber(Qt::KeyboardModifiers m)
         n |= 4;
     return n;
 }
-} // namespace
 
-MouseDispatcher::MouseDispatcher(ImageViewport& viewport, QObject* parent)
-    : QObject(parent), m_viewport(viewport)
-{}
-
-MouseArgs MouseDispatcher::args(Qt::MouseButton button, Qt::MouseButtons held,
-                                Qt::KeyboardModifiers modifiers, const QPointF& position)
+Qt::MouseButton buttonOf(int number)
 {
-    MouseArgs a;
-    a.button = buttonNumber(button != Qt::NoButton ? Qt::MouseButtons(button) : held);
-    a.shift = shiftNumber(modifiers);
-    a.x = position.x();
-    a.y = position.y();
-    return a;
+    if (number & 1)
+        return Qt::LeftButton;
+    if (number & 2)
+        return Qt::RightButton;
+    if (number & 4)
+        return Qt::MiddleButton;
+    return Qt::NoButton;
 }
 
-void MouseDispatcher::attach(RasterView* lead, RasterView* mask)
+Qt::KeyboardModifiers modifiersOf(int shift)
 {
-    m_lead = lead;
-    connect(lead, &RasterView::mousePressed, this,
-            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
-                leadMouseDown(args(b, {}, m, p));
+    Qt::KeyboardModifiers m;
+    if (shift & 1)
+        m |= Qt::ShiftModifier;
+    if (shift & 2)
+        m |= Qt::ControlModifier;
+    if (shift & 4)
+        m |= Qt::AltModifier;
+    return m;
+}
+} // namespace
+
+struct MouseDispatcher::Pending
+{
+    PointerEvent release;
+};
+
+MouseDispatcher::MouseDispatcher(ImageViewport& viewport, QTimer* doubleClickTimer, QObject* parent)
+    : QObject(parent), m_viewport(viewport), m_doubleClickTimer(doubleClickTimer)
+{
+    m_doubleClickTimer->setSingleShot(true);
+    connect(m_doubleClickTimer, &QTimer::timeout, this, &MouseDispatcher::singleClickTimedOut);
+}
+
+MouseDispatcher::~MouseDispatcher() = default;
+
+PointerEvent MouseDispatcher::event(RasterView* view, Qt::MouseButton changed, Qt::MouseButtons held,
+                                    Qt::KeyboardModifiers modifiers, const QPointF& device) const
+{
+    PointerEvent e;
+    e.button = buttonNumber(changed != Qt::NoButton ? Qt::MouseButtons(changed) : held);
+    e.shift = shiftNumber(modifiers);
+    e.changed = changed;
+    e.held = held;
+    e.modifiers = modifiers;
+    e.device = device;
+    e.image = m_viewport.maths().toImage(device);
+    e.mouseMode = m_mode;
+    e.view = view;
+    return e;
+}
+
+void MouseDispatcher::attach(RasterView* view)
+{
+    if (!m_lead)
+        m_lead = view;
+    connect(view, &RasterView::mousePressed, this,
+            [this, view](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
+                press(event(view, b, b, m, p), false);
             });
-    connect(lead, &RasterView::mouseMoved, this,
-            [this](Qt::MouseButtons b, Qt::KeyboardModifiers m, const QPointF& p) {
-                leadMouseMove(args(Qt::NoButton, b, m, p));
+    connect(view, &RasterView::mouseDoubleClicked, this,
+            [this, view](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
+                press(event(view, b, b, m, p), true);
             });
-    connect(lead, &RasterView::mouseReleased, this,
-            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
-                leadMouseUp(args(b, {}, m, p));
+    connect(view, &RasterView::mouseMoved, this,
+            [this, view](Qt::MouseButtons b, Qt::KeyboardModifiers m, const QPointF& p) {
+                move(event(view, Qt::NoButton, b, m, p));
             });
-    connect(lead, &RasterView::wheelTurned, this,
+    connect(view, &RasterView::mouseReleased, this,
+            [this, view](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
+                release(event(view, b, {}, m, p));
+            });
+    connect(view, &RasterView::wheelTurned, this,
             [this](double steps, Qt::KeyboardModifiers, const QPointF& p) { wheel(steps, p); });
-    connect(lead, &RasterView::mouseLeft, this, [this] { Q_EMIT hovering(false, QPointF()); });
-    if (!mask)
-        return;
-    connect(mask, &RasterView::mousePressed, this,
-            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
-                maskMouseDown(args(b, {}, m, p));
-            });
-    connect(mask, &RasterView::mouseMoved, this,
-            [this](Qt::MouseButtons b, Qt::KeyboardModifiers m, const QPointF& p) {
-                maskMouseMove(args(Qt::NoButton, b, m, p));
-            });
-    connect(mask, &RasterView::mouseReleased, this,
-            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
-                maskMouseUp(args(b, {}, m, p));
-            });
-    connect(mask, &RasterView::mouseDoubleClicked, this,
-            [this](Qt::MouseButton b, Qt::KeyboardModifiers m, const QPointF& p) {
-                maskDoubleClick(args(b, {}, m, p));
-            });
-    connect(mask, &RasterView::wheelTurned, this,
-            [this](double steps, Qt::KeyboardModifiers, const QPointF& p) { wheel(steps, p); });
+    connect(view, &RasterView::keyPressed, this, [this](int key, Qt::KeyboardModifiers m, bool* taken) {
+        *taken = m_interaction && m_interaction->key(key, m);
+        if (!*taken)
+            Q_EMIT keyNotTaken(key, m, taken);
+    });
+    connect(view, &RasterView::mouseLeft, this, [this] { Q_EMIT hovering(false, QPointF()); });
 }
 
 void MouseDispatcher::setMouseMode(int mode)
 {
     if (mode < Pointer || mode > ZoomOut)
         return;
+    if (mode != m_mode && m_interaction)
+        m_interaction->cancel();
     m_mode = mode;
     m_panning = false;
-    updateCursor(QPointF());
+    if (m_lead)
+        updateCursor(event(m_lead, Qt::NoButton, {}, {}, QPointF(-1e9, -1e9)));
 }
 
-void MouseDispatcher::updateCursor(const QPointF& image)
+void MouseDispatcher::setInteraction(Interaction* interaction)
 {
-    if (!m_lead)
+    if (interaction == m_interaction)
         return;
+    if (m_interaction)
+        m_interaction->cancel();
+    m_doubleClickTimer->stop();
+    m_pending.reset();
+    m_inDoubleClick = false;
+    m_interaction = interaction;
+}
+
+void MouseDispatcher::updateCursor(const PointerEvent& e)
+{
+    auto* view = const_cast<RasterView*>(e.view);
+    if (!view)
+        return;
+    if (m_interaction) {
+        if (const std::optional<Qt::CursorShape> shape = m_interaction->cursorAt(e)) {
+            view->setCursor(*shape);
+            return;
+        }
+    }
     switch (m_mode) {
     case Pan:
-        m_lead->setCursor(m_panning ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
+        view->setCursor(m_panning ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
         break;
     case ZoomIn:
     case ZoomOut:
-        m_lead->setCursor(Qt::CrossCursor);
+        view->setCursor(Qt::CrossCursor);
         break;
     default:
-        m_lead->setCursor(m_graphics.cursorAt ? m_graphics.cursorAt(image) : Qt::ArrowCursor);
+        view->setCursor(Qt::ArrowCursor);
         break;
     }
 }
 
 void MouseDispatcher::leadMouseDown(const MouseArgs& a)
 {
-    NXR_TRACE(kClass, QStringLiteral("ctl_LEAD_MouseDown"), QStringLiteral("Entered"));
-    const ViewMaths& maths = m_viewport.maths();
-    const QPointF image = maths.toImage(QPointF(a.x, a.y));
-    const double scale = maths.scale();
-    if (m_graphics.setHitTolerance)
-        m_graphics.setHitTolerance(5.0 / scale);
+    if (!m_lead)
+        return;
+    const Qt::MouseButton b = buttonOf(a.button);
+    press(event(m_lead, b, b, modifiersOf(a.shift), QPointF(a.x, a.y)), false);
+}
 
+void MouseDispatcher::press(const PointerEvent& e, bool doubleClick)
+{
+    NXR_TRACE(kClass, QStringLiteral("ctl_LEAD_MouseDown"), QStringLiteral("Entered"));
+    bool taken = false;
+    if (m_interaction) {
+        const double ratio = e.view ? e.view->deviceRatio() : 1.0;
+        m_interaction->setHitTolerance(kHitTolerancePixels * ratio / m_viewport.maths().scale());
+        if (doubleClick) {
+            // The second press of a double click: the first release does not become a click.
+            m_doubleClickTimer->stop();
+            m_pending.reset();
+            m_inDoubleClick = true;
+            taken = m_interaction->doubleClick(e);
+        } else {
+            m_inDoubleClick = false;
+            taken = m_interaction->press(e);
+        }
+    }
+    if (!taken)
+        fallbackPress(e);
+    m_busy = false;
+    NXR_TRACE(kClass, QStringLiteral("ctl_LEAD_MouseDown"), QStringLiteral("Done"));
+}
+
+void MouseDispatcher::fallbackPress(const PointerEvent& e)
+{
+    const ViewMaths& maths = m_viewport.maths();
     switch (m_mode) {
-    case Pointer:
-        if (m_graphics.down)
-            m_graphics.down(a, image);
-        break;
     case Pan:
-        if (m_graphics.clearHitState)
-            m_graphics.clearHitState();
+        if (m_interaction)
+            m_interaction->cancel();
         m_panning = true;
-        m_panStart = QPointF(a.x, a.y);
+        m_panStart = e.device;
         m_panStartScroll = maths.scrollPosition();
-        updateCursor(image);
+        updateCursor(e);
         break;
     case ZoomIn:
     case ZoomOut: {
+        if (e.view != m_lead)
+            break;
+        const MouseArgs a{e.button, e.shift, e.device.x(), e.device.y()};
         if (m_defer && m_defer(a))
             break;
         if (m_busy)
@@ -154,7 +232,7 @@ void MouseDispatcher::leadMouseDown(const MouseArgs& a)
         if (in || out) {
             const float wanted =
                 ViewMaths::integerZoom(in ? double(current) * 2.0 : double(current) / 2.0, true);
-            const float zoom = m_viewport.focusedZoom(wanted, image.x(), image.y());
+            const float zoom = m_viewport.focusedZoom(wanted, e.image.x(), e.image.y());
             NXR_TRACE(kClass, QStringLiteral("ctl_LEAD_MouseDown"),
                       QStringLiteral("new zoom=") + fromSingle(zoom));
             Q_EMIT userZoomed(zoom);
@@ -164,40 +242,51 @@ void MouseDispatcher::leadMouseDown(const MouseArgs& a)
     default:
         break;
     }
-    m_busy = false;
-    NXR_TRACE(kClass, QStringLiteral("ctl_LEAD_MouseDown"), QStringLiteral("Done"));
 }
 
-void MouseDispatcher::leadMouseMove(const MouseArgs& a)
+void MouseDispatcher::move(const PointerEvent& e)
 {
-    const QPointF position(a.x, a.y);
-    if (m_mode == Pan && m_panning && (a.button & 1)) {
-        const QPointF moved = position - m_panStart;
+    const bool dragging = e.held != Qt::NoButton;
+    bool taken = false;
+    if (m_interaction)
+        taken = dragging ? m_interaction->move(e) : m_interaction->hover(e);
+    if (!taken && m_mode == Pan && m_panning && (e.held & Qt::LeftButton)) {
+        const QPointF moved = e.device - m_panStart;
         m_viewport.setScrollPosition(m_panStartScroll -
                                      QPoint(int(std::lround(moved.x())), int(std::lround(moved.y()))));
     }
-    const QPointF image = m_viewport.maths().toImage(position);
-    if (m_mode == Pointer) {
-        if (m_graphics.move)
-            m_graphics.move(a, image);
-        updateCursor(image);
-    }
+    updateCursor(e);
     const QSize size = m_viewport.maths().imageSize();
     const bool inside =
-        image.x() >= 0 && image.y() >= 0 && image.x() < size.width() && image.y() < size.height();
-    Q_EMIT hovering(inside, image);
+        e.image.x() >= 0 && e.image.y() >= 0 && e.image.x() < size.width() && e.image.y() < size.height();
+    Q_EMIT hovering(inside, e.image);
 }
 
-void MouseDispatcher::leadMouseUp(const MouseArgs& a)
+void MouseDispatcher::release(const PointerEvent& e)
 {
     NXR_TRACE(kClass, QStringLiteral("ctl_LEAD_MouseUp"), QStringLiteral("Entered"));
-    if (m_panning) {
+    bool taken = false;
+    if (m_interaction) {
+        taken = m_interaction->release(e);
+        if (m_inDoubleClick) {
+            m_inDoubleClick = false;
+        } else {
+            m_pending = std::make_unique<Pending>(Pending{e});
+            m_doubleClickTimer->start();
+        }
+    }
+    if (!taken && m_panning) {
         m_panning = false;
-        updateCursor(QPointF());
-    } else if (m_mode == Pointer && m_graphics.up) {
-        m_graphics.up(a, m_viewport.maths().toImage(QPointF(a.x, a.y)));
+        updateCursor(e);
     }
     NXR_TRACE(kClass, QStringLiteral("ctl_LEAD_MouseUp"), QStringLiteral("Done"));
+}
+
+void MouseDispatcher::singleClickTimedOut()
+{
+    std::unique_ptr<Pending> pending = std::move(m_pending);
+    if (pending && m_interaction)
+        m_interaction->click(pending->release);
 }
 
 void MouseDispatcher::wheel(double steps, const QPointF& devicePoint)
@@ -215,34 +304,6 @@ void MouseDispatcher::wheel(double steps, const QPointF& devicePoint)
     m_wheelAnchor = WheelAnchor{devicePoint, image, maths.origin(), zoom};
     if (zoom != before)
         Q_EMIT userZoomed(zoom);
-}
-
-void MouseDispatcher::maskMouseDown(const MouseArgs& a)
-{
-    if (m_mask.down)
-        m_mask.down(a, m_viewport.maths().toImage(QPointF(a.x, a.y)));
-}
-
-void MouseDispatcher::maskMouseMove(const MouseArgs& a)
-{
-    const QPointF image = m_viewport.maths().toImage(QPointF(a.x, a.y));
-    if (m_mask.move)
-        m_mask.move(a, image);
-    const QSize size = m_viewport.maths().imageSize();
-    Q_EMIT hovering(image.x() >= 0 && image.y() >= 0 && image.x() < size.width() && image.y() < size.height(),
-                    image);
-}
-
-void MouseDispatcher::maskMouseUp(const MouseArgs& a)
-{
-    if (m_mask.up)
-        m_mask.up(a, m_viewport.maths().toImage(QPointF(a.x, a.y)));
-}
-
-void MouseDispatcher::maskDoubleClick(const MouseArgs& a)
-{
-    if (m_mask.doubleClick)
-        m_mask.doubleClick(a, m_viewport.maths().toImage(QPointF(a.x, a.y)));
 }
 
 } // namespace nxr

@@ -1,11 +1,12 @@
 #pragma once
-// One place for the mouse events of the image display's raster views.
+// One place for the mouse and key events of the image display's raster views.
 //
-// On the image view: pointer mode hands the events to the movable-graphics editing; pan mode
-// drags the image with the mouse; zoom modes zoom by a factor of two at the clicked point; the
-// wheel zooms in any mode, keeping the point under the cursor in place. Events on the mask view
-// go to the mask editing. Both editings are hooks filled by their subsystems; while a hook is
-// empty its events are ignored.
+// Every event of the image view (and of the mask view while it is shown) goes first to the
+// active Interaction (edit/Interaction.h), which an editor installs through the edit session.
+// What the interaction does not take gets the display's own handling by mouse mode: pan mode
+// drags the image, the zoom modes zoom by a factor of two at the clicked point. The wheel zooms
+// in any mode, keeping the point under the cursor in place. Releases become single clicks only
+// after the double-click timer (tmr_LEADDblClick) ran out without a second press.
 
 #include "frame/Export.h"
 
@@ -14,11 +15,16 @@
 #include <QPointF>
 
 #include <functional>
+#include <memory>
+
+class QTimer;
 
 namespace nxr {
 
 class ImageViewport;
+class Interaction;
 class RasterView;
+struct PointerEvent;
 
 // A mouse event as the scripting world sees it: Button 1 left, 2 right, 4 middle; Shift 1
 // shift, 2 control, 4 alt; X and Y in device pixels of the raster view.
@@ -36,73 +42,66 @@ class NXR_EXPORT MouseDispatcher : public QObject
 
 public:
     enum MouseMode { Pointer = 1, Pan = 2, ZoomIn = 3, ZoomOut = 4 };
+    // Hit tolerance of the editors, in screen pixels.
+    static constexpr double kHitTolerancePixels = 5.0;
 
-    // The movable-graphics editing, in image coordinates.
-    struct GraphicsHooks
-    {
-        std::function<void(const MouseArgs&, const QPointF& image)> down;
-        std::function<void(const MouseArgs&, const QPointF& image)> move;
-        std::function<void(const MouseArgs&, const QPointF& image)> up;
-        // Hit tolerance in image pixels (always 5 screen pixels).
-        std::function<void(double imagePixels)> setHitTolerance;
-        std::function<void()> clearHitState;
-        // The cursor over a point in pointer mode.
-        std::function<Qt::CursorShape(const QPointF& image)> cursorAt;
-    };
-    // The mask editing, in image coordinates.
-    struct MaskHooks
-    {
-        std::function<void(const MouseArgs&, const QPointF& image)> down;
-        std::function<void(const MouseArgs&, const QPointF& image)> move;
-        std::function<void(const MouseArgs&, const QPointF& image)> up;
-        std::function<void(const MouseArgs&, const QPointF& image)> doubleClick;
-    };
+    // doubleClickTimer: single shot; its interval is the double-click time.
+    MouseDispatcher(ImageViewport& viewport, QTimer* doubleClickTimer, QObject* parent = nullptr);
+    ~MouseDispatcher() override;
 
-    MouseDispatcher(ImageViewport& viewport, QObject* parent = nullptr);
-
-    // Connects the image view and the mask view.
-    void attach(RasterView* lead, RasterView* mask);
+    // Connects a raster view (the image view first, then the mask view).
+    void attach(RasterView* view);
 
     int mouseMode() const { return m_mode; }
     void setMouseMode(int mode);
     bool busy() const { return m_busy; }
     bool panning() const { return m_panning; }
 
-    void setGraphicsHooks(GraphicsHooks hooks) { m_graphics = std::move(hooks); }
-    void setMaskHooks(MaskHooks hooks) { m_mask = std::move(hooks); }
+    // The interaction that sees the events first; null for none. The one replaced is cancelled.
+    void setInteraction(Interaction* interaction);
+    Interaction* interaction() const { return m_interaction; }
+
     // Asked before a zoom click is applied; returning true means the click was kept for later
     // (live mode queues clicks that arrive while an image is loading) and is not applied now.
     void setZoomClickDeferral(std::function<bool(const MouseArgs&)> defer) { m_defer = std::move(defer); }
 
-    // The handlers, also for replaying a kept click.
+    // A mouse-down on the image view, as if it arrived now (replays a kept zoom click).
     void leadMouseDown(const MouseArgs& args);
-    void leadMouseMove(const MouseArgs& args);
-    void leadMouseUp(const MouseArgs& args);
     void wheel(double steps, const QPointF& devicePoint);
-    void maskMouseDown(const MouseArgs& args);
-    void maskMouseMove(const MouseArgs& args);
-    void maskMouseUp(const MouseArgs& args);
-    void maskDoubleClick(const MouseArgs& args);
-
-    static MouseArgs args(Qt::MouseButton button, Qt::MouseButtons held, Qt::KeyboardModifiers modifiers,
-                          const QPointF& position);
 
 Q_SIGNALS:
     // A zoom the user made with the mouse (click or wheel).
     void userZoomed(float zoom);
     // The image point under the mouse; hovering(false, ...) when the mouse left the image.
     void hovering(bool inside, const QPointF& image);
+    // A key on an image view that the interaction did not take; a receiver that uses it sets
+    // *taken.
+    void keyNotTaken(int key, Qt::KeyboardModifiers modifiers, bool* taken);
 
 private:
-    void updateCursor(const QPointF& image);
+    PointerEvent event(RasterView* view, Qt::MouseButton changed, Qt::MouseButtons held,
+                       Qt::KeyboardModifiers modifiers, const QPointF& device) const;
+    void press(const PointerEvent& e, bool doubleClick);
+    void move(const PointerEvent& e);
+    void release(const PointerEvent& e);
+    void fallbackPress(const PointerEvent& e);
+    void updateCursor(const PointerEvent& e);
+    void singleClickTimedOut();
 
     ImageViewport& m_viewport;
+    QTimer* m_doubleClickTimer;
     RasterView* m_lead = nullptr;
+    Interaction* m_interaction = nullptr;
     int m_mode = Pointer;
     bool m_busy = false;
     bool m_panning = false;
     QPointF m_panStart;
     QPoint m_panStartScroll;
+    // The release waiting to become a single click, and whether the press in progress is the
+    // second of a double click.
+    struct Pending;
+    std::unique_ptr<Pending> m_pending;
+    bool m_inDoubleClick = false;
     // The point a run of wheel steps at one cursor position is anchored to, so that the
     // whole-pixel rounding of each step does not add up.
     struct WheelAnchor
@@ -113,8 +112,6 @@ private:
         float zoom = 0.0f;
     };
     WheelAnchor m_wheelAnchor;
-    GraphicsHooks m_graphics;
-    MaskHooks m_mask;
     std::function<bool(const MouseArgs&)> m_defer;
 };
 

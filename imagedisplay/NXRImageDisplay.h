@@ -8,16 +8,18 @@
 //   MouseDispatcher                     mouse modes, pan, zoom clicks, wheel, editing hooks
 //   ToolbarClickHandler                 tool-bar actions and which names the page hears
 //   DisplayLayout                       placement of the parts
+//   EditSession (edit/)                 the one edit: OK/Cancel bar, Accept/Cancel, interaction
+//   DisplayParts (edit/)                subsystems plugged in (graphics, movable shapes, masks)
 //
 // C++ entry for showing an image: showImage(). Script entry for a local file: LoadLocalImage().
 
 #include "frame/Export.h"
 #include "frame/ScriptableWidget.h"
-#include "imagedisplay/DisplayState.h"
 
 #include <QImage>
 
 #include <memory>
+#include <typeinfo>
 
 class QFrame;
 class QLabel;
@@ -27,7 +29,12 @@ class NXRStatusBar;
 class NXRViewButtons;
 
 namespace nxr {
+class DisplayEditHost;
 class DisplayLoading;
+class DisplayPart;
+class EditHost;
+class EditSession;
+struct DisplayState;
 class ImageViewport;
 class MouseDispatcher;
 class RasterView;
@@ -62,7 +69,7 @@ public:
     explicit NXRImageDisplay(QWidget* parent = nullptr);
     ~NXRImageDisplay() override;
 
-    QString Caption() const { return m_caption; }
+    QString Caption() const;
     void setCaption(const QString& value);
     float Zoom() const;
     void setZoom(float value);
@@ -74,19 +81,19 @@ public:
     void setWindowResetButtonVisible(bool value);
     bool OpenSaveButtonsVisible();
     void setOpenSaveButtonsVisible(bool value);
-    QString OverrideImageLabelCaption() const { return m_overrideCaption; }
+    QString OverrideImageLabelCaption() const;
     void setOverrideImageLabelCaption(const QString& value);
-    int OverrideImageLabelColor() const { return m_overrideColor; }
+    int OverrideImageLabelColor() const;
     void setOverrideImageLabelColor(int value);
-    bool HourglassCursor() const { return m_hourglass; }
+    bool HourglassCursor() const;
     void setHourglassCursor(bool value);
-    bool ProgressCursor() const { return m_progress; }
+    bool ProgressCursor() const;
     void setProgressCursor(bool value);
-    QString HostName() const { return m_hostName; }
+    QString HostName() const;
     void setHostName(const QString& value);
-    int ForeColor() const { return m_foreColor; }
+    int ForeColor() const;
     void setForeColor(int value);
-    bool ShowFrame() const { return m_showFrame; }
+    bool ShowFrame() const;
     void setShowFrame(bool value);
     bool AcquireEnabled();
     void setAcquireEnabled(bool value);
@@ -113,38 +120,43 @@ public:
 
     // ---- C++ interface for the library's other subsystems ----
 
-    // Shows a bitmap in ctl_LEAD. With keepViewIfSameSize and an image of the size of the one
-    // shown, zoom and scroll stay; otherwise the image is fitted and OnZoomChanged raised.
+    // Shows a bitmap in ctl_LEAD and files it as the current image. With keepViewIfSameSize and
+    // an image of the size of the one shown, zoom and scroll stay; otherwise the image is fitted
+    // and OnZoomChanged raised.
     void showImage(const QImage& image, bool keepViewIfSameSize = true);
     // Removes the shown image.
     void clearImage();
     // Sets the file name GetProperty("OriginalFilename") reports.
-    void setOriginalFilename(const QString& name) { m_originalFilename = name; }
+    void setOriginalFilename(const QString& name);
 
-    nxr::DisplayLoading& loading() const { return *m_loading; }
+    nxr::DisplayLoading& loading() const;
     // Back to the first state (pointer mouse mode, raster views repainting, layout).
     void InitDisplay();
 
-    nxr::RasterView* leadView() const { return m_lead; }
-    nxr::RasterView* tempLeadView() const { return m_tempLead; }
-    nxr::RasterView* maskLeadView() const { return m_maskLead; }
-    nxr::RasterView* originalMaskLeadView() const { return m_originalMaskLead; }
-    nxr::RasterView* overlayLeadView() const { return m_overlayLead; }
+    nxr::RasterView* leadView() const;
+    nxr::RasterView* tempLeadView() const;
+    nxr::RasterView* maskLeadView() const;
+    nxr::RasterView* originalMaskLeadView() const;
+    nxr::RasterView* overlayLeadView() const;
     // ctl_MaskLEAD while a mask is edited, ctl_LEAD otherwise.
     nxr::RasterView* activeView() const;
-    nxr::ImageViewport& viewport() const { return *m_viewport; }
-    nxr::MouseDispatcher& mouse() const { return *m_mouse; }
-    nxr::ToolbarClickHandler& toolbarClicks() const { return *m_clicks; }
-    NXRViewButtons* viewButtons() const { return m_viewButtons; }
-    NXRStatusBar* statusBar() const { return m_statusBar; }
-    nxr::DisplayState& state() { return m_state; }
-    const nxr::DisplayState& state() const { return m_state; }
-    // Shows or hides the OK/Cancel bar after an editing mode began or ended.
-    void editModeChanged();
+    nxr::ImageViewport& viewport() const;
+    nxr::MouseDispatcher& mouse() const;
+    nxr::ToolbarClickHandler& toolbarClicks() const;
+    NXRViewButtons* viewButtons() const;
+    NXRStatusBar* statusBar() const;
+    nxr::DisplayState& state();
+    const nxr::DisplayState& state() const;
+    // The one edit (OK/Cancel bar, Accept/Cancel, the editor's interaction).
+    nxr::EditSession& editSession() const;
+    // What the editing subsystems see of the display.
+    nxr::EditHost& editHost() const;
+    // A subsystem registered with NXR_REGISTER_DISPLAY_PART (edit/DisplayParts.h).
+    template <typename Part> Part& part() const { return static_cast<Part&>(partOf(typeid(Part))); }
     // The busy flag of the zoom click handler.
     bool busy() const;
     int mouseMode() const;
-    float defaultZoom() const { return m_defaultZoom; }
+    float defaultZoom() const;
 
     // Updates the status bar and raises OnZoomChanged with the active view's zoom.
     void raiseZoomChanged();
@@ -153,12 +165,10 @@ public:
     void RefreshDisplay();
     // Writes the view's rectangles to the trace (the hidden cmd_Debug button does the same).
     void msub_OutputLEADDims();
-    // Flashes the OK/Cancel bar to remind the user to finish the editing.
-    void flashOKCancel();
 
-    QTimer* liveModeTimer() const { return m_tmrLiveMode; }
-    QTimer* imageRefreshTimer() const { return m_tmrImageRefresh; }
-    QTimer* leadDoubleClickTimer() const { return m_tmrLEADDblClick; }
+    QTimer* liveModeTimer() const;
+    QTimer* imageRefreshTimer() const;
+    QTimer* leadDoubleClickTimer() const;
 
 Q_SIGNALS:
     void OnButtonClicked(const QString& str_Button);
@@ -179,12 +189,14 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    friend class nxr::DisplayEditHost; // hands the property table to the plugged-in parts
+    struct Private;
+
     void UserControl_Initialize();
     void UserControl_Resize();
     void UserControl_Terminate();
     void addKeys();
     void setupToolbarActions();
-    void msub_Localize();
     void msub_UpdateImageCaption();
     void msub_SetFontName(const QString& name);
     void msub_SetFontSize(double size);
@@ -193,55 +205,10 @@ private:
     bool toolbarFlag(const QString& key);
     void forwardToButtonControls(const QString& key, bool value);
     void ctl_NXRViewButtons_OnButtonClicked(int button);
-    void cmd_OK_Click();
-    void cmd_Cancel_Click();
+    void editChanged();
     void showPixelUnderMouse(bool inside, const QPointF& image);
     int frameMarginPixels() const;
+    nxr::DisplayPart& partOf(const std::type_info& type) const;
 
-    nxr::DisplayState m_state;
-    std::unique_ptr<nxr::DisplayLoading> m_loading;
-    nxr::ImageViewport* m_viewport = nullptr;
-    nxr::MouseDispatcher* m_mouse = nullptr;
-    nxr::ToolbarClickHandler* m_clicks = nullptr;
-    nxr::RasterView* m_lead = nullptr;
-    nxr::RasterView* m_tempLead = nullptr;
-    nxr::RasterView* m_maskLead = nullptr;
-    nxr::RasterView* m_originalMaskLead = nullptr;
-    nxr::RasterView* m_overlayLead = nullptr;
-    NXRViewButtons* m_viewButtons = nullptr;
-    NXRStatusBar* m_statusBar = nullptr;
-    QFrame* m_fraImage = nullptr;
-    QLabel* m_lblOverride = nullptr;
-    QFrame* m_fraOKCancel = nullptr;
-    QLabel* m_lblOKCancel = nullptr;
-    QPushButton* m_cmdOK = nullptr;
-    QPushButton* m_cmdCancel = nullptr;
-    QPushButton* m_cmdDebug = nullptr;
-    QTimer* m_tmrLiveMode = nullptr;
-    QTimer* m_tmrImageRefresh = nullptr;
-    QTimer* m_tmrFlashOKCancel = nullptr;
-    QTimer* m_tmrResize = nullptr;
-    QTimer* m_tmrLEADDblClick = nullptr;
-
-    QString m_caption;
-    QString m_overrideCaption;
-    int m_overrideColor = 0x0000FF; // red, 0x00BBGGRR
-    QString m_hostName;
-    int m_foreColor = 0;
-    bool m_showFrame = false;
-    bool m_hourglass = false;
-    bool m_progress = false;
-    float m_defaultZoom = 100.0f;
-    QString m_fontName;
-    double m_fontSize = 0;
-    bool m_fontSetByPage = false;
-    QString m_originalFilename;
-    int m_ftpPortNo = 21;
-    int m_httpPortNo = 80;
-    bool m_enableLogImageLoad = false;
-    double m_minPairWidth = 0;
-    double m_maxPairWidth = 0;
-    bool m_inResize = false;
-    bool m_shown = false;
-    int m_flashesLeft = 0;
+    std::unique_ptr<Private> d;
 };

@@ -7,6 +7,10 @@
 #include <cmath>
 #include <cstring>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace nxr {
 namespace {
 
@@ -26,6 +30,30 @@ bool drawnAsIs(QImage::Format format)
     return format == QImage::Format_Grayscale8 || format == QImage::Format_RGB32;
 }
 
+// Grey to RGB32, sixteen pixels a step where the processor allows: the grey byte is spread
+// into blue, green and red and an opaque alpha put beside it by byte interleaving.
+inline void greyRow(const uchar* in, QRgb* out, int width)
+{
+    int i = 0;
+#ifdef __SSE2__
+    const __m128i opaque = _mm_set1_epi8(char(0xFF));
+    for (; i + 16 <= width; i += 16) {
+        const __m128i g = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i));
+        const __m128i gg0 = _mm_unpacklo_epi8(g, g);
+        const __m128i gg1 = _mm_unpackhi_epi8(g, g);
+        const __m128i ga0 = _mm_unpacklo_epi8(g, opaque);
+        const __m128i ga1 = _mm_unpackhi_epi8(g, opaque);
+        auto* o = reinterpret_cast<__m128i*>(out + i);
+        _mm_storeu_si128(o, _mm_unpacklo_epi16(gg0, ga0));
+        _mm_storeu_si128(o + 1, _mm_unpackhi_epi16(gg0, ga0));
+        _mm_storeu_si128(o + 2, _mm_unpacklo_epi16(gg1, ga1));
+        _mm_storeu_si128(o + 3, _mm_unpackhi_epi16(gg1, ga1));
+    }
+#endif
+    for (; i < width; ++i)
+        out[i] = 0xFF000000u | (quint32(in[i]) * 0x00010101u);
+}
+
 // Red in bits 16-23, green moved to bits 32-39, blue in bits 0-7: four pixels can be added
 // without one channel spilling into the next.
 inline quint64 spread(QRgb p)
@@ -38,41 +66,52 @@ inline QRgb gather(quint64 v)
     return 0xFF000000u | QRgb(v & 0x00FF00FFu) | (QRgb((v >> 24) & 0x0000FF00u));
 }
 
-// One halving step: each pixel is the mean of a 2 x 2 block; an odd last row or column repeats
-// its edge pixel.
-QImage halve(const QImage& src)
+// One halving step over the destination rectangle `part`: each pixel is the mean of a 2 x 2
+// block of src; an odd last row or column repeats its edge pixel.
+void halveInto(const QImage& src, QImage& dst, const QRect& part)
 {
-    const int w = (src.width() + 1) / 2;
-    const int h = (src.height() + 1) / 2;
-    QImage dst(w, h, src.format());
     const int lastX = src.width() - 1;
     const int lastY = src.height() - 1;
-    for (int y = 0; y < h; ++y) {
-        const int y0 = std::min(2 * y, lastY);
-        const int y1 = std::min(2 * y + 1, lastY);
+    const int x0 = part.left(), x1 = part.right();
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        const int ya = std::min(2 * y, lastY);
+        const int yb = std::min(2 * y + 1, lastY);
         if (src.format() == QImage::Format_Grayscale8) {
-            const uchar* a = src.constScanLine(y0);
-            const uchar* b = src.constScanLine(y1);
+            const uchar* a = src.constScanLine(ya);
+            const uchar* b = src.constScanLine(yb);
             uchar* out = dst.scanLine(y);
-            for (int x = 0; x < w; ++x) {
-                const int x0 = std::min(2 * x, lastX);
-                const int x1 = std::min(2 * x + 1, lastX);
-                out[x] = uchar((a[x0] + a[x1] + b[x0] + b[x1] + 2) / 4);
+            for (int x = x0; x <= x1; ++x) {
+                const int xa = std::min(2 * x, lastX);
+                const int xb = std::min(2 * x + 1, lastX);
+                out[x] = uchar((a[xa] + a[xb] + b[xa] + b[xb] + 2) / 4);
             }
         } else {
-            const QRgb* a = reinterpret_cast<const QRgb*>(src.constScanLine(y0));
-            const QRgb* b = reinterpret_cast<const QRgb*>(src.constScanLine(y1));
+            const QRgb* a = reinterpret_cast<const QRgb*>(src.constScanLine(ya));
+            const QRgb* b = reinterpret_cast<const QRgb*>(src.constScanLine(yb));
             QRgb* out = reinterpret_cast<QRgb*>(dst.scanLine(y));
-            for (int x = 0; x < w; ++x) {
-                const int x0 = std::min(2 * x, lastX);
-                const int x1 = std::min(2 * x + 1, lastX);
+            for (int x = x0; x <= x1; ++x) {
+                const int xa = std::min(2 * x, lastX);
+                const int xb = std::min(2 * x + 1, lastX);
                 // The three channels side by side in 16-bit lanes, summed in one go.
-                const quint64 sum = spread(a[x0]) + spread(a[x1]) + spread(b[x0]) + spread(b[x1]) + kRounding;
+                const quint64 sum = spread(a[xa]) + spread(a[xb]) + spread(b[xa]) + spread(b[xb]) + kRounding;
                 out[x] = gather(sum >> 2);
             }
         }
     }
+}
+
+QImage halve(const QImage& src)
+{
+    QImage dst((src.width() + 1) / 2, (src.height() + 1) / 2, src.format());
+    halveInto(src, dst, dst.rect());
     return dst;
+}
+
+// The pixels of a halved image that depend on `region` of the image it was halved from.
+QRect halvedRegion(const QRect& region)
+{
+    return QRect(QPoint(region.left() / 2, region.top() / 2),
+                 QPoint(region.right() / 2, region.bottom() / 2));
 }
 
 } // namespace
@@ -88,8 +127,36 @@ void RasterRenderer::setImage(const QImage& image)
 void RasterRenderer::imageChanged()
 {
     m_converted = QImage();
+    m_paintReady = QImage();
+    m_greyConversions = 0;
     m_levels.clear();
     discardBuffer();
+}
+
+void RasterRenderer::imageChanged(const QRect& region)
+{
+    QRect r = region.intersected(m_image.rect());
+    if (r.isEmpty())
+        return;
+    discardBuffer();
+    if (!m_converted.isNull()) {
+        QPainter p(&m_converted);
+        p.fillRect(r, m_background);
+        p.drawImage(r.topLeft(), m_image, r);
+    }
+    if (!m_paintReady.isNull()) {
+        for (int y = r.top(); y <= r.bottom(); ++y)
+            greyRow(m_image.constScanLine(y) + r.left(),
+                    reinterpret_cast<QRgb*>(m_paintReady.scanLine(y)) + r.left(), r.width());
+    }
+    const QImage* previous = &displaySource();
+    for (QImage& level : m_levels) {
+        r = halvedRegion(r).intersected(level.rect());
+        if (r.isEmpty())
+            break;
+        halveInto(*previous, level, r);
+        previous = &level;
+    }
 }
 
 void RasterRenderer::discardBuffer()
@@ -126,15 +193,15 @@ const QImage& RasterRenderer::level(int index)
     const QImage& source = displaySource();
     if (index <= 0 || source.isNull())
         return source;
-    if (m_levels.empty())
-        m_levels.push_back(source);
-    while (int(m_levels.size()) <= index) {
-        const QImage& last = m_levels.back();
+    while (int(m_levels.size()) < index) {
+        const QImage& last = m_levels.empty() ? source : m_levels.back();
         if (last.width() <= 1 && last.height() <= 1)
             break;
         m_levels.push_back(halve(last));
     }
-    return m_levels[size_t(std::min(index, int(m_levels.size()) - 1))];
+    if (m_levels.empty())
+        return source;
+    return m_levels[size_t(std::min(index, int(m_levels.size())) - 1)];
 }
 
 void RasterRenderer::paint(QPainter& painter, const QRect& area, float zoom, const QPoint& origin)
@@ -172,20 +239,50 @@ void RasterRenderer::paint(QPainter& painter, const QRect& area, float zoom, con
     const int levelIndex = levelForZoom(zoom);
     const QImage& src = level(levelIndex);
     const double levelScale = scale * double(1 << levelIndex);
+    const bool exact = std::abs(levelScale - 1.0) < 1e-9;
 
-    if (std::abs(levelScale - 1.0) < 1e-9) {
+    const bool greyAtFull = exact && levelIndex == 0 && src.format() == QImage::Format_Grayscale8;
+    if (greyAtFull && (!m_paintReady.isNull() || (m_greyConversions >= kConversionsBeforeCopy &&
+                                                  qint64(src.width()) * src.height() <= kPaintReadyPixels))) {
+        if (m_paintReady.isNull()) {
+            m_paintReady = QImage(src.size(), QImage::Format_RGB32);
+            for (int y = 0; y < src.height(); ++y)
+                greyRow(src.constScanLine(y), reinterpret_cast<QRgb*>(m_paintReady.scanLine(y)), src.width());
+        }
+        painter.drawImage(shown.topLeft(), m_paintReady, shown.translated(-origin));
+        return;
+    }
+    if (exact && src.format() != QImage::Format_Grayscale8) {
         // No scaling: draw the visible part straight from the bitmap (or its reduction).
         painter.drawImage(shown.topLeft(), src, shown.translated(-origin));
         return;
     }
-    if (!m_bufferValid || m_bufferRect != shown || m_bufferZoom != zoom || m_bufferOrigin != origin) {
-        renderBuffer(src, levelScale, shown, origin);
+    // The buffer is kept for the view it was made for; a repaint of part of that view (a layer
+    // asking for a small rectangle) takes its part of the buffer.
+    const bool reusable =
+        m_bufferValid && m_bufferZoom == zoom && m_bufferOrigin == origin && m_bufferRect.contains(shown);
+    if (!reusable) {
+        if (exact) {
+            convertBuffer(src, shown, origin);
+            ++m_greyConversions;
+        } else
+            renderBuffer(src, levelScale, shown, origin);
         m_bufferRect = shown;
         m_bufferZoom = zoom;
         m_bufferOrigin = origin;
         m_bufferValid = true;
     }
-    painter.drawImage(shown.topLeft(), m_buffer);
+    painter.drawImage(shown.topLeft(), m_buffer, shown.translated(-m_bufferRect.topLeft()));
+}
+
+void RasterRenderer::convertBuffer(const QImage& grey, const QRect& target, const QPoint& origin)
+{
+    if (m_buffer.size() != target.size())
+        m_buffer = QImage(target.size(), QImage::Format_RGB32);
+    const QPoint from = target.topLeft() - origin;
+    for (int j = 0; j < target.height(); ++j)
+        greyRow(grey.constScanLine(from.y() + j) + from.x(), reinterpret_cast<QRgb*>(m_buffer.scanLine(j)),
+                target.width());
 }
 
 void RasterRenderer::renderBuffer(const QImage& source, double levelScale, const QRect& target,

@@ -9,8 +9,16 @@
 // is reused while neither the bitmap nor the view changes. A view that needs no scaling at all
 // is drawn straight from the bitmap.
 //
-// Grey (Format_Grayscale8) and RGB32 bitmaps are drawn as they are; other formats are drawn
-// from an RGB32 copy.
+// RGB32 bitmaps are drawn as they are. A grey (Format_Grayscale8) bitmap at 100 % is converted
+// only where it is visible, into the reused buffer, so a repaint of an unchanged view costs what
+// a colour one does. Once the same bitmap has needed kConversionsBeforeCopy such conversions (it
+// is being scrolled or panned, not replaced by the next live image), it gets a paint-ready RGB32
+// copy and every repaint costs what a colour one does. The copy takes four bytes a pixel, so a
+// grey bitmap above kPaintReadyPixels never gets one. The reductions stay grey. Other formats are
+// drawn from an RGB32 copy.
+//
+// A change of part of the bitmap (imageChanged(rect)) rebuilds only that part of the copy and
+// of the reductions.
 
 #include "frame/Export.h"
 
@@ -28,6 +36,10 @@ namespace nxr {
 class NXR_EXPORT RasterRenderer
 {
 public:
+    // The largest grey bitmap (in pixels) that gets a paint-ready colour copy: 16 M pixels, 64 MB.
+    static constexpr qint64 kPaintReadyPixels = 16 * 1024 * 1024;
+    static constexpr int kConversionsBeforeCopy = 3;
+
     RasterRenderer();
 
     // A new bitmap (shared, not copied). Drops the reductions and the buffer.
@@ -35,6 +47,10 @@ public:
     const QImage& image() const { return m_image; }
     // The bitmap's pixels changed in place: drops the reductions and the buffer.
     void imageChanged();
+    // Part of the bitmap changed in place: updates that part of the copy and the reductions.
+    void imageChanged(const QRect& region);
+    // The bitmap for changing in place (detached from other holders on first write).
+    QImage& editableImage() { return m_image; }
     // Drops the scaled buffer only, so that the next paint scales again.
     void discardBuffer();
 
@@ -54,10 +70,13 @@ public:
 private:
     const QImage& displaySource();
     void renderBuffer(const QImage& source, double levelScale, const QRect& target, const QPoint& origin);
+    void convertBuffer(const QImage& grey, const QRect& target, const QPoint& origin);
 
     QImage m_image;
-    QImage m_converted; // RGB32 copy for formats drawn through a conversion
-    std::vector<QImage> m_levels;
+    QImage m_converted;           // RGB32 copy for formats drawn through a conversion
+    QImage m_paintReady;          // RGB32 copy of a grey bitmap for drawing at 100 %
+    int m_greyConversions = 0;    // conversions of the visible part of this grey bitmap
+    std::vector<QImage> m_levels; // m_levels[k - 1] is reduction level k
     QColor m_background = QColor(128, 128, 128);
 
     QImage m_buffer;

@@ -1,10 +1,15 @@
 #include "imagedisplay/RasterView.h"
 
+#include "imagedisplay/ViewMaths.h"
+#include "imagedisplay/edit/PaintLayer.h"
+
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <cmath>
 
 namespace nxr {
@@ -101,16 +106,61 @@ QSize RasterView::deviceSize() const
     return QSize(int(std::lround(width() * ratio)), int(std::lround(height() * ratio)));
 }
 
-QPointF RasterView::toImage(const QPointF& device) const
+void RasterView::bitmapChanged(const QRect& imageRect)
 {
-    return QPointF((device.x() - m_origin.x()) * 100.0 / double(m_zoom),
-                   (device.y() - m_origin.y()) * 100.0 / double(m_zoom));
+    const QRect changed = imageRect.intersected(m_renderer.image().rect());
+    if (changed.isEmpty())
+        return;
+    m_renderer.imageChanged(changed);
+    repaintImage(QRectF(changed));
 }
 
-QPointF RasterView::toDevice(const QPointF& image) const
+void RasterView::addLayer(PaintLayer* layer, int order)
 {
-    return QPointF(m_origin.x() + image.x() * double(m_zoom) / 100.0,
-                   m_origin.y() + image.y() * double(m_zoom) / 100.0);
+    if (!layer)
+        return;
+    removeLayer(layer);
+    auto at = std::upper_bound(m_layers.begin(), m_layers.end(), order,
+                               [](int o, const Layer& l) { return o < l.order; });
+    m_layers.insert(at, Layer{layer, order});
+    changed();
+}
+
+void RasterView::removeLayer(PaintLayer* layer)
+{
+    const auto gone = std::remove_if(m_layers.begin(), m_layers.end(),
+                                     [layer](const Layer& l) { return l.layer == layer; });
+    if (gone == m_layers.end())
+        return;
+    m_layers.erase(gone, m_layers.end());
+    changed();
+}
+
+std::vector<PaintLayer*> RasterView::layers() const
+{
+    std::vector<PaintLayer*> out;
+    for (const Layer& l : m_layers)
+        out.push_back(l.layer);
+    return out;
+}
+
+void RasterView::repaintDevice(const QRect& deviceRect)
+{
+    if (!m_autoRepaint || deviceRect.isEmpty())
+        return;
+    // Widget coordinates are logical pixels; grow to whole pixels so nothing is left stale.
+    const qreal ratio = deviceRatio();
+    const QRectF logical(QPointF(deviceRect.topLeft()) / ratio, QSizeF(deviceRect.size()) / ratio);
+    update(logical.toAlignedRect().adjusted(-1, -1, 1, 1));
+}
+
+void RasterView::repaintImage(const QRectF& imageRect)
+{
+    if (!m_maths) {
+        changed();
+        return;
+    }
+    repaintDevice(m_maths->toScreen(imageRect).toAlignedRect());
 }
 
 QPointF RasterView::devicePosition(const QPointF& logical) const
@@ -137,6 +187,13 @@ void RasterView::paintEvent(QPaintEvent* event)
     }
     painter.setClipRect(area);
     paintDevice(painter, area);
+    if (!m_maths)
+        return;
+    for (const Layer& l : m_layers) {
+        painter.save();
+        l.layer->paint(painter, *m_maths, area);
+        painter.restore();
+    }
 }
 
 void RasterView::mousePressEvent(QMouseEvent* event)
@@ -170,27 +227,17 @@ void RasterView::wheelEvent(QWheelEvent* event)
     event->accept();
 }
 
+void RasterView::keyPressEvent(QKeyEvent* event)
+{
+    bool taken = false;
+    Q_EMIT keyPressed(event->key(), event->modifiers(), &taken);
+    event->setAccepted(taken);
+}
+
 void RasterView::leaveEvent(QEvent* event)
 {
     Q_EMIT mouseLeft();
     QWidget::leaveEvent(event);
-}
-
-RasterView::BitmapPainter::BitmapPainter(RasterView& view) : m_view(view)
-{
-    m_image = view.bitmap();
-    if (m_image.format() == QImage::Format_Grayscale8 || m_image.format() == QImage::Format_Indexed8)
-        m_image = m_image.convertToFormat(QImage::Format_RGB32);
-    // Detach from the renderer's copy before drawing.
-    m_view.m_renderer.setImage(QImage());
-    m_painter = std::make_unique<QPainter>(&m_image);
-}
-
-RasterView::BitmapPainter::~BitmapPainter()
-{
-    m_painter->end();
-    m_painter.reset();
-    m_view.setBitmap(m_image);
 }
 
 } // namespace nxr

@@ -6,6 +6,8 @@
 // left corner) and the mouse positions it reports are in device pixels of the view. Whoever
 // owns the view decides zoom and origin (see ViewMaths); the view only paints.
 //
+// Over the image it paints its layers (edit/PaintLayer.h), in device pixels as well.
+//
 // With auto-repaint off, changes of bitmap, zoom or origin do not repaint until repaintView()
 // or until auto-repaint is switched on again.
 
@@ -16,11 +18,14 @@
 #include <QPointF>
 #include <QWidget>
 
-#include <memory>
+#include <vector>
 
 class QPainter;
 
 namespace nxr {
+
+class PaintLayer;
+class ViewMaths;
 
 class NXR_EXPORT RasterView : public QWidget
 {
@@ -63,29 +68,24 @@ public:
     QSize deviceSize() const;
     qreal deviceRatio() const;
 
-    // Image point under a device pixel of the view, and back.
-    QPointF toImage(const QPointF& device) const;
-    QPointF toDevice(const QPointF& image) const;
+    // The bitmap for changing pixels in place, in its own format. Call bitmapChanged() with the
+    // changed image rectangle afterwards: only that part of the reductions is rebuilt and only
+    // that part of the view repainted.
+    QImage& editableBitmap() { return m_renderer.editableImage(); }
+    void bitmapChanged(const QRect& imageRect);
 
-    // A painter on the bitmap for drawing into it; when the returned object goes, the view
-    // knows the bitmap changed (and repaints when auto-repaint is on). A grey bitmap is drawn
-    // on after conversion to colour.
-    class BitmapPainter
-    {
-    public:
-        explicit BitmapPainter(RasterView& view);
-        ~BitmapPainter();
-        BitmapPainter(const BitmapPainter&) = delete;
-        BitmapPainter& operator=(const BitmapPainter&) = delete;
-        QPainter& operator*() { return *m_painter; }
-        QPainter* operator->() { return m_painter.get(); }
-
-    private:
-        RasterView& m_view;
-        QImage m_image;
-        std::unique_ptr<QPainter> m_painter;
-    };
-    BitmapPainter bitmapPainter() { return BitmapPainter(*this); }
+    // Layers painted over the image on every repaint, lowest order first (equal orders in the
+    // order added). The view does not own them. They are painted only while the view has its
+    // view maths (setMaths), which the viewport gives the views it places.
+    void addLayer(PaintLayer* layer, int order = 0);
+    void removeLayer(PaintLayer* layer);
+    std::vector<PaintLayer*> layers() const;
+    void setMaths(const ViewMaths* maths) { m_maths = maths; }
+    const ViewMaths* maths() const { return m_maths; }
+    // Repaints only a rectangle of the view (device pixels), image and layers.
+    void repaintDevice(const QRect& deviceRect);
+    // Repaints only the part of the view showing an image rectangle (image pixels).
+    void repaintImage(const QRectF& imageRect);
 
     // Paints the view area `deviceArea` through painter (which works in device pixels).
     void paintDevice(QPainter& painter, const QRect& deviceArea);
@@ -99,6 +99,9 @@ Q_SIGNALS:
     // Wheel steps (one notch = 1, toward the user negative) at a device position.
     void wheelTurned(double steps, Qt::KeyboardModifiers modifiers, const QPointF& position);
     void mouseLeft();
+    // A key while the view has the focus; a receiver that uses it sets *taken, otherwise the
+    // key goes on to the parent widgets.
+    void keyPressed(int key, Qt::KeyboardModifiers modifiers, bool* taken);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -108,6 +111,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void changed();
@@ -117,6 +121,13 @@ private:
     float m_zoom = 100.0f;
     QPoint m_origin;
     bool m_autoRepaint = true;
+    const ViewMaths* m_maths = nullptr;
+    struct Layer
+    {
+        PaintLayer* layer;
+        int order;
+    };
+    std::vector<Layer> m_layers;
 };
 
 } // namespace nxr

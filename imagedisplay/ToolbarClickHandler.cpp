@@ -29,10 +29,16 @@ ToolbarClickHandler::ToolbarClickHandler(const DisplayState& state, QObject* par
     });
 }
 
-void ToolbarClickHandler::setAction(int button, std::function<void()> action)
+bool ToolbarClickHandler::setAction(int button, std::function<void()> action)
 {
-    if (button >= 0 && button < int(m_actions.size()))
-        m_actions[size_t(button)] = std::move(action);
+    if (button < 0 || button >= int(m_actions.size()) || m_actions[size_t(button)]) {
+        errorTrace(kClass, QStringLiteral("setAction"),
+                   QStringLiteral("button ") + QString::number(button) +
+                       QStringLiteral(" has an action already"));
+        return false;
+    }
+    m_actions[size_t(button)] = std::move(action);
+    return true;
 }
 
 void ToolbarClickHandler::handle(int button)

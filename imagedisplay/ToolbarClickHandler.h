@@ -24,7 +24,10 @@ class NXR_EXPORT ToolbarClickHandler : public QObject
 public:
     ToolbarClickHandler(const DisplayState& state, QObject* parent = nullptr);
 
-    void setAction(int button, std::function<void()> action);
+    // Gives a button its action. A button has one owner: a second action for a button that has
+    // one is refused (false, and a trace), so that two subsystems never silently take the same
+    // button. Accept and Cancel belong to the edit session.
+    bool setAction(int button, std::function<void()> action);
     // Runs after every action (status bar, OnZoomChanged).
     void setAfterAction(std::function<void()> after) { m_after = std::move(after); }
 

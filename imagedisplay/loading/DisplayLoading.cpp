@@ -1,5 +1,6 @@
 #include "imagedisplay/loading/DisplayLoading.h"
 
+#include "imagedisplay/DisplayState.h"
 #include "imagedisplay/MouseDispatcher.h"
 #include "imagedisplay/NXEViewButtons.h"
 #include "imagedisplay/NXRImageDisplay.h"

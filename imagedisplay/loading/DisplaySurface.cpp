@@ -1,5 +1,6 @@
 #include "imagedisplay/loading/DisplaySurface.h"
 
+#include "imagedisplay/DisplayState.h"
 #include "imagedisplay/ImageViewport.h"
 #include "imagedisplay/MouseDispatcher.h"
 #include "imagedisplay/NXRImageDisplay.h"

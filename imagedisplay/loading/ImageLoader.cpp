@@ -141,7 +141,13 @@ bool ImageLoader::loadNewImage(const Request& request, bool noWait)
     return true;
 }
 
-void ImageLoader::resetAndShowListImage(bool noWait)
+void ImageLoader::showImage(const QImage& image, bool keepViewIfSameSize)
+{
+    m_images.insert(ImageList::kCurrent, image);
+    resetAndShowListImage(false, !keepViewIfSameSize);
+}
+
+void ImageLoader::resetAndShowListImage(bool noWait, bool fit)
 {
     const float oldZoom = m_surface.zoom();
     const QSize oldSize = m_surface.shownImage().size();
@@ -151,7 +157,7 @@ void ImageLoader::resetAndShowListImage(bool noWait)
 
     const QImage image = m_images.image(ImageList::kCurrent);
     m_surface.showImage(image);
-    if (oldSize.isEmpty() || oldSize != image.size()) {
+    if (!image.isNull() && (fit || oldSize.isEmpty() || oldSize != image.size())) {
         m_core.trace(kShowListImage, QStringLiteral("reset zoom etc."));
         const float newZoom = m_surface.fitImage();
         m_core.trace(kShowListImage, QStringLiteral("raising event OnZoomChanged(") + fromSingle(newZoom) +

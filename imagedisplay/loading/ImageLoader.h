@@ -8,6 +8,7 @@
 #include "frame/Export.h"
 #include "imagedisplay/loading/ImageList.h"
 
+#include <QImage>
 #include <QObject>
 #include <QString>
 #include <QTimer>
@@ -47,6 +48,10 @@ public:
     void saveImage(const QString& server, const QString& path, const QString& userName,
                    const QString& password, const QString& listKey = ImageList::kCurrent);
 
+    // Files an image as "current" and shows it as a loaded one is shown: zoom and scroll stay for
+    // an image of the shown size (with keepViewIfSameSize), any other is fitted (zoomChanged).
+    void showImage(const QImage& image, bool keepViewIfSameSize);
+
     // msub_ResetDisplay: drops "current" and empties the display.
     void resetDisplay();
     // msub_ReinitializeDisplay: also drops the masks and returns the display to its first state.
@@ -79,8 +84,8 @@ private:
     };
 
     void runLoad(const Request& request);
-    bool loadNewImage(const Request& request, bool noWait); // mflng_LoadNewImage
-    void resetAndShowListImage(bool noWait);                // msub_ResetAndShowListImage
+    bool loadNewImage(const Request& request, bool noWait);    // mflng_LoadNewImage
+    void resetAndShowListImage(bool noWait, bool fit = false); // msub_ResetAndShowListImage
     void clearAfterFailure();
     void refreshTick(); // tmr_ImageRefresh
     ControllerFiles* files(const QString& routine);

@@ -2,6 +2,7 @@
 
 #include "frame/Conversions.h"
 #include "frame/ScriptableCore.h"
+#include "imagedisplay/NXEViewButtons.h"
 #include "imagedisplay/loading/ImageSurface.h"
 
 #include <algorithm>
@@ -13,8 +14,6 @@ const QString kTrue = QStringLiteral("True");
 const QString kFalse = QStringLiteral("False");
 const QString kLiveEnabled = QStringLiteral("LiveEnabled");
 const QString kButtonEnabled = QStringLiteral("ButtonEnabled");
-constexpr int kOpenButton = 16;
-constexpr int kSaveButton = 17;
 
 } // namespace
 
@@ -46,8 +45,8 @@ void LiveMode::turnOn()
     m_core.trace(routine, QStringLiteral("Entered, caption=") + m_surface.caption());
     if (!isOn()) {
         m_surface.setViewButtonProperty(kLiveEnabled, kFalse);
-        m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(kOpenButton, kFalse));
-        m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(kSaveButton, kFalse));
+        m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(vvb_Open, kFalse));
+        m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(vvb_Save, kFalse));
         m_surface.setBusyPointer(true);
         *m_on = true;
         *m_abortRequested = false;
@@ -68,8 +67,8 @@ void LiveMode::doAbort()
         m_timer->setInterval(kInterval);
         m_surface.setBusyPointer(false);
         m_surface.setViewButtonProperty(kLiveEnabled, kTrue);
-        m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(kOpenButton, kTrue));
-        m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(kSaveButton, kTrue));
+        m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(vvb_Open, kTrue));
+        m_surface.setViewButtonProperty(kButtonEnabled, joinItemValue(vvb_Save, kTrue));
         *m_abortRequested = false;
         emit liveModeToggled(false);
     }

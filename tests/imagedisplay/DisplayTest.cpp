@@ -8,6 +8,8 @@
 #include "imagedisplay/NXRViewButtons.h"
 #include "imagedisplay/RasterView.h"
 #include "imagedisplay/ViewMaths.h"
+#include "imagedisplay/edit/EditSession.h"
+#include "imagedisplay/edit/Interaction.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -37,6 +39,14 @@ QImage testImage(int w, int h, QImage::Format format = QImage::Format_RGB32)
         }
     return img;
 }
+
+// An editor that only counts how its edits end.
+struct CountingEditor : nxr::Editor
+{
+    void finish(bool accepted) override { (accepted ? accepts : cancels)++; }
+    int accepts = 0;
+    int cancels = 0;
+};
 
 class Display : public ::testing::Test
 {
@@ -86,6 +96,7 @@ protected:
         QApplication::sendEvent(lead(), &e);
     }
 
+    CountingEditor editor; // outlives the display, as the display's parts do
     std::unique_ptr<NXRImageDisplay> display;
     std::unique_ptr<QSignalSpy> errors;
     std::unique_ptr<QSignalSpy> pageClicks;
@@ -263,8 +274,7 @@ TEST_F(Display, DefaultZoomAndFitPassOutsideEditingWhileAMaskIsEditedFitIsSilent
 
     pageClicks->clear();
     display->setZoom(400);
-    display->state().editMaskMode = 1;
-    display->editModeChanged();
+    display->editSession().begin(nxr::EditKind::Mask, editor, 1);
     EXPECT_EQ(display->GetProperty("EditingMask"), "True");
     EXPECT_TRUE(display->findChild<QFrame*>("fra_OKCancel")->isVisible());
     zooms->clear();
@@ -280,24 +290,26 @@ TEST_F(Display, DefaultZoomAndFitPassOutsideEditingWhileAMaskIsEditedFitIsSilent
 
 TEST_F(Display, OkAndCancelReachThePageAfterTheClick)
 {
-    display->state().editingWindow = true;
-    display->editModeChanged();
+    CountingEditor& window = editor;
+    display->editSession().begin(nxr::EditKind::Window, window);
     auto* ok = display->findChild<QPushButton*>("cmd_OK");
     ASSERT_TRUE(ok && ok->isVisible());
     QTest::mouseClick(ok, Qt::LeftButton);
     EXPECT_EQ(pageClicks->count(), 0); // not inside the click
     ASSERT_TRUE(pageClicks->wait(1000));
+    EXPECT_FALSE(ok->isVisible());
+    display->editSession().begin(nxr::EditKind::Window, window);
     QTest::mouseClick(display->findChild<QPushButton*>("cmd_Cancel"), Qt::LeftButton);
     ASSERT_TRUE(pageClicks->wait(1000));
     EXPECT_EQ(pageNames(), QStringList({"Accept", "Cancel"}));
-    display->state().editingWindow = false;
-    display->editModeChanged();
+    EXPECT_EQ(window.accepts, 1);
+    EXPECT_EQ(window.cancels, 1);
     EXPECT_FALSE(ok->isVisible());
 }
 
 TEST_F(Display, ClosingWhileEditingCancelsTheEdit)
 {
-    display->state().editingCursor = true;
+    display->editSession().begin(nxr::EditKind::Cursor, editor);
     QSignalSpy spy(display.get(), &NXRImageDisplay::OnButtonClicked);
     display.reset();
     ASSERT_EQ(spy.count(), 1);
@@ -455,15 +467,29 @@ TEST_F(Display, ZoomToFillsTheViewportWithTheRectangle)
     EXPECT_EQ(zooms->count(), 1);
 }
 
-TEST_F(Display, MouseEventsOnTheMaskGoToTheMaskHook)
+TEST_F(Display, MouseEventsOnTheMaskGoToTheMaskEditor)
 {
     display->showImage(testImage(400, 300));
-    display->state().editMaskMode = 0;
-    display->editModeChanged();
+    struct Presses : nxr::Interaction
+    {
+        std::vector<QPointF>& downs;
+        explicit Presses(std::vector<QPointF>& d) : downs(d) {}
+        bool press(const nxr::PointerEvent& e) override
+        {
+            downs.push_back(e.image);
+            return true;
+        }
+    };
+    struct MaskEditor : CountingEditor
+    {
+        Presses* presses = nullptr;
+        nxr::Interaction* interaction() override { return presses; }
+    };
     std::vector<QPointF> downs;
-    nxr::MouseDispatcher::MaskHooks hooks;
-    hooks.down = [&](const nxr::MouseArgs&, const QPointF& image) { downs.push_back(image); };
-    display->mouse().setMaskHooks(hooks);
+    Presses presses(downs);
+    MaskEditor maskEditor;
+    maskEditor.presses = &presses;
+    display->editSession().begin(nxr::EditKind::Mask, maskEditor, 0);
     nxr::RasterView* mask = display->maskLeadView();
     ASSERT_TRUE(mask->isVisible());
     QTest::mouseClick(mask, Qt::LeftButton, {}, QPoint(50, 40));
@@ -471,6 +497,7 @@ TEST_F(Display, MouseEventsOnTheMaskGoToTheMaskHook)
     const QPointF expected = maths().toImage(QPointF(50, 40) * mask->deviceRatio());
     EXPECT_NEAR(downs[0].x(), expected.x(), 1e-9);
     EXPECT_EQ(display->GetProperty("Zoom"), QString::number(double(mask->zoom()), 'g', 7));
+    display->editSession().cancel(); // the editor goes before the display
 }
 
 // ---- the raster view on its own ----

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <tuple>
+#include <vector>
 
 using nxr::RasterRenderer;
 
@@ -140,6 +141,103 @@ TEST(RendererBuffer, AChangedBitmapIsPaintedAfresh)
     QImage second = render(r, QSize(40, 40), 200.0f, QPoint(0, 0));
     EXPECT_NE(first.pixel(5, 5), second.pixel(5, 5));
     EXPECT_EQ(second.pixel(5, 5), qRgb(1, 2, 3));
+}
+
+} // namespace
+
+namespace {
+
+// A part of the bitmap changed in place shows as if the whole bitmap had been given afresh, at
+// 100 % and through the reductions, for each format the views hold.
+TEST(RendererRegion, APartChangedInPlaceMatchesAFreshRenderer)
+{
+    for (QImage::Format format : {QImage::Format_Grayscale8, QImage::Format_RGB32, QImage::Format_ARGB32}) {
+        RasterRenderer edited;
+        edited.setBackground(kBackground);
+        edited.setImage(pattern(format, 101, 67));
+        const std::vector<float> zooms = {100.0f, 50.0f, 25.0f, 12.5f, 300.0f};
+        for (float zoom : zooms) // every reduction exists before the change
+            render(edited, QSize(120, 90), zoom, QPoint(3, 2));
+
+        const QRect changed(37, 21, 13, 9);
+        QImage& bitmap = edited.editableImage();
+        for (int y = changed.top(); y <= changed.bottom(); ++y)
+            for (int x = changed.left(); x <= changed.right(); ++x) {
+                if (format == QImage::Format_Grayscale8)
+                    bitmap.scanLine(y)[x] = uchar(255 - x);
+                else
+                    bitmap.setPixel(x, y, qRgba(255 - x, y, 7, 128));
+            }
+        edited.imageChanged(changed);
+
+        RasterRenderer fresh;
+        fresh.setBackground(kBackground);
+        fresh.setImage(bitmap.copy());
+        for (float zoom : zooms)
+            EXPECT_EQ(render(edited, QSize(120, 90), zoom, QPoint(3, 2)),
+                      render(fresh, QSize(120, 90), zoom, QPoint(3, 2)))
+                << "format " << int(format) << " zoom " << zoom;
+    }
+}
+
+// A repaint of part of the view (a layer's dirty rectangle) shows the same pixels as the full
+// repaint before it, whether the scaled buffer is reused or made for the part.
+TEST(RendererRegion, PartOfTheViewPaintsLikeTheWholeView)
+{
+    for (QImage::Format format : {QImage::Format_Grayscale8, QImage::Format_RGB32})
+        for (float zoom : {100.0f, 300.0f, 50.0f}) {
+            RasterRenderer r;
+            r.setBackground(kBackground);
+            r.setImage(pattern(format, 90, 70));
+            const QImage whole = render(r, QSize(100, 80), zoom, QPoint(-7, 5));
+            for (bool freshBuffer : {false, true}) {
+                if (freshBuffer)
+                    r.discardBuffer();
+                QImage part(QSize(100, 80), QImage::Format_RGB32);
+                part.fill(Qt::magenta);
+                QPainter p(&part);
+                const QRect dirty(33, 21, 16, 16);
+                r.paint(p, dirty, zoom, QPoint(-7, 5));
+                p.end();
+                EXPECT_EQ(part.copy(dirty), whole.copy(dirty))
+                    << int(format) << " " << zoom << " " << freshBuffer;
+                EXPECT_EQ(part.pixel(10, 10), QColor(Qt::magenta).rgb());
+            }
+        }
+}
+
+} // namespace
+
+namespace {
+
+// A grey bitmap at 100 % shows the same pixels whether its visible part is converted on each
+// repaint or, once it has been scrolled a few times, drawn from its colour copy; a change in
+// place reaches the copy too.
+TEST(RendererGrey, ScrollingAGreyBitmapShowsItsGreyValuesBeforeAndAfterItsColourCopy)
+{
+    RasterRenderer grey;
+    grey.setBackground(kBackground);
+    grey.setImage(pattern(QImage::Format_Grayscale8, 80, 60));
+    RasterRenderer colour;
+    colour.setBackground(kBackground);
+    colour.setImage(pattern(QImage::Format_Grayscale8, 80, 60).convertToFormat(QImage::Format_RGB32));
+    for (int step = 0; step < RasterRenderer::kConversionsBeforeCopy + 3; ++step) {
+        const QPoint origin(-step, 2 - step);
+        EXPECT_EQ(render(grey, QSize(70, 50), 100.0f, origin), render(colour, QSize(70, 50), 100.0f, origin))
+            << step;
+    }
+    const QRect changed(10, 5, 7, 3);
+    QImage& bitmap = grey.editableImage();
+    QImage expected = colour.image().copy();
+    for (int y = changed.top(); y <= changed.bottom(); ++y)
+        for (int x = changed.left(); x <= changed.right(); ++x) {
+            bitmap.scanLine(y)[x] = uchar(3 * x);
+            expected.setPixel(x, y, qRgb(3 * x, 3 * x, 3 * x));
+        }
+    grey.imageChanged(changed);
+    colour.setImage(expected);
+    EXPECT_EQ(render(grey, QSize(70, 50), 100.0f, QPoint(0, 0)),
+              render(colour, QSize(70, 50), 100.0f, QPoint(0, 0)));
 }
 
 } // namespace

@@ -1,0 +1,149 @@
+// Repaint of the raster view widget with its layers, against the bare renderer in the same run.
+//
+// A 2592 x 1944 image (grey and RGB) in a 1024 x 768 view at 100 %, scrolled to the middle.
+// Counters, each the median of many repaints:
+//   renderer_us   the renderer alone painting the whole view (the baseline)
+//   view0_us      the widget repainting the whole view with no layer
+//   view1_us      the same with one layer (a turned rectangle, eight handles and a label, as a
+//                 movable shape draws itself)
+//   dirty64_us    the widget repainting a 64 x 64 device-pixel rectangle, with that layer
+//   full_over_dirty  view1_us / dirty64_us
+
+#include "imagedisplay/RasterRenderer.h"
+#include "imagedisplay/RasterView.h"
+#include "imagedisplay/ViewMaths.h"
+#include "imagedisplay/edit/PaintLayer.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QPainter>
+#include <QPolygonF>
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <vector>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+QImage sourceImage(bool grey)
+{
+    QImage img(2592, 1944, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
+    for (int y = 0; y < img.height(); ++y) {
+        if (grey) {
+            uchar* line = img.scanLine(y);
+            for (int x = 0; x < img.width(); ++x)
+                line[x] = uchar((x * 7 + y * 3) ^ (x >> 3));
+        } else {
+            QRgb* line = reinterpret_cast<QRgb*>(img.scanLine(y));
+            for (int x = 0; x < img.width(); ++x)
+                line[x] = qRgb((x * 7) & 255, (y * 5) & 255, (x ^ y) & 255);
+        }
+    }
+    return img;
+}
+
+double median(std::vector<double> v)
+{
+    std::sort(v.begin(), v.end());
+    return v[v.size() / 2];
+}
+
+template <typename F> double timeOnce(F&& f)
+{
+    const auto t0 = Clock::now();
+    f();
+    return std::chrono::duration<double, std::micro>(Clock::now() - t0).count();
+}
+
+class ShapeLayer : public nxr::PaintLayer
+{
+public:
+    void paint(QPainter& painter, const nxr::ViewMaths& maths, const QRect&) override
+    {
+        const qreal px = screenPixel(painter);
+        const QPointF c = maths.toScreen(QPointF(1296, 972));
+        QPolygonF box;
+        for (QPointF p : {QPointF(-200, -120), QPointF(220, -90), QPointF(190, 150), QPointF(-230, 120)})
+            box << c + p;
+        painter.setPen(QPen(Qt::yellow, px));
+        painter.drawPolygon(box);
+        for (int i = 0; i < box.size(); ++i) {
+            const QPointF mid = (box[i] + box[(i + 1) % box.size()]) / 2;
+            for (QPointF h : {box[i], mid})
+                painter.fillRect(QRectF(h - QPointF(3 * px, 3 * px), QSizeF(6 * px, 6 * px)), Qt::yellow);
+        }
+        painter.drawText(c + QPointF(-200, -130), QStringLiteral("Window 1"));
+    }
+};
+
+void ViewRepaint(benchmark::State& state)
+{
+    const bool grey = state.range(0) == 0;
+    static const QImage greyImage = sourceImage(true);
+    static const QImage rgbImage = sourceImage(false);
+    const QImage& image = grey ? greyImage : rgbImage;
+
+    nxr::ViewMaths maths;
+    maths.setUsableArea(QSize(1024, 768));
+    maths.setImageSize(image.size());
+    maths.setZoom(100.0f);
+    maths.setScrollPosition(maths.scrollMaximum() / 2);
+    const QSize size = maths.visibleSize();
+
+    nxr::RasterView view;
+    view.resize(size);
+    view.setBitmap(image);
+    view.setMaths(&maths);
+    view.setView(maths.zoom(), maths.origin());
+    nxr::RasterRenderer renderer;
+    renderer.setImage(image);
+
+    QImage target(size, QImage::Format_RGB32);
+    const QRect area(QPoint(0, 0), size);
+    const QRect dirty(size.width() / 2 - 32, size.height() / 2 - 32, 64, 64);
+    ShapeLayer layer;
+    std::vector<double> bare, none, one, part;
+    {
+        QPainter p(&target);
+        renderer.paint(p, area, maths.zoom(), maths.origin()); // first paint: paint-ready copies
+    }
+    view.render(&target);
+    for (auto _ : state) {
+        for (int i = 0; i < 15; ++i) {
+            bare.push_back(timeOnce([&] {
+                QPainter p(&target);
+                renderer.paint(p, area, maths.zoom(), maths.origin());
+            }));
+            view.removeLayer(&layer);
+            none.push_back(timeOnce([&] { view.render(&target); }));
+            view.addLayer(&layer);
+            one.push_back(timeOnce([&] { view.render(&target); }));
+            part.push_back(timeOnce([&] { view.render(&target, dirty.topLeft(), QRegion(dirty)); }));
+        }
+    }
+    state.counters["renderer_us"] = median(bare);
+    state.counters["view0_us"] = median(none);
+    state.counters["view1_us"] = median(one);
+    state.counters["dirty64_us"] = median(part);
+    state.counters["full_over_dirty"] = median(one) / median(part);
+    state.SetLabel(grey ? "grey 100%" : "rgb 100%");
+}
+
+BENCHMARK(ViewRepaint)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(20);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
