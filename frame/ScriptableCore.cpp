@@ -7,11 +7,6 @@ namespace {
 const QString kSetProperty = QStringLiteral("SetProperty");
 const QString kGetProperty = QStringLiteral("GetProperty");
 const QString kLastErrorString = QStringLiteral("LastErrorString");
-
-QString unknownProperty(const QString& key)
-{
-    return QStringLiteral("Error: unknown property (") + key + QLatin1Char(')');
-}
 } // namespace
 
 ScriptableCore::ScriptableCore(const QObject* owner, ErrorSignal raiseOnError)
@@ -31,7 +26,7 @@ void ScriptableCore::setProperty(const QString& key, const QString& value)
               QStringLiteral("enter, property=") + key + QStringLiteral(", value=") + value);
     const PropertyTable::Setter* setter = m_table.findSetter(key);
     if (!setter) {
-        reportError(kSetProperty, unknownProperty(key));
+        reportError(kSetProperty, m_unknownSetPrefix + key + QLatin1Char(')'));
         return;
     }
     try {
@@ -53,7 +48,7 @@ QString ScriptableCore::getProperty(const QString& key)
     if (!getter) {
         if (key == kLastErrorString)
             return m_lastError;
-        reportError(kGetProperty, unknownProperty(key));
+        reportError(kGetProperty, m_unknownGetPrefix + key + QLatin1Char(')'));
         return QString();
     }
     try {

@@ -41,6 +41,14 @@ public:
     void setProperty(const QString& key, const QString& value);
     QString getProperty(const QString& key);
 
+    // The texts an unknown key is reported with: prefix + key + ")". By default both are
+    // "Error: unknown property (".
+    void setUnknownKeyTexts(const QString& setPrefix, const QString& getPrefix)
+    {
+        m_unknownSetPrefix = setPrefix;
+        m_unknownGetPrefix = getPrefix;
+    }
+
     const QString& lastError() const { return m_lastError; }
     void setLastError(const QString& text) { m_lastError = text; }
 
@@ -80,6 +88,8 @@ private:
     ErrorSignal m_raiseOnError;
     PropertyTable m_table;
     QString m_lastError;
+    QString m_unknownSetPrefix = QStringLiteral("Error: unknown property (");
+    QString m_unknownGetPrefix = QStringLiteral("Error: unknown property (");
 };
 
 } // namespace nxr

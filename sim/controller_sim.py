@@ -31,6 +31,7 @@ When both services listen, one line goes to standard output:
 """
 
 import argparse
+import email.utils
 import io
 import logging
 import os
@@ -297,6 +298,7 @@ class ControllerHTTPHandler(BaseHTTPRequestHandler):
         self.send_response(200)
         self.send_header("Content-Type", CONTENT_TYPES.get(os.path.splitext(local)[1].lower(), "application/octet-stream"))
         self.send_header("Content-Length", str(size))
+        self.send_header("Last-Modified", email.utils.formatdate(os.path.getmtime(local), usegmt=True))
         self.end_headers()
         if self.command == "HEAD":
             return
