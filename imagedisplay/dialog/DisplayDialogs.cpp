@@ -2,7 +2,9 @@
 
 #include "frame/Conversions.h"
 #include "frame/Globals.h"
+#include "frame/PropertyTable.h"
 #include "frame/Trace.h"
+#include "imagedisplay/NXEViewButtons.h"
 #include "imagedisplay/dialog/OpenSaveHost.h"
 #include "imagedisplay/loading/ImageFile.h"
 #include "imagedisplay/loading/LocalImagePath.h"
@@ -57,6 +59,11 @@ DisplayDialogs::DisplayDialogs(OpenSaveHost& host, QObject* parent) : QObject(pa
     m_remoteFactory = [this]() -> std::unique_ptr<RemoteFolders> {
         return std::make_unique<TransferFolders>(m_host.ftpPort(), m_host.httpPort());
     };
+    m_host.keys().replace(
+        QStringLiteral("EnableLogImageLoad"), [this](const QString& v) { m_logEnabled = toBool(v); },
+        [this] { return fromBool(m_logEnabled); });
+    m_host.setButtonAction(vvb_Open, [this] { msub_LoadImageByDialog(); });
+    m_host.setButtonAction(vvb_Save, [this] { msub_SaveImageByDialog(); });
 }
 
 DisplayDialogs::~DisplayDialogs()
@@ -117,7 +124,7 @@ void DisplayDialogs::msub_LoadImageByDialog()
     if (d.isVisible())
         return;
     d.setFont(m_host.displayFont());
-    d.ShowOpenDialog(m_host.logEnabled());
+    d.ShowOpenDialog(m_logEnabled);
 }
 
 void DisplayDialogs::msub_SaveImageByDialog()

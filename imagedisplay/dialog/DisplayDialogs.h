@@ -46,6 +46,8 @@ public:
     static QString mfstr_GetSubfolderFromPath(const QString& path);
 
     clsLogDataList& log() { return m_log; }
+    // "EnableLogImageLoad": the dialog offers the image log.
+    bool logEnabled() const { return m_logEnabled; }
     // The dialog, made on first use and kept for the display's life.
     OpenSaveDialog& dialog();
     bool hasDialog() const { return m_dialog != nullptr; }
@@ -66,6 +68,7 @@ private:
     clsLogDataList m_log;
     QPointer<OpenSaveDialog> m_dialog;
     OpenSaveDialog::RemoteFactory m_remoteFactory;
+    bool m_logEnabled = false;
 };
 
 } // namespace nxr

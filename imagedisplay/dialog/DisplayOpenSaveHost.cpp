@@ -1,7 +1,11 @@
 #include "imagedisplay/dialog/DisplayOpenSaveHost.h"
 
+#include "imagedisplay/DisplayState.h"
 #include "imagedisplay/NXRImageDisplay.h"
+#include "imagedisplay/NXRViewButtons.h"
 #include "imagedisplay/RasterView.h"
+#include "imagedisplay/ToolbarClickHandler.h"
+#include "imagedisplay/loading/DisplayLoading.h"
 
 namespace nxr {
 
@@ -20,9 +24,14 @@ bool DisplayOpenSaveHost::colorMode() const
     return m_display.state().colorMode;
 }
 
-bool DisplayOpenSaveHost::logEnabled() const
+PropertyTable& DisplayOpenSaveHost::keys()
 {
-    return m_display.logImageLoadEnabled();
+    return m_display.core().properties();
+}
+
+void DisplayOpenSaveHost::setButtonAction(int button, std::function<void()> action)
+{
+    m_display.toolbarClicks().setAction(button, std::move(action));
 }
 
 QString DisplayOpenSaveHost::hostName() const
@@ -32,12 +41,12 @@ QString DisplayOpenSaveHost::hostName() const
 
 int DisplayOpenSaveHost::ftpPort() const
 {
-    return m_display.ftpPortNo();
+    return m_display.loading().ftpPort();
 }
 
 int DisplayOpenSaveHost::httpPort() const
 {
-    return m_display.httpPortNo();
+    return m_display.loading().httpPort();
 }
 
 QFont DisplayOpenSaveHost::displayFont() const

@@ -16,7 +16,8 @@ public:
     QWidget* dialogParent() override;
     QImage shownImage() const override;
     bool colorMode() const override;
-    bool logEnabled() const override;
+    PropertyTable& keys() override;
+    void setButtonAction(int button, std::function<void()> action) override;
     QString hostName() const override;
     int ftpPort() const override;
     int httpPort() const override;

@@ -293,8 +293,12 @@ void OpenSaveDialog::ShowOpenDialog(bool logEnabled)
     setStatus(QString());
     showMode();
     refreshLocal();
+    if (m_optLog->isChecked() && !logEnabled)
+        m_optRemote->setChecked(true);
     open();
-    if (m_optRemote->isChecked() && (!m_remote || !m_remote->isConnected()))
+    if (m_optLog->isChecked())
+        selectSource(Source::Log); // the page is asked for the log again
+    else if (m_optRemote->isChecked() && (!m_remote || !m_remote->isConnected()))
         msub_DrawRemoteSelect();
 }
 
@@ -372,6 +376,12 @@ void OpenSaveDialog::cmd_Connect_Click()
     }
     ++m_generation; // whatever was listing belongs to the old connection
     m_wantedFolder.clear();
+    if (m_remote) {
+        // The old connection goes now, or once the call waiting on it has returned.
+        m_remote->disconnect();
+        m_retired.push_back(std::move(m_remote));
+        dropRetired();
+    }
     m_remote = m_makeRemote ? m_makeRemote() : nullptr;
     if (!m_remote) {
         fail(routine, QStringLiteral("no connection to the controller can be made"));
@@ -382,9 +392,12 @@ void OpenSaveDialog::cmd_Connect_Click()
     QPointer<OpenSaveDialog> self(this);
     RemoteFolders* remote = m_remote.get();
     QString error;
+    ++m_waiting;
     const bool ok = remote->connect(server, m_txtUser->text(), m_txtPassword->text(), &error);
     if (!self)
         return;
+    --m_waiting;
+    dropRetired();
     m_cmdConnect->setEnabled(true);
     if (remote != m_remote.get())
         return; // connected again meanwhile
@@ -447,9 +460,11 @@ void OpenSaveDialog::msub_RefreshFoldersAndFiles(const QString& folder)
         RemoteFolders* remote = m_remote.get();
         std::vector<RemoteEntry> entries;
         QString error;
+        ++m_waiting;
         const bool ok = remote && remote->list(wanted, &entries, &error);
         if (!self)
             return;
+        --m_waiting;
         if (generation != m_generation || !isVisible())
             continue; // another folder, another connection or a closed dialog: this answer is stale
         if (!ok) {
@@ -458,8 +473,16 @@ void OpenSaveDialog::msub_RefreshFoldersAndFiles(const QString& folder)
         }
         showEntries(wanted, entries);
     }
-    if (self)
+    if (self) {
         m_listing = false;
+        dropRetired();
+    }
+}
+
+void OpenSaveDialog::dropRetired()
+{
+    if (m_waiting == 0)
+        m_retired.clear();
 }
 
 void OpenSaveDialog::showEntries(const QString& folder, const std::vector<RemoteEntry>& entries)

@@ -127,6 +127,7 @@ private:
     void showMode();
     void setStatus(const QString& text, bool error = false);
     void fail(const QString& routine, const QString& description);
+    void dropRetired();
     QString typeExtension() const;
     bool acceptLocal();
     bool acceptRemote();
@@ -134,6 +135,9 @@ private:
 
     RemoteFactory m_makeRemote;
     std::unique_ptr<RemoteFolders> m_remote;
+    // Connections replaced while a call on them was still waiting; dropped once nothing waits.
+    std::vector<std::unique_ptr<RemoteFolders>> m_retired;
+    int m_waiting = 0;
     Mode m_mode = Mode::Open;
     Choice m_choice;
     bool m_logEnabled = false;

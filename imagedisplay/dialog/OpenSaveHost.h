@@ -8,9 +8,13 @@
 #include <QImage>
 #include <QString>
 
+#include <functional>
+
 class QWidget;
 
 namespace nxr {
+
+class PropertyTable;
 
 class NXR_EXPORT OpenSaveHost
 {
@@ -23,8 +27,10 @@ public:
     virtual QImage shownImage() const = 0;
     // The display's "ColorMode" setting: False means the display works in grey only.
     virtual bool colorMode() const = 0;
-    // Whether the page offers its image log in the dialog ("EnableLogImageLoad").
-    virtual bool logEnabled() const = 0;
+    // The display's SetProperty/GetProperty table (the dialog takes "EnableLogImageLoad" over).
+    virtual PropertyTable& keys() = 0;
+    // Gives the Open or Save button of the tool bar its action.
+    virtual void setButtonAction(int button, std::function<void()> action) = 0;
     // The server of the last LoadImage ("" before the first).
     virtual QString hostName() const = 0;
     virtual int ftpPort() const = 0;

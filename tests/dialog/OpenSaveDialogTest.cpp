@@ -138,7 +138,10 @@ TEST_F(OpenSaveDialogTest, OpensFromEachDeviceAndRaisesOnUserLoadedImage)
     }
     showConnected();
     // The tree: the default folder's device and the device list, no memory devices.
-    EXPECT_EQ(dialog().folderTree()->nodeTexts().mid(0, 4), (QStringList{"MC:\\", "UD1:\\", "MCV:\\", "UT1:\\"}));
+    QStringList roots;
+    for (int i = 0; i < dialog().folderTree()->treeWidget()->topLevelItemCount(); ++i)
+        roots << dialog().folderTree()->treeWidget()->topLevelItem(i)->text(0);
+    EXPECT_EQ(roots, (QStringList{"MC:\\", "UD1:\\", "MCV:\\", "UT1:\\"}));
     EXPECT_EQ(dialog().remoteFolder(), "MC:\\");
     dialog().reject();
 
@@ -183,7 +186,8 @@ TEST_F(OpenSaveDialogTest, OpensALocalFileThroughTheTemporaryImageFolder)
     ASSERT_EQ(loaded.count(), 1);
     EXPECT_EQ(loaded[0][0].toString(), folder.filePath("local part.bmp"));
     EXPECT_TRUE(samePixels(display->leadView()->bitmap(), image));
-    EXPECT_TRUE(display->CurrentImageFilename().endsWith("/TD/image.BMP")) << display->CurrentImageFilename().toStdString();
+    EXPECT_TRUE(display->CurrentImageFilename().endsWith("/TD/image.BMP"))
+        << display->CurrentImageFilename().toStdString();
 
     // A missing file keeps the dialog open with the reason; nothing is loaded.
     display->dialogs().msub_LoadImageByDialog();
@@ -296,12 +300,14 @@ TEST_F(OpenSaveDialogTest, ControllerDownAndRefusedLoginShowInTheDialogAndNeverH
     dialog().cmd_Connect_Click();
     EXPECT_LT(clock.elapsed(), 8000);
     EXPECT_EQ(errors.count(), 2);
-    EXPECT_TRUE(display->LastErrorString().startsWith("Error: Could not")) << display->LastErrorString().toStdString();
+    EXPECT_TRUE(display->LastErrorString().startsWith("Error: Could not"))
+        << display->LastErrorString().toStdString();
     EXPECT_TRUE(dialog().isVisible());
 
-    // Back up: the same dialog connects and lists.
+    // Back up, with the right password: the same dialog connects and lists.
     display->SetProperty("FTPPortNo", QString::number(sim->ftpPort()));
     display->SetProperty("HTTPPortNo", QString::number(sim->httpPort()));
+    dialog().setServer(sim->host(), sim->user(), sim->password());
     dialog().cmd_Connect_Click();
     ASSERT_TRUE(waitFor([&] { return !dialog().isListing(); }));
     EXPECT_GE(dialog().folderTree()->NodeCount(), 4);
@@ -342,7 +348,8 @@ TEST_F(OpenSaveDialogTest, ATenThousandFileFolderKeepsTheDialogResponsiveAndCanc
     dialog().selectRemoteFolder("UD1:\\");
     ASSERT_TRUE(waitFor([&] { return !dialog().isListing(); }));
     dialog().selectRemoteFolder("UD1:\\HUGE");
-    ASSERT_TRUE(waitFor([&] { return dialog().fileList()->itemCount() > 0 || !dialog().isListing(); }, 60000));
+    ASSERT_TRUE(
+        waitFor([&] { return dialog().fileList()->itemCount() > 0 || !dialog().isListing(); }, 60000));
     QSignalSpy loaded(display.get(), &NXRImageDisplay::OnUserLoadedImage);
     dialog().cmd_Cancel_Click();
     EXPECT_FALSE(dialog().isVisible());
@@ -353,11 +360,19 @@ TEST_F(OpenSaveDialogTest, ATenThousandFileFolderKeepsTheDialogResponsiveAndCanc
     EXPECT_EQ(dialog().fileList()->itemCount(), shownAtCancel);
     EXPECT_FALSE(dialog().isListing());
 
-    // Cancelled while the controller is still answering: the late answer is dropped.
+    // Cancelled while the controller is still answering (the click arrives while the listing
+    // waits): the dialog closes at once and the late answer is dropped.
     display->dialogs().msub_LoadImageByDialog();
+    bool listingWhenCancelled = false;
+    bool closedAtOnce = false;
+    QTimer::singleShot(5, [&] {
+        listingWhenCancelled = dialog().isListing();
+        dialog().cmd_Cancel_Click();
+        closedAtOnce = !dialog().isVisible();
+    });
     dialog().selectRemoteFolder("UD1:\\HUGE");
-    EXPECT_TRUE(dialog().isListing());
-    dialog().cmd_Cancel_Click();
+    EXPECT_TRUE(listingWhenCancelled);
+    EXPECT_TRUE(closedAtOnce);
     ASSERT_TRUE(waitFor([&] { return !dialog().isListing(); }, 60000));
     EXPECT_EQ(dialog().fileList()->itemCount(), 0);
     EXPECT_EQ(loaded.count(), 0);
@@ -377,6 +392,8 @@ TEST_F(OpenSaveDialogTest, TheLogIsAskedOfThePageShownNewestFirstAndItsPickRaise
             display->AddLogImage("2026-11-21", "WELD", "08:00:00", "MCV:\\LOG\\B.PNG");
             display->AddLogImage("2026-11-21", "WELD", "09:30:00", "MCV:\\LOG\\C.PNG");
             display->AddLogImage("2026-11-21", "GLUE|BEAD", "07:00:00", "MCV:\\LOG\\D.PNG");
+            if (answerLater)
+                display->AddLogImage("2026-11-22", "WELD", "06:00:00", "MCV:\\LOG\\E.PNG");
             display->UpdateLogImageLoad();
         };
         if (answerLater)
@@ -409,15 +426,14 @@ TEST_F(OpenSaveDialogTest, TheLogIsAskedOfThePageShownNewestFirstAndItsPickRaise
     ASSERT_TRUE(picked);
     EXPECT_EQ(*picked, (LogEntry{"2026-11-21", "GLUE|BEAD", "07:00:00", "MCV:\\LOG\\D.PNG"}));
 
-    // A page that answers later: the log shows when its answer comes.
+    // Opened again on the log, the dialog asks again; a page that answers later has its log
+    // shown when the answer comes.
     answerLater = true;
-    display->ClearLogDataList();
     display->dialogs().msub_LoadImageByDialog();
-    dialog().selectSource(Source::Remote);
-    dialog().selectSource(Source::Log);
     EXPECT_EQ(requests, 2);
-    EXPECT_EQ(tree->topLevelItemCount(), 0);
-    ASSERT_TRUE(waitFor([&] { return tree->topLevelItemCount() == 2; }));
+    EXPECT_EQ(tree->topLevelItemCount(), 2);
+    ASSERT_TRUE(waitFor([&] { return tree->topLevelItemCount() == 3; }));
+    EXPECT_EQ(tree->topLevelItem(0)->text(0), "2026-11-22");
     dialog().cmd_Cancel_Click();
     EXPECT_EQ(selected.count(), 1);
 
