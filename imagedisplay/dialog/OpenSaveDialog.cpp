@@ -605,8 +605,12 @@ void OpenSaveDialog::showLog(const clsLogDataList& log)
             }
         }
     }
-    if (m_tvwLog->topLevelItemCount() > 0)
-        m_tvwLog->topLevelItem(0)->setExpanded(true);
+    // The newest date comes open down to its time stamps.
+    if (QTreeWidgetItem* newest = m_tvwLog->topLevelItem(0)) {
+        newest->setExpanded(true);
+        for (int i = 0; i < newest->childCount(); ++i)
+            newest->child(i)->setExpanded(true);
+    }
     setStatus(QString::number(log.imageCount()) + QLatin1Char(' ') +
               caption("logged images", "件のログ画像"));
 }
