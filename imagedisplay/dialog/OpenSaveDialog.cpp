@@ -42,13 +42,10 @@ QString caption(const char* eg, const char* jp)
     return Globals::Caption{QString::fromUtf8(eg), QString::fromUtf8(jp)}.pick();
 }
 
+// Sizes in one unit, so that sorting by the column orders them by size.
 QString sizeText(qint64 bytes)
 {
-    if (bytes < 1024)
-        return QString::number(bytes) + QStringLiteral(" B");
-    if (bytes < 1024 * 1024)
-        return QString::number((bytes + 1023) / 1024) + QStringLiteral(" KB");
-    return QString::number(double(bytes) / (1024.0 * 1024.0), 'f', 1) + QStringLiteral(" MB");
+    return QString::number((bytes + 1023) / 1024) + QStringLiteral(" KB");
 }
 
 template <typename W> W* named(W* widget, const char* name)

@@ -173,6 +173,30 @@ TEST_F(OpenSaveDialogTest, OpensFromEachDeviceAndRaisesOnUserLoadedImage)
     EXPECT_EQ(errors.count(), 0) << display->LastErrorString().toStdString();
 }
 
+TEST_F(OpenSaveDialogTest, TheFileListSortsBySizeAndDate)
+{
+    ASSERT_TRUE(sim->writeFile("UT1:\\SORT\\B.PNG", QByteArray(3000, 'x')));
+    ASSERT_TRUE(sim->writeFile("UT1:\\SORT\\C.PNG", QByteArray(200, 'x')));
+    ASSERT_TRUE(sim->writeFile("UT1:\\SORT\\A.PNG", QByteArray(1500000, 'x')));
+    // Modification times a day apart, oldest C, then A, then B.
+    const QDateTime now = QDateTime::currentDateTime();
+    for (const auto& [name, daysAgo] : {std::pair{"C.PNG", 3}, {"A.PNG", 2}, {"B.PNG", 1}}) {
+        QFile f(sim->localPathOf(QString("UT1:\\SORT\\") + name));
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(f.setFileTime(now.addDays(-daysAgo), QFileDevice::FileModificationTime));
+    }
+    showConnected();
+    dialog().selectRemoteFolder("UT1:\\SORT");
+    ASSERT_TRUE(waitFor([&] { return !dialog().isListing(); }));
+    NXRListView* list = dialog().fileList();
+    EXPECT_EQ(list->itemTexts(), (QStringList{"A.PNG", "B.PNG", "C.PNG"}));
+    list->sortByColumn(1);
+    EXPECT_EQ(list->itemTexts(), (QStringList{"C.PNG", "B.PNG", "A.PNG"}));
+    list->sortByColumn(2);
+    EXPECT_EQ(list->itemTexts(), (QStringList{"C.PNG", "A.PNG", "B.PNG"}));
+    dialog().cmd_Cancel_Click();
+}
+
 TEST_F(OpenSaveDialogTest, OpensALocalFileThroughTheTemporaryImageFolder)
 {
     QTemporaryDir folder;
