@@ -36,6 +36,8 @@ const QString kFileIcon = QStringLiteral("default.png");
 const QString kFolderIcon = QStringLiteral("folder");
 constexpr int kFillSlice = 400; // list rows added between two turns of the event loop
 constexpr int kSelectorRole = Qt::UserRole + 1;
+constexpr QSize kPreviewSize(200, 150);
+constexpr int kPreviewDelayMs = 250;
 
 QString caption(const char* eg, const char* jp)
 {
@@ -114,6 +116,9 @@ void OpenSaveDialog::Form_Load()
         auto* split = new QSplitter(remoteSide);
         m_tvwFolders = named(new NXRTreeView(split), "tvw_RemoteFolders");
         m_lvwFiles = named(new NXRListView(split), "lvw_RemoteFiles");
+        m_lblPreview = named(new QLabel(split), "lbl_Preview");
+        m_lblPreview->setAlignment(Qt::AlignCenter);
+        m_lblPreview->setMinimumSize(kPreviewSize);
         split->setStretchFactor(1, 2);
         remoteLayout->addLayout(login);
         remoteLayout->addWidget(split, 1);
@@ -205,6 +210,11 @@ void OpenSaveDialog::Form_Load()
         connect(m_cmdOK, &QPushButton::clicked, this, &OpenSaveDialog::cmd_OK_Click);
         connect(m_cmdCancel, &QPushButton::clicked, this, &OpenSaveDialog::cmd_Cancel_Click);
         connect(m_tmrFill, &QTimer::timeout, this, &OpenSaveDialog::fillSlice);
+        m_tmrPreview = new QTimer(this);
+        m_tmrPreview->setObjectName(QStringLiteral("tmr_Preview"));
+        m_tmrPreview->setSingleShot(true);
+        m_tmrPreview->setInterval(kPreviewDelayMs);
+        connect(m_tmrPreview, &QTimer::timeout, this, &OpenSaveDialog::showPreview);
 
         msub_Localize();
         setLocalFolder(Globals::storageFolder());
@@ -442,8 +452,11 @@ void OpenSaveDialog::msub_RefreshFoldersAndFiles(const QString& folder)
     m_tmrFill->stop();
     m_fillPending = false;
     m_lvwFiles->ClearList();
-    if (m_listing)
-        return; // the running listing sees the new wish when its answer comes
+    m_lblPreview->clear();
+    ++m_previewGeneration;
+    m_tmrPreview->stop();
+    if (m_listing || m_previewing)
+        return; // the running listing (or preview) sees the new wish when it ends
     if (!m_remote || !m_remote->isConnected()) {
         fail(routine, caption("Not connected", "接続されていません"));
         return;
@@ -544,6 +557,59 @@ void OpenSaveDialog::lvw_RemoteFiles_Click()
 void OpenSaveDialog::selectRemoteFile(const QString& name)
 {
     m_txtFileName->setText(name);
+    m_lblPreview->clear();
+    ++m_previewGeneration;
+    if (m_mode != Mode::Open) {
+        m_tmrPreview->stop();
+        return;
+    }
+    // The cache name follows the file's path, size and date: a changed file is fetched again.
+    const auto item = m_lvwFiles->item(name);
+    m_previewPath = RemotePaths::join(m_remoteFolder, name);
+    const QString identity =
+        m_previewPath + QLatin1Char('|') + (item ? item->SubItem(1) + item->SubItem(2) : QString());
+    m_previewCacheName = QStringLiteral("preview-") + QString::number(qHash(identity.toUpper()), 16) +
+                         Globals::imageExtension(name);
+    m_tmrPreview->start();
+}
+
+QPixmap OpenSaveDialog::preview() const
+{
+    return m_lblPreview->pixmap();
+}
+
+void OpenSaveDialog::showPreview()
+{
+    if (!isVisible() || !m_remote || !m_remote->isConnected() || m_previewPath.isEmpty())
+        return;
+    if (m_listing || m_previewing) {
+        m_tmrPreview->start(); // once the controller is free
+        return;
+    }
+    const int generation = m_previewGeneration;
+    const QString path = m_previewPath;
+    m_previewing = true;
+    ++m_waiting;
+    QPointer<OpenSaveDialog> self(this);
+    QString local;
+    QString error;
+    const bool ok = m_remote->fetch(path, m_previewCacheName, &local, &error);
+    if (!self)
+        return;
+    --m_waiting;
+    m_previewing = false;
+    if (generation == m_previewGeneration && isVisible()) {
+        const QImage image = ok ? QImage(local) : QImage();
+        if (image.isNull())
+            m_lblPreview->setText(caption("No preview", "プレビューなし"));
+        else
+            m_lblPreview->setPixmap(QPixmap::fromImage(
+                image.scaled(kPreviewSize, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
+    }
+    dropRetired();
+    // A folder asked for meanwhile is listed now.
+    if (!m_wantedFolder.isEmpty() && !m_listing)
+        msub_RefreshFoldersAndFiles(m_wantedFolder);
 }
 
 void OpenSaveDialog::setFileName(const QString& name)
@@ -726,6 +792,8 @@ void OpenSaveDialog::cmd_Cancel_Click()
 void OpenSaveDialog::done(int result)
 {
     ++m_generation; // a listing under way ends unseen
+    ++m_previewGeneration;
+    m_tmrPreview->stop();
     m_wantedFolder.clear();
     m_fillPending = false;
     m_tmrFill->stop();

@@ -92,6 +92,8 @@ public:
     NXRTreeView* folderTree() const { return m_tvwFolders; }
     NXRListView* fileList() const { return m_lvwFiles; }
     QTreeWidget* logTree() const { return m_tvwLog; }
+    // The picture of the file picked on the controller (opening only); null while none is shown.
+    QPixmap preview() const;
 
     // Actions as the user's clicks do them.
     void selectSource(Source source);
@@ -120,6 +122,7 @@ private:
     void lvw_RemoteFiles_Click();
     void showEntries(const QString& folder, const std::vector<RemoteEntry>& entries);
     void fillSlice();
+    void showPreview();
     void addFolderNode(const QString& parent, const QString& folder);
     void refreshLocal();
     void localFolderActivated(const QString& name);
@@ -179,6 +182,14 @@ private:
     int m_fillGeneration = 0;
     bool m_fillPending = false;
     QTimer* m_tmrFill = nullptr;
+    // The preview: fetched a moment after a file is picked (not for every row passed over), one
+    // at a time, from the local cache when it holds the file already.
+    QLabel* m_lblPreview = nullptr;
+    QTimer* m_tmrPreview = nullptr;
+    QString m_previewPath;
+    QString m_previewCacheName;
+    int m_previewGeneration = 0;
+    bool m_previewing = false;
 };
 
 } // namespace nxr

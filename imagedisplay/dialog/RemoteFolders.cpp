@@ -5,6 +5,7 @@
 #include "transfer/ControllerClient.h"
 #include "transfer/NXRFileTransferObject.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
 
 namespace nxr {
@@ -189,6 +190,31 @@ bool TransferFolders::upload(const QString& localPath, const QString& controller
         *error = m_transfer->LastErrorString();
     } catch (const Failure& f) {
         *error = scrubCredentials(f.description(), {m_user, m_password});
+    }
+    return false;
+}
+
+bool TransferFolders::fetch(const QString& controllerPath, const QString& cacheName, QString* localPath,
+                            QString* error)
+{
+    if (!m_connected) {
+        *error = QStringLiteral("Not connected");
+        return false;
+    }
+    try {
+        const QString cached = m_transfer->localPathFor(controllerPath, cacheName);
+        if (QFileInfo(cached).isFile()) {
+            *localPath = cached;
+            return true;
+        }
+        if (!m_transfer->CopyFile(m_server, controllerPath, m_user, m_password, cacheName)) {
+            *error = scrubCredentials(m_transfer->LastErrorString(), {m_user, m_password});
+            return false;
+        }
+        *localPath = m_transfer->lastLocalPath();
+        return true;
+    } catch (const Failure& f) {
+        *error = f.description();
     }
     return false;
 }

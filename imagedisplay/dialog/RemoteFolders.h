@@ -68,6 +68,10 @@ public:
                          QString* error) = 0;
     virtual bool list(const QString& folder, std::vector<RemoteEntry>* entries, QString* error) = 0;
     virtual bool upload(const QString& localPath, const QString& controllerPath, QString* error) = 0;
+    // A controller file in the local cache under `cacheName`: fetched only when the cache does not
+    // hold it yet. *localPath tells where it is.
+    virtual bool fetch(const QString& controllerPath, const QString& cacheName, QString* localPath,
+                       QString* error) = 0;
     virtual bool isConnected() const = 0;
     virtual void disconnect() = 0;
 };
@@ -83,6 +87,8 @@ public:
                  QString* error) override;
     bool list(const QString& folder, std::vector<RemoteEntry>* entries, QString* error) override;
     bool upload(const QString& localPath, const QString& controllerPath, QString* error) override;
+    bool fetch(const QString& controllerPath, const QString& cacheName, QString* localPath,
+               QString* error) override;
     bool isConnected() const override { return m_connected; }
     void disconnect() override;
 

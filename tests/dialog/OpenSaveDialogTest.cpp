@@ -197,6 +197,35 @@ TEST_F(OpenSaveDialogTest, TheFileListSortsBySizeAndDate)
     dialog().cmd_Cancel_Click();
 }
 
+TEST_F(OpenSaveDialogTest, APickedFileIsPreviewedOnceFetchedAndThenFromTheCache)
+{
+    ASSERT_TRUE(sim->writeFile("UT1:\\PREVIEW\\P.PNG", png(pattern(320, 240, 11))));
+    ASSERT_TRUE(sim->writeFile("UT1:\\PREVIEW\\Q.PNG", png(pattern(100, 200, 12))));
+    showConnected();
+    dialog().selectRemoteFolder("UT1:\\PREVIEW");
+    ASSERT_TRUE(waitFor([&] { return !dialog().isListing(); }));
+    ASSERT_TRUE(sim->clearLog());
+    dialog().selectRemoteFile("P.PNG");
+    EXPECT_TRUE(dialog().preview().isNull()); // not at once: rows passed over are not fetched
+    ASSERT_TRUE(waitFor([&] { return !dialog().preview().isNull(); }));
+    EXPECT_EQ(dialog().preview().size(), QSize(200, 150));
+    dialog().selectRemoteFile("Q.PNG");
+    ASSERT_TRUE(waitFor([&] { return !dialog().preview().isNull(); }));
+    EXPECT_EQ(dialog().preview().size(), QSize(75, 150));
+    const auto fetches = [&] {
+        int n = 0;
+        for (const QString& line : sim->logLines())
+            n += line.contains("P.PNG") && (line.contains("RETR") || line.contains("GET")) ? 1 : 0;
+        return n;
+    };
+    const int afterFirst = fetches();
+    EXPECT_GE(afterFirst, 1);
+    dialog().selectRemoteFile("P.PNG");
+    ASSERT_TRUE(waitFor([&] { return !dialog().preview().isNull(); }));
+    EXPECT_EQ(fetches(), afterFirst); // from the cache
+    dialog().cmd_Cancel_Click();
+}
+
 TEST_F(OpenSaveDialogTest, OpensALocalFileThroughTheTemporaryImageFolder)
 {
     QTemporaryDir folder;
