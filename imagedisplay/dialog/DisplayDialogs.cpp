@@ -68,7 +68,10 @@ DisplayDialogs::DisplayDialogs(OpenSaveHost& host, QObject* parent) : QObject(pa
 
 DisplayDialogs::~DisplayDialogs()
 {
-    delete m_dialog.data();
+    if (m_dialog) {
+        disconnect(m_dialog, nullptr, this, nullptr);
+        m_dialog->dispose();
+    }
 }
 
 OpenSaveDialog& DisplayDialogs::dialog()

@@ -404,6 +404,8 @@ void OpenSaveDialog::cmd_Connect_Click()
     if (!self)
         return;
     --m_waiting;
+    if (finishDisposal())
+        return;
     dropRetired();
     m_cmdConnect->setEnabled(true);
     if (remote != m_remote.get())
@@ -475,6 +477,8 @@ void OpenSaveDialog::msub_RefreshFoldersAndFiles(const QString& folder)
         if (!self)
             return;
         --m_waiting;
+        if (finishDisposal())
+            return;
         if (generation != m_generation || !isVisible())
             continue; // another folder, another connection or a closed dialog: this answer is stale
         if (!ok) {
@@ -487,6 +491,29 @@ void OpenSaveDialog::msub_RefreshFoldersAndFiles(const QString& folder)
         m_listing = false;
         dropRetired();
     }
+}
+
+void OpenSaveDialog::dispose()
+{
+    m_disposed = true;
+    m_makeRemote = nullptr;
+    if (isVisible())
+        done(QDialog::Rejected);
+    if (m_waiting == 0) {
+        delete this;
+        return;
+    }
+    // A call is still waiting on the controller further up the stack: this goes once it returns.
+    setParent(nullptr);
+}
+
+bool OpenSaveDialog::finishDisposal()
+{
+    if (!m_disposed)
+        return false;
+    if (m_waiting == 0)
+        deleteLater();
+    return true;
 }
 
 void OpenSaveDialog::dropRetired()
@@ -597,6 +624,8 @@ void OpenSaveDialog::showPreview()
     if (!self)
         return;
     --m_waiting;
+    if (finishDisposal())
+        return;
     m_previewing = false;
     if (generation == m_previewGeneration && isVisible()) {
         const QImage image = ok ? QImage(local) : QImage();

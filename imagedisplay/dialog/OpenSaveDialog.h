@@ -104,6 +104,10 @@ public:
     void cmd_OK_Click();
     void cmd_Cancel_Click();
 
+    // Ends the dialog for its owner that is going away: at once, or, while a call still waits on
+    // the controller, as soon as it has returned. Nothing is reported any more.
+    void dispose();
+
     // Every way of closing (Open/Save, Cancel, Escape, the window's close) ends the listing under way.
     void done(int result) override;
 
@@ -131,6 +135,8 @@ private:
     void setStatus(const QString& text, bool error = false);
     void fail(const QString& routine, const QString& description);
     void dropRetired();
+    // After a wait: true when the dialog was disposed of meanwhile (the caller returns at once).
+    bool finishDisposal();
     QString typeExtension() const;
     bool acceptLocal();
     bool acceptRemote();
@@ -141,6 +147,7 @@ private:
     // Connections replaced while a call on them was still waiting; dropped once nothing waits.
     std::vector<std::unique_ptr<RemoteFolders>> m_retired;
     int m_waiting = 0;
+    bool m_disposed = false;
     Mode m_mode = Mode::Open;
     Choice m_choice;
     bool m_logEnabled = false;

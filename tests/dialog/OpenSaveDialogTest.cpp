@@ -18,6 +18,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -429,6 +430,34 @@ TEST_F(OpenSaveDialogTest, ATenThousandFileFolderKeepsTheDialogResponsiveAndCanc
     ASSERT_TRUE(waitFor([&] { return !dialog().isListing(); }, 60000));
     EXPECT_EQ(dialog().fileList()->itemCount(), 0);
     EXPECT_EQ(loaded.count(), 0);
+    QDir(folder).removeRecursively();
+}
+
+TEST_F(OpenSaveDialogTest, TheDisplayMayGoWhileTheDialogWaitsForTheController)
+{
+    const QString folder = sim->localPathOf("UD1:\\GOING");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    for (int i = 0; i < 3000; ++i) {
+        QFile f(folder + QStringLiteral("/IMG%1.PNG").arg(i, 5, 10, QLatin1Char('0')));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    }
+    showConnected();
+    QPointer<OpenSaveDialog> d(&dialog());
+    bool wasListing = false;
+    QTimer::singleShot(5, [&] {
+        wasListing = d && d->isListing();
+        display.reset();
+    });
+    d->selectRemoteFolder("UD1:\\GOING"); // returns once the answer came, into a dialog disposed of
+    EXPECT_TRUE(wasListing);
+    EXPECT_TRUE(d);
+    // The main loop deletes what was left for later deletion; the test has none running.
+    EXPECT_TRUE(waitFor(
+        [&] {
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            return d.isNull();
+        },
+        5000));
     QDir(folder).removeRecursively();
 }
 
