@@ -111,9 +111,9 @@ std::vector<RemoteEntry> parseRemoteListing(const QString& response, const QDate
             QDate date(today.year(), month, day);
             if (date.isValid() && date > today.addDays(1))
                 date = QDate(today.year() - 1, month, day);
-            e.modified = QDateTime(date, time);
+            e.modified = QDateTime(date, time, Qt::UTC);
         } else {
-            e.modified = QDateTime(QDate(last.toInt(), month, day), QTime(0, 0));
+            e.modified = QDateTime(QDate(last.toInt(), month, day), QTime(0, 0), Qt::UTC);
         }
         entries.push_back(std::move(e));
     }

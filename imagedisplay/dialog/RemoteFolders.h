@@ -49,6 +49,8 @@ struct NXR_EXPORT RemoteEntry
     bool folder = false;
     qint64 size = 0;
     QString date; // as the controller wrote it ("Nov 22 10:05" or "Nov 22 2025")
+    // The controller's clock reading as written, kept without any time-zone conversion (held as
+    // UTC, so reading it back gives the same day and time; no local-time lookups per line).
     QDateTime modified;
 };
 

@@ -69,10 +69,10 @@ TEST(RemoteListing, FilesFoldersSizesDatesAndOddLines)
     EXPECT_FALSE(entries[1].folder);
     EXPECT_EQ(entries[1].name, "REF 1.PNG"); // a blank inside the name stays
     EXPECT_EQ(entries[1].size, 123456);
-    EXPECT_EQ(entries[1].modified, QDateTime(QDate(2026, 11, 21), QTime(10, 5)));
-    EXPECT_EQ(entries[2].modified, QDateTime(QDate(2025, 12, 30), QTime(0, 0)));
+    EXPECT_EQ(entries[1].modified, QDateTime(QDate(2026, 11, 21), QTime(10, 5), Qt::UTC));
+    EXPECT_EQ(entries[2].modified, QDateTime(QDate(2025, 12, 30), QTime(0, 0), Qt::UTC));
     // A date without a year that would lie ahead is last year's.
-    EXPECT_EQ(entries[3].modified, QDateTime(QDate(2025, 12, 30), QTime(23, 59)));
+    EXPECT_EQ(entries[3].modified, QDateTime(QDate(2025, 12, 30), QTime(23, 59), Qt::UTC));
     EXPECT_TRUE(parseRemoteListing("").empty());
 }
 
