@@ -1,7 +1,10 @@
 #include "host/HostAutomation.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QEventLoop>
+#include <QFileInfo>
+#include <QImage>
 #include <QJSEngine>
 #include <QKeySequence>
 #include <QTimer>
@@ -11,6 +14,7 @@
 #include <QtTest/qtestmouse.h>
 
 #include <cmath>
+#include <cstdio>
 
 namespace nxr {
 namespace {
@@ -248,11 +252,68 @@ void HostAutomation::wait(int ms)
     --m_waitDepth;
 }
 
-void HostAutomation::screenshot(const QString& path)
+void HostAutomation::screenshot(const QString& path, QObject* target)
 {
-    QString error;
-    if (!m_callbacks.screenshot(path, &error))
-        fail(QStringLiteral("host.screenshot: %1").arg(error));
+    if (!target) {
+        QString error;
+        if (!m_callbacks.screenshot(path, &error))
+            fail(QStringLiteral("host.screenshot: %1").arg(error));
+        return;
+    }
+    auto* widget = qobject_cast<QWidget*>(target);
+    if (!widget || !widget->window()->isVisible()) {
+        fail(QStringLiteral("host.screenshot: the second argument must be a shown control or window"));
+        return;
+    }
+    const QFileInfo info(path);
+    const QImage image = widget->window()->grab().toImage();
+    if (!QDir().mkpath(info.absolutePath()) || image.isNull() ||
+        !image.save(info.absoluteFilePath(), "PNG")) {
+        fail(QStringLiteral("host.screenshot: cannot write %1")
+                 .arg(QDir::toNativeSeparators(info.absoluteFilePath())));
+        return;
+    }
+    std::printf("screenshot written to %s (%dx%d)\n",
+                QDir::toNativeSeparators(info.absoluteFilePath()).toLocal8Bit().constData(), image.width(),
+                image.height());
+    std::fflush(stdout);
+}
+
+QObject* HostAutomation::find(const QString& objectName)
+{
+    if (!m_headless) {
+        // On screen a page could otherwise reach into dialogs the user types into (passwords).
+        fail(QStringLiteral("host.find: only in headless runs"));
+        return nullptr;
+    }
+    if (objectName.isEmpty())
+        return nullptr;
+    // Windows on top of the page (its controls' dialogs) first, then the page window; shown
+    // widgets only, so a hidden part of a control does not hide a dialog's part of the same name.
+    QList<QWidget*> windows;
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w->isVisible() && (!m_window || w != m_window->window()))
+            windows << w;
+    if (m_window)
+        windows << m_window->window();
+    QObject* found = nullptr;
+    for (QWidget* w : windows) {
+        if (w->objectName() == objectName && w->isVisible()) {
+            found = w;
+            break;
+        }
+        for (QWidget* child : w->findChildren<QWidget*>(objectName)) {
+            if (child->isVisible()) {
+                found = child;
+                break;
+            }
+        }
+        if (found)
+            break;
+    }
+    if (found)
+        QJSEngine::setObjectOwnership(found, QJSEngine::CppOwnership);
+    return found;
 }
 
 void HostAutomation::exit(int code)

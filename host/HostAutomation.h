@@ -62,7 +62,14 @@ public:
     Q_INVOKABLE void key(QObject* target, const QString& keys);
     Q_INVOKABLE void type(QObject* target, const QString& text);
     Q_INVOKABLE void wait(int ms);
-    Q_INVOKABLE void screenshot(const QString& path);
+    // The page window's picture; with a control, the picture of the window that holds it (a dialog
+    // the page's controls opened, for example).
+    Q_INVOKABLE void screenshot(const QString& path, QObject* target = nullptr);
+    // Headless runs only: the shown window with this object name, or the first shown control of
+    // that name inside a shown window (windows on top of the page, such as dialogs its controls
+    // opened, before the page window); null when there is none. Lets a test reach what the form does not
+    // name, such as a control's modal dialog.
+    Q_INVOKABLE QObject* find(const QString& objectName);
     Q_INVOKABLE void exit(int code = 0);
 
 private:

@@ -79,7 +79,9 @@ void ScriptTimers::runDue()
         }
         // Armed before the call, so timers keep firing while a callback waits in host.wait().
         rearm();
+        ++m_running;
         const QJSValue result = callback.call(arguments);
+        --m_running;
         if (result.isError())
             Q_EMIT callbackFailed(result);
         if (m_stopped)

@@ -28,7 +28,9 @@ public:
     void clear(int id);
     // Drops every timer; nothing fires any more.
     void stopAll();
-    bool hasPending() const { return !m_entries.empty(); }
+    // Timers still to fire, or a callback still running (one that waits in a control's call, a
+    // transfer or a dialog, with the event loop turning underneath it).
+    bool hasPending() const { return !m_entries.empty() || m_running > 0; }
 
 Q_SIGNALS:
     // A callback threw; `error` is the thrown value.
@@ -54,6 +56,7 @@ private:
     int m_lastId = 0;
     quint64 m_nextOrder = 0;
     bool m_stopped = false;
+    int m_running = 0;
 };
 
 } // namespace nxr

@@ -14,6 +14,8 @@
 #include "imagedisplay/NXRViewButtons.h"
 #include "imagedisplay/RasterView.h"
 #include "imagedisplay/ToolbarClickHandler.h"
+#include "imagedisplay/dialog/DisplayDialogs.h"
+#include "imagedisplay/dialog/DisplayOpenSaveHost.h"
 #include "imagedisplay/edit/DisplayParts.h"
 #include "imagedisplay/edit/EditSession.h"
 #include "imagedisplay/loading/DisplayLoading.h"
@@ -66,6 +68,8 @@ struct NXRImageDisplay::Private
 {
     nxr::DisplayState state;
     std::unique_ptr<nxr::DisplayLoading> loading;
+    std::unique_ptr<nxr::DisplayOpenSaveHost> dialogHost;
+    std::unique_ptr<nxr::DisplayDialogs> dialogs;
     std::unique_ptr<nxr::DisplayEditHost> editHost;
     std::unique_ptr<nxr::DisplayParts> parts;
     nxr::ImageViewport* viewport = nullptr;
@@ -178,6 +182,9 @@ void NXRImageDisplay::UserControl_Initialize()
         connect(d->tmrResize, &QTimer::timeout, this, &NXRImageDisplay::UserControl_Resize);
 
         addKeys();
+        // The open/save dialog and the image log (Open and Save buttons, "EnableLogImageLoad").
+        d->dialogHost = std::make_unique<nxr::DisplayOpenSaveHost>(*this);
+        d->dialogs = std::make_unique<nxr::DisplayDialogs>(*d->dialogHost);
         d->editHost = std::make_unique<nxr::DisplayEditHost>(*this);
         d->parts = std::make_unique<nxr::DisplayParts>(*d->editHost);
     });
@@ -378,6 +385,10 @@ nxr::EditSession& NXRImageDisplay::editSession() const { return *d->session; }
 nxr::EditHost& NXRImageDisplay::editHost() const { return *d->editHost; }
 nxr::DisplayPart& NXRImageDisplay::partOf(const std::type_info& type) const { return d->parts->get(type); }
 float NXRImageDisplay::defaultZoom() const { return d->defaultZoom; }
+nxr::DisplayDialogs& NXRImageDisplay::dialogs() const { return *d->dialogs; }
+void NXRImageDisplay::AddLogImage(const QString& vstr_Date, const QString& vstr_Process, const QString& vstr_TimeStamp, const QString& vstr_ImageID) { d->dialogs->AddLogImage(vstr_Date, vstr_Process, vstr_TimeStamp, vstr_ImageID); }
+void NXRImageDisplay::ClearLogDataList() { d->dialogs->ClearLogDataList(); }
+void NXRImageDisplay::UpdateLogImageLoad() { d->dialogs->UpdateLogImageLoad(); }
 QTimer* NXRImageDisplay::liveModeTimer() const { return d->tmrLiveMode; }
 QTimer* NXRImageDisplay::imageRefreshTimer() const { return d->tmrImageRefresh; }
 QTimer* NXRImageDisplay::leadDoubleClickTimer() const { return d->tmrLEADDblClick; }

@@ -29,6 +29,7 @@ class NXRStatusBar;
 class NXRViewButtons;
 
 namespace nxr {
+class DisplayDialogs;
 class DisplayEditHost;
 class DisplayLoading;
 class DisplayPart;
@@ -118,6 +119,13 @@ public:
     Q_INVOKABLE void SaveCurrentImage(const QString& vstr_RemoteHost, const QString& vstr_FilePath,
                                       const QString& vstr_FTPUserName, const QString& vstr_FTPPassword);
     Q_INVOKABLE void AbortLiveMode();
+
+    // The image log and the open/save dialog (imagedisplay/dialog).
+    Q_INVOKABLE void AddLogImage(const QString& vstr_Date, const QString& vstr_Process,
+                                 const QString& vstr_TimeStamp, const QString& vstr_ImageID);
+    Q_INVOKABLE void ClearLogDataList();
+    Q_INVOKABLE void UpdateLogImageLoad();
+    nxr::DisplayDialogs& dialogs() const;
     QString CurrentImageFilename() const;
     bool WaitOnDisplay() const;
     void setWaitOnDisplay(bool value);

@@ -740,6 +740,19 @@ def populate(root, big_mb):
     image("MC:\\VISION\\COLOR800.JPG", 800, 600, True, 2)
     image("MCV:\\IMAGES\\LOG0001.PNG", 640, 480, False, 3)
     image("UD1:\\IMAGES\\LOG0002.JPG", 640, 480, True, 4)
+    image("UD1:\\REF\\REFERENCE.PNG", 320, 240, False, 5)
+    # The vision log: images the controller logged during production, one folder per date and
+    # process, and an index a page reads to fill the display's image log.
+    index = []
+    frame = 10
+    for date in ("2026-11-20", "2026-11-21"):
+        for process, folder in (("WELD SEAM", "WELD"), ("GLUE BEAD", "GLUE")):
+            for stamp in ("08:15:02", "08:16:11"):
+                path = "MCV:\\LOG\\%s\\%s\\%s.PNG" % (date.replace("-", ""), folder, stamp.replace(":", ""))
+                image(path, 320, 240, False, frame)
+                frame += 1
+                index.append("%s;%s;%s;%s" % (date, process, stamp, path))
+    text("MCV:\\LOG\\INDEX.TXT", "".join(line + "\r\n" for line in index))
     if big_mb > 0:
         local = controller_local_path("MD:\\BIG.BIN")
         if not os.path.exists(local) or os.path.getsize(local) != big_mb * 1024 * 1024:

@@ -38,6 +38,8 @@ public:
     // The keys "FTPPortNo" and "HTTPPortNo": ports of the file transfer.
     void setFtpPort(int port);
     void setHttpPort(int port);
+    int ftpPort() const { return m_ftpPort; }
+    int httpPort() const { return m_httpPort; }
 
     // The controller's files: the display's own file transfer object, created on first use;
     // setFiles() puts something else in its place (tests), nullptr goes back to the default.

@@ -11,6 +11,15 @@
 // Without a controller the page shows the sample image of the repository's test data (or the file
 // given with --script-arg image=PATH).
 //
+// Open and Save on the tool bar open the display's own dialog: images on this computer or on the
+// controller (its devices as a folder tree), and, when opening, the controller's image log. The
+// page answers the dialog's request for the log (OnLogListRequested) with the log index the
+// controller keeps (logIndex=, MCV:\LOG\INDEX.TXT by default: "date;process;time;path" lines) and
+// loads the logged image the operator picks (OnLogImageSelected). With --script-arg dialog=1 the
+// page runs the dialog's round by itself (headless): a reference image opened from UD1:, a logged
+// image opened from the log, the shown image saved to MC: (dialogSavePath=), a screenshot of the
+// dialog at each step.
+//
 // With --script-arg check=1 the page checks itself headless: it zooms with the wheel and the
 // tool bar, verifies the display's answers and ends the run with exit code 0 (or 1 and the
 // reason on the console). With a controller as well, the check snaps a picture and runs the mask
@@ -24,7 +33,8 @@
 //
 // Headless with a controller (or with --script-arg demo=1) the page runs the operator's round by
 // itself: snap, live mode with zooming and moving the view while pictures stream, live mode ended,
-// save; it writes a screenshot after each step into shots= (default: the current folder), says
+// save, then the dialog's round (above); it writes a screenshot after each step into shots=
+// (default: the current folder), says
 // where, and exits 0 when every step worked.
 
 function pageFolder() {
@@ -50,6 +60,8 @@ var controller = args.server ? {
     password: args.password !== undefined ? String(args.password) : "robot",
     httpPort: args.httpPort ? String(args.httpPort) : "80",
     savePath: args.savePath ? String(args.savePath) : "MC:\\CAMERA\\SAVED.PNG",
+    logIndex: args.logIndex ? String(args.logIndex) : "MCV:\\LOG\\INDEX.TXT",
+    dialogSavePath: args.dialogSavePath ? String(args.dialogSavePath) : "MC:\\DIALOG.PNG",
     size: args.size ? String(args.size) : "1280x1024",
 } : null;
 
@@ -80,10 +92,56 @@ display.OnButtonClicked.connect(function (name) {
         console.log("tool bar: " + name);
     if (!controller)
         return;
+    // Save opens the display's own dialog, which does the saving.
     if (name === "Snap")
         snap();
-    else if (name === "Save")
-        save();
+});
+
+// ---- the image log and the open/save dialog
+
+var userLoaded = [];
+var logSelections = [];
+
+// The controller's log index: one "date;process;time;path" line per logged image.
+function readLogIndex() {
+    var url = "http://" + controller.server + ":" + controller.httpPort + "/" +
+        controller.logIndex.replace(":", "").replace(/\\/g, "/");
+    var request = new XMLHttpRequest();
+    request.open("GET", url, false);
+    request.send();
+    if (request.status !== 200 || String(request.responseText).indexOf("<HTML>") >= 0) {
+        status("Error: no image log on the controller (" + controller.logIndex + ")");
+        return [];
+    }
+    var entries = [];
+    String(request.responseText).split(/\r?\n/).forEach(function (line) {
+        var fields = line.split(";");
+        if (fields.length === 4)
+            entries.push(fields);
+    });
+    return entries;
+}
+
+display.OnLogListRequested.connect(function () {
+    var entries = readLogIndex();
+    display.ClearLogDataList();
+    entries.forEach(function (f) { display.AddLogImage(f[0], f[1], f[2], f[3]); });
+    display.UpdateLogImageLoad();
+    console.log("image log: " + entries.length + " images");
+});
+display.OnLogImageSelected.connect(function (selector) {
+    // [date, process, time stamp, image identifier]
+    var picked = JSON.parse(selector);
+    logSelections.push(picked);
+    var before = display.LastErrorString;
+    display.LoadImage(controller.server, picked[3], controller.user, controller.password);
+    if (display.LastErrorString === before)
+        status("Logged image " + picked[0] + " / " + picked[1] + " / " + picked[2] + " (" + display.ImageWidth +
+               " x " + display.ImageHeight + ")");
+});
+display.OnUserLoadedImage.connect(function (path, width, height) {
+    userLoaded.push([path, width, height]);
+    status("Opened " + path + " (" + width + " x " + height + ")");
 });
 
 // The camera takes a picture; the answer is its path on the controller.
@@ -131,6 +189,8 @@ function save() {
 
 display.Caption = "Camera 1";
 if (controller) {
+    display.OpenSaveButtonsVisible = true;
+    display.SetProperty("EnableLogImageLoad", "True");
     if (args.ftpPort)
         display.SetProperty("FTPPortNo", String(args.ftpPort));
     display.SetProperty("HTTPPortNo", controller.httpPort);
@@ -243,7 +303,10 @@ function demoRound() {
     console.log("vision-setup demo " + (ok ? "done" : "FAILED") + ": " + liveFrames + " pictures, last error '" +
                 display.LastErrorString + "'" + (maskProblems.length ? ", mask: " + maskProblems.join("; ") : ""));
     console.log("screenshots: " + shots.join(", "));
-    host.exit(ok ? 0 : 1);
+    if (!ok)
+        host.exit(1);
+    else
+        dialogRound(); // then the open/save dialog, which ends the run
 }
 
 function selfCheck() {
@@ -291,12 +354,117 @@ function selfCheck() {
     }
 }
 
-// The self-check and the round drive the page through the host's automation, which a run on
+// The dialog's round, headless: every step on the dialog as the operator would do it.
+function dialogRound() {
+    var folder = args.shots ? String(args.shots) : ".";
+    var failures = [];
+    function expect(condition, what) {
+        if (!condition)
+            failures.push(what);
+    }
+    function find(name) {
+        var found = host.find(name);
+        if (!found)
+            throw new Error("no " + name + " on the screen");
+        return found;
+    }
+    function waitFor(condition, ms) {
+        for (var waited = 0; waited < ms && !condition(); waited += 50)
+            host.wait(50);
+        return condition();
+    }
+    function shot(name, target) {
+        host.screenshot(folder + "/vision-setup-dialog-" + name + ".png", target);
+    }
+    function pressToolButton(name) {
+        var button = find(name);
+        host.click(button, button.width / 2, button.height / 2);
+    }
+    function typeInto(name, text) {
+        var field = find(name);
+        host.click(field, 5, 5);
+        host.key(field, "Ctrl+A");
+        host.type(field, text);
+    }
+    function press(name) {
+        var button = find(name);
+        host.click(button, button.width / 2, button.height / 2);
+    }
+    function dialogShown() {
+        var d = host.find("dlg_OpenSave");
+        return d !== null && d.visible;
+    }
+    try {
+        // 1. Open a reference image from the USB stick.
+        pressToolButton("cmd_Open");
+        expect(waitFor(dialogShown, 2000), "the open dialog appears");
+        var dialog = find("dlg_OpenSave");
+        press("opt_Remote");
+        typeInto("txt_Server", controller.server);
+        typeInto("txt_User", controller.user);
+        typeInto("txt_Password", controller.password);
+        press("cmd_Connect");
+        expect(waitFor(function () { return String(find("lbl_Status").text).indexOf("MC:\\:") === 0; }, 5000),
+               "MC:\\ listed after connecting (" + find("lbl_Status").text + ")");
+        shot("1-open-remote", dialog);
+        typeInto("txt_FileName", "UD1:\\REF\\REFERENCE.PNG");
+        press("cmd_OK");
+        expect(waitFor(function () { return userLoaded.length === 1; }, 5000), "the reference image opened");
+        expect(display.ImageWidth === 320 && display.ImageHeight === 240,
+               "reference image shown (" + display.ImageWidth + " x " + display.ImageHeight + ")");
+
+        // 2. Open a logged image: the newest date, its first process, the newest time stamp.
+        pressToolButton("cmd_Open");
+        expect(waitFor(dialogShown, 2000), "the open dialog appears again");
+        press("opt_Log");
+        var log = find("tvw_ImageLog");
+        expect(waitFor(function () { return String(find("lbl_Status").text).indexOf("8 ") === 0; }, 3000),
+               "the log holds the controller's 8 images (" + find("lbl_Status").text + ")");
+        // The newest date comes open with its processes; its first process's newest image is
+        // two rows down.
+        host.key(log, "Home");
+        host.key(log, "Down");
+        host.key(log, "Down");
+        shot("2-log", dialog);
+        press("cmd_OK");
+        expect(waitFor(function () { return logSelections.length === 1; }, 5000), "a logged image was selected");
+        if (logSelections.length === 1) {
+            var s = logSelections[0];
+            expect(s[0] === "2026-11-21" && s[1] === "GLUE BEAD" && s[2] === "08:16:11",
+                   "the newest logged image picked (" + s.join(" / ") + ")");
+        }
+
+        // 3. Save the shown image to the controller's memory card.
+        pressToolButton("cmd_Save");
+        expect(waitFor(dialogShown, 2000), "the save dialog appears");
+        typeInto("txt_FileName", controller.dialogSavePath);
+        shot("3-save", find("dlg_OpenSave"));
+        var errorBefore = display.LastErrorString;
+        press("cmd_OK");
+        host.wait(1000);
+        expect(!dialogShown(), "the save dialog closed");
+        expect(display.LastErrorString === errorBefore, "saved without error (" + display.LastErrorString + ")");
+    } catch (e) {
+        failures.push(String(e));
+    }
+    if (failures.length > 0) {
+        console.log("vision-setup dialog round FAILED: " + failures.join("; "));
+        host.exit(1);
+    } else {
+        console.log("vision-setup dialog round done: opened " + userLoaded.map(function (u) { return u[0]; }).join(", ") +
+                    "; saved " + controller.dialogSavePath);
+        host.exit(0);
+    }
+}
+
+// The self-check and the rounds drive the page through the host's automation, which a run on
 // screen has only with --automation.
 var automation = typeof host.click === "function";
-if ((args.check === "1" || args.demo === "1") && !automation)
+if ((args.check === "1" || args.demo === "1" || args.dialog === "1") && !automation)
     status("The page's own round needs the host's automation: run it headless or with --automation");
 else if (args.check === "1")
     setTimeout(controller ? controllerCheck : selfCheck, 200);
+else if (controller && args.dialog === "1")
+    setTimeout(dialogRound, 200);
 else if (controller && (args.demo === "1" || host.headless))
     setTimeout(demoRound, 200);
