@@ -123,8 +123,8 @@ PageHost::PageHost(const HostOptions& options, QObject* parent) : QObject(parent
             [this](const QJSValue& error) { reportError(error, m_firstScript); });
 
     HostAutomation::Callbacks callbacks;
-    callbacks.screenshot = [this](const QString& path, QString* error) {
-        return writeScriptScreenshot(path, error);
+    callbacks.screenshot = [this](const QString& path, QWidget* widget, QString* error) {
+        return writeScriptScreenshot(path, widget, error);
     };
     callbacks.exit = [this](int code) { requestExit(code); };
     callbacks.exiting = [this] { return m_finishing; };
@@ -470,9 +470,11 @@ void PageHost::requestExit(int code)
     QTimer::singleShot(0, this, &PageHost::finishNow);
 }
 
-bool PageHost::writeScreenshot(const QString& path, QString* error)
+bool PageHost::writeScreenshot(const QString& path, QWidget* widget, QString* error)
 {
-    if (!m_window) {
+    if (!widget)
+        widget = m_window.get();
+    if (!widget) {
         *error = QStringLiteral("there is no page window");
         return false;
     }
@@ -482,7 +484,7 @@ bool PageHost::writeScreenshot(const QString& path, QString* error)
             QStringLiteral("cannot create the folder %1").arg(QDir::toNativeSeparators(info.absolutePath()));
         return false;
     }
-    const QImage image = m_window->grab().toImage();
+    const QImage image = widget->grab().toImage();
     if (image.isNull()) {
         *error = QStringLiteral("the page window could not be drawn");
         return false;
@@ -498,7 +500,7 @@ bool PageHost::writeScreenshot(const QString& path, QString* error)
     return true;
 }
 
-bool PageHost::writeScriptScreenshot(const QString& path, QString* error)
+bool PageHost::writeScriptScreenshot(const QString& path, QWidget* widget, QString* error)
 {
     if (m_options.screenshotDir.isEmpty()) {
         *error = QStringLiteral("no folder for screenshots was named on the command line (--screenshot-dir)");
@@ -528,7 +530,7 @@ bool PageHost::writeScriptScreenshot(const QString& path, QString* error)
         *error = QStringLiteral("%1 exists; it is not replaced (--overwrite-screenshots)").arg(path);
         return false;
     }
-    if (!writeScreenshot(target, error))
+    if (!writeScreenshot(target, widget, error))
         return false;
     ++m_screenshotsTaken;
     return true;
@@ -539,7 +541,7 @@ void PageHost::finishNow()
     int code = m_exitCode;
     if (!m_options.screenshotPath.isEmpty()) {
         QString error;
-        if (!writeScreenshot(m_options.screenshotPath, &error)) {
+        if (!writeScreenshot(m_options.screenshotPath, nullptr, &error)) {
             note(QStringLiteral("screenshot not written: %1").arg(error));
             if (code == ExitOk)
                 code = ExitLoadFailed;

@@ -46,10 +46,11 @@ public:
     QJSEngine* engine() const { return m_engine.get(); }
     int scriptErrorCount() const { return m_errorCount; }
     bool isFinishing() const { return m_finishing; }
-    bool writeScreenshot(const QString& path, QString* error);
+    // A PNG of `widget` (the page window when null), OpenGL content included.
+    bool writeScreenshot(const QString& path, QWidget* widget, QString* error);
     // host.screenshot(): only below --screenshot-dir, never over an existing file unless the
     // command line allows it, and at most --screenshot-quota files per run.
-    bool writeScriptScreenshot(const QString& path, QString* error);
+    bool writeScriptScreenshot(const QString& path, QWidget* widget, QString* error);
 
     // The desktop's programs are never started for a link of a page; the host says so instead.
     Q_INVOKABLE void refuseUrl(const QUrl& url);

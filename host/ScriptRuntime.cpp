@@ -80,6 +80,21 @@ QJSValue ScriptRuntime::scriptValue(QObject* object)
         .call({raw, m_engine->toScriptValue(WidgetAllowList::describe(listed))});
 }
 
+QJSValue ScriptRuntime::handle(QObject* object)
+{
+    if (!object)
+        return QJSValue(QJSValue::NullValue);
+    if (!m_restricted)
+        return scriptValue(object);
+    const bool library = qobject_cast<IObjectSafety*>(object) != nullptr;
+    if (library ? mayExpose(object, true) : !WidgetAllowList::listedClass(object).isEmpty())
+        return scriptValue(object);
+    QJSEngine::setObjectOwnership(object, QJSEngine::CppOwnership);
+    QVariantMap opaque = WidgetAllowList::describe(QString());
+    opaque.insert(QStringLiteral("className"), QString::fromLatin1(object->metaObject()->className()));
+    return m_helpers.property(QStringLiteral("wrap")).call({m_engine->newQObject(object), m_engine->toScriptValue(opaque)});
+}
+
 QJSValue ScriptRuntime::hostValue(QObject* automationObject, bool automation, const QJSValue& window)
 {
     QJSEngine::setObjectOwnership(automationObject, QJSEngine::CppOwnership);
@@ -201,7 +216,13 @@ QString ScriptRuntime::bootstrapScript(const QString& runtimeName)
         function (name) {
           h[name] = function () { return raw[name].apply(raw, slice.call(arguments).map(unwrap)); };
         });
-      h.screenshot = function () { return raw.screenshot.apply(raw, arguments); };
+      ["tap", "touch", "touchDrag"].forEach(function (name) {
+        h[name] = function () { return raw[name].apply(raw, slice.call(arguments).map(unwrap)); };
+      });
+      h.child = function (w, path) { return rt.handle(raw.child(unwrap(w), String(path))); };
+      h.windows = function () { return raw.windows().map(function (w) { return rt.handle(w); }); };
+      h.findWindow = function (name) { return rt.handle(raw.findWindow(String(name))); };
+      h.screenshot = function () { return raw.screenshot.apply(raw, slice.call(arguments).map(unwrap)); };
       h.exit = function () { return raw.exit.apply(raw, arguments); };
     }
     return Object.freeze(h);
