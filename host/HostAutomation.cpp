@@ -177,10 +177,13 @@ void HostAutomation::type(QObject* target, const QString& text)
     m_input.text(widget, text);
 }
 
-bool HostAutomation::readPoints(const char* routine, const QVariantList& list, QList<QPoint>* out)
+bool HostAutomation::readPoints(const char* routine, const QVariantList& list, QMap<int, QPoint>* out)
 {
-    QList<QPoint> points;
-    for (const QVariant& item : list) {
+    QMap<int, QPoint> points;
+    for (int finger = 0; finger < list.size(); ++finger) {
+        const QVariant& item = list.at(finger);
+        if (item.isNull())
+            continue;
         const QVariantList xy = item.toList();
         const QVariantMap map = item.toMap();
         bool okX = false;
@@ -195,13 +198,13 @@ bool HostAutomation::readPoints(const char* routine, const QVariantList& list, Q
             y = map.value(QStringLiteral("y")).toDouble(&okY);
         }
         if (!okX || !okY || !std::isfinite(x) || !std::isfinite(y)) {
-            fail(QStringLiteral("host.%1: points are [x, y] pairs of numbers, one per finger")
+            fail(QStringLiteral("host.%1: points are [x, y] pairs of numbers (or null), one per finger")
                      .arg(QLatin1String(routine)));
             return false;
         }
-        points << rounded(x, y);
+        points.insert(finger, rounded(x, y));
     }
-    if (points.isEmpty() || points.size() > 10) {
+    if (points.isEmpty() || list.size() > 10) {
         fail(QStringLiteral("host.%1: give 1 to 10 fingers' points").arg(QLatin1String(routine)));
         return false;
     }
@@ -217,8 +220,9 @@ void HostAutomation::tap(QObject* target, double x, double y)
         return;
     QString error;
     QPointer<QWidget> guard(widget);
-    if (!m_input.touch(widget, InputSynthesizer::TouchAction::Press, {pos}, &error) ||
-        (guard && !m_input.touch(widget, InputSynthesizer::TouchAction::Release, {pos}, &error)))
+    const QMap<int, QPoint> finger{{0, pos}};
+    if (!m_input.touch(widget, InputSynthesizer::TouchAction::Press, finger, &error) ||
+        (guard && !m_input.touch(widget, InputSynthesizer::TouchAction::Release, finger, &error)))
         fail(QStringLiteral("host.tap: %1").arg(error));
 }
 
@@ -226,7 +230,7 @@ void HostAutomation::touch(QObject* target, const QString& action, const QVarian
 {
     QWidget* widget = nullptr;
     QPoint pos;
-    QList<QPoint> list;
+    QMap<int, QPoint> list;
     if (!resolve("touch", target, 0, 0, &widget, &pos) || !readPoints("touch", points, &list))
         return;
     InputSynthesizer::TouchAction a;
@@ -250,12 +254,12 @@ void HostAutomation::touchDrag(QObject* target, const QVariantList& from, const 
 {
     QWidget* widget = nullptr;
     QPoint pos;
-    QList<QPoint> start;
-    QList<QPoint> end;
+    QMap<int, QPoint> start;
+    QMap<int, QPoint> end;
     if (!resolve("touchDrag", target, 0, 0, &widget, &pos) || !readPoints("touchDrag", from, &start) ||
         !readPoints("touchDrag", to, &end))
         return;
-    if (start.size() != end.size()) {
+    if (start.keys() != end.keys()) {
         fail(QStringLiteral("host.touchDrag: as many end points as start points, one per finger"));
         return;
     }
@@ -264,10 +268,12 @@ void HostAutomation::touchDrag(QObject* target, const QVariantList& from, const 
     bool ok = m_input.touch(widget, InputSynthesizer::TouchAction::Press, start, &error);
     for (int step = 1; ok && guard && step <= kDragSteps; ++step) {
         const double f = double(step) / kDragSteps;
-        QList<QPoint> points;
-        for (int i = 0; i < start.size(); ++i)
-            points << rounded(start[i].x() + (end[i].x() - start[i].x()) * f,
-                              start[i].y() + (end[i].y() - start[i].y()) * f);
+        QMap<int, QPoint> points;
+        for (auto it = start.cbegin(); it != start.cend(); ++it) {
+            const QPoint a = it.value();
+            const QPoint b = end.value(it.key());
+            points.insert(it.key(), rounded(a.x() + (b.x() - a.x()) * f, a.y() + (b.y() - a.y()) * f));
+        }
         ok = m_input.touch(widget, InputSynthesizer::TouchAction::Move, points, &error);
     }
     if (ok && guard)

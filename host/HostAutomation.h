@@ -67,7 +67,8 @@ public:
     Q_INVOKABLE void key(QObject* target, const QString& keys);
     Q_INVOKABLE void type(QObject* target, const QString& text);
     // Touch: a one-finger tap; fingers put down, moved or lifted ("press", "move", "release") at
-    // points [[x, y], ...] numbered by their place; a gesture of fingers moving from points to points.
+    // points [[x, y], ...] numbered by their place (null: that finger is left as it is); a gesture
+    // of fingers moving together from points to points.
     Q_INVOKABLE void tap(QObject* target, double x, double y);
     Q_INVOKABLE void touch(QObject* target, const QString& action, const QVariantList& points);
     Q_INVOKABLE void touchDrag(QObject* target, const QVariantList& from, const QVariantList& to);
@@ -84,7 +85,7 @@ private:
     bool resolve(const char* routine, QObject* target, double x, double y, QWidget** widget, QPoint* pos);
     bool readModifiers(const char* routine, const QString& text, Qt::KeyboardModifiers* out);
     bool readButton(const char* routine, const QString& text, Qt::MouseButton* out);
-    bool readPoints(const char* routine, const QVariantList& list, QList<QPoint>* out);
+    bool readPoints(const char* routine, const QVariantList& list, QMap<int, QPoint>* out);
     void mouse(const char* routine, InputSynthesizer::MouseAction action, QObject* target, double x, double y,
                const QString& button, const QString& modifiers);
     void fail(const QString& message);

@@ -239,21 +239,22 @@ void InputSynthesizer::text(QWidget* widget, const QString& text)
     QCoreApplication::processEvents();
 }
 
-bool InputSynthesizer::touch(QWidget* widget, TouchAction action, const QList<QPoint>& points, QString* error)
+bool InputSynthesizer::touch(QWidget* widget, TouchAction action, const QMap<int, QPoint>& points,
+                             QString* error)
 {
     QWidget* top = widget->window();
     if (!m_fingers.isEmpty() && m_touchWindow && m_touchWindow != top) {
         *error = QStringLiteral("fingers are still down on another window; lift them first");
         return false;
     }
-    for (int id = 0; id < points.size(); ++id) {
-        const bool down = m_fingers.contains(id);
+    for (auto it = points.cbegin(); it != points.cend(); ++it) {
+        const bool down = m_fingers.contains(it.key());
         if (action == TouchAction::Press && down) {
-            *error = QStringLiteral("finger %1 is already down").arg(id + 1);
+            *error = QStringLiteral("finger %1 is already down").arg(it.key() + 1);
             return false;
         }
         if (action != TouchAction::Press && !down) {
-            *error = QStringLiteral("finger %1 is not down").arg(id + 1);
+            *error = QStringLiteral("finger %1 is not down").arg(it.key() + 1);
             return false;
         }
     }
@@ -263,27 +264,27 @@ bool InputSynthesizer::touch(QWidget* widget, TouchAction action, const QList<QP
         m_touchWindow = top;
         m_fingers.clear();
     }
-    for (int id = 0; id < points.size(); ++id) {
+    for (auto it = points.cbegin(); it != points.cend(); ++it) {
         switch (action) {
         case TouchAction::Press:
-            m_touch->press(id, points.at(id), widget);
+            m_touch->press(it.key(), it.value(), widget);
             break;
         case TouchAction::Move:
-            m_touch->move(id, points.at(id), widget);
+            m_touch->move(it.key(), it.value(), widget);
             break;
         case TouchAction::Release:
-            m_touch->release(id, points.at(id), widget);
+            m_touch->release(it.key(), it.value(), widget);
             break;
         }
     }
     for (int id : std::as_const(m_fingers))
-        if (id >= points.size())
+        if (!points.contains(id))
             m_touch->stationary(id);
-    for (int id = 0; id < points.size(); ++id) {
+    for (auto it = points.cbegin(); it != points.cend(); ++it) {
         if (action == TouchAction::Press)
-            m_fingers << id;
+            m_fingers << it.key();
         else if (action == TouchAction::Release)
-            m_fingers.removeAll(id);
+            m_fingers.removeAll(it.key());
     }
     m_touch->commit();
     if (m_fingers.isEmpty())

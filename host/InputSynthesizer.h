@@ -5,6 +5,7 @@
 // the mouse input that asks for them, none held once no button is) and fingers on the screen.
 
 #include <QList>
+#include <QMap>
 #include <QPoint>
 #include <QPointer>
 #include <QString>
@@ -49,10 +50,10 @@ public:
     void keys(QWidget* widget, const QKeySequence& sequence, const QString& written);
     void text(QWidget* widget, const QString& text);
 
-    // Fingers are numbered by their place in `points` (widget pixels). Press puts them down, move
-    // moves them (the others stay where they are), release lifts them. False with *error set on
+    // `points` by finger number (widget pixels). Press puts those fingers down, move moves them,
+    // release lifts them; fingers down and not named stay where they are. False with *error set on
     // a finger already down (press) or not down (move, release), or fingers on another window.
-    bool touch(QWidget* widget, TouchAction action, const QList<QPoint>& points, QString* error);
+    bool touch(QWidget* widget, TouchAction action, const QMap<int, QPoint>& points, QString* error);
     int fingersDown() const { return int(m_fingers.size()); }
 
     Qt::KeyboardModifiers heldModifiers() const { return m_modifiers; }
