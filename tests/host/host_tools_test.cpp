@@ -8,6 +8,7 @@
 #include "TestHttpServer.h"
 
 #include <QImage>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <gtest/gtest.h>
@@ -137,4 +138,120 @@ console.log("touch " + ctl_Touch.Log);
     EXPECT_EQ(last,
               (QStringList{"touch begin 5,5", "touch update 5,5|50,50", "touch update 6,6|50,50",
                            "touch end 7,7|50,50"}));
+}
+
+TEST(HostTools, NamedChildrenAndDialogsAreClickedTypedIntoAndCaptured)
+{
+    // The page, run from disk and from a trusted controller: a dialog a control opens, modeless and
+    // modal (the click returns once it is closed, so a timer answers it), and the mask palette's
+    // option buttons reached by name.
+    const QByteArray ui = PageRunner::form(
+        400, 300, PageRunner::item("TestDialogOpener", "ctl_Opener") + PageRunner::item("NXRMaskToolButtons", "ctl_Mask"));
+    const QByteArray js = R"JS(
+var log = [];
+ctl_Opener.OnClosed.connect(function (ok, text) { log.push("closed " + ok + " " + text); });
+ctl_Mask.OnToolSelected.connect(function (tool) { log.push("tool " + tool); });
+ctl_Mask.OnToolSizeSelected.connect(function (size) { log.push("size " + size); });
+
+var tool = host.child(ctl_Mask, "fra_ToolSelection/opt_Tool2");
+host.click(tool, 4, 4);
+host.click(host.child(ctl_Mask, "opt_Size1"), 4, 4);
+log.push("missing " + host.child(ctl_Mask, "opt_Nothing") + " " + host.child(ctl_Mask, "fra_SizeSelection/opt_Tool2"));
+host.screenshot("tool.png", tool);
+log.push("tool size " + tool.width + "x" + tool.height);
+
+ctl_Opener.Modal = false;
+host.click(ctl_Opener, 5, 5);
+var d = host.findWindow("dlg_Test");
+log.push("windows " + host.windows().length + ", first is the page " + (String(host.windows()[0]) === String(host.window)));
+log.push("by title " + (host.findWindow("Test dialog") !== null) + ", unknown " + host.findWindow("nope"));
+log.push("dialog members " + typeof d.show);
+host.type(host.child(d, "txt_Answer"), "first");
+host.screenshot("dialog.png", d);
+host.click(host.child(d, "cmd_Cancel"), 3, 3);
+log.push("after cancel " + host.windows().length);
+
+ctl_Opener.Modal = true;
+setTimeout(function () {
+  var m = host.findWindow("dlg_Test");
+  host.type(host.child(m, "txt_Answer"), "42");
+  host.click(host.child(m, "cmd_OK"), 3, 3);
+}, 50);
+host.click(ctl_Opener, 5, 5);
+log.push("modal click returned");
+console.log(log.join("\n"));
+)JS";
+    const QStringList expected{"tool 2",
+                               "size 1",
+                               "missing null null",
+                               "tool size 24x24",
+                               "windows 2, first is the page true",
+                               "by title true, unknown null",
+                               "dialog members function",
+                               "closed false first",
+                               "after cancel 1",
+                               "closed true 42",
+                               "modal click returned"};
+
+    PageRunner runner;
+    const PageRun local = runner.runPage(QStringLiteral("local"), ui, js, {"--screenshot-dir", runner.path("local")});
+    EXPECT_RUN(local, 0);
+    const QStringList lines = local.outLines().filter(QRegularExpression("^(?!screenshot written)"));
+    ASSERT_GE(lines.size(), 4) << qPrintable(local.out);
+    const QStringList size = lines.at(3).mid(10).split('x');
+    EXPECT_EQ(QImage(runner.path("local/tool.png")).size(), QSize(size.value(0).toInt(), size.value(1).toInt()));
+    EXPECT_EQ(lines.mid(0, 3) + lines.mid(4), expected.mid(0, 3) + expected.mid(4));
+    const QImage dialog(runner.path("local/dialog.png"));
+    EXPECT_GT(dialog.width(), 50);
+    EXPECT_GT(coloursIn(dialog, dialog.rect()), 3);
+
+    // A controller's page gets the dialog only as a target for the host's functions, its Qt
+    // widgets through the allow-list's stand-ins.
+    TestHttpServer server;
+    server.set("/p/page.json", "application/json", R"({"form": "page.ui", "script": "page.js"})");
+    server.set("/p/page.ui", "text/xml", ui);
+    server.set("/p/page.js", "application/javascript", js);
+    const PageRun remote = runner.run({"--headless", "--timeout", "20000", "--trust", server.url(""),
+                                       "--screenshot-dir", runner.path("remote"), server.url("/p/")});
+    EXPECT_RUN(remote, 0);
+    const QStringList remoteLines = remote.outLines().filter(QRegularExpression("^(?!screenshot written)"));
+    QStringList remoteExpected = expected;
+    remoteExpected.replace(6, "dialog members undefined");
+    EXPECT_EQ(remoteLines.mid(0, 3) + remoteLines.mid(4), remoteExpected.mid(0, 3) + remoteExpected.mid(4));
+    EXPECT_FALSE(QImage(runner.path("remote/dialog.png")).isNull());
+}
+
+TEST(HostTools, ScreenshotsShowOpenGlContent)
+{
+    // The 3D plot draws its scene with OpenGL: in a screenshot of the page and of the plot's own
+    // drawing surface the scene is there (many colours), not an empty area.
+    PageRunner runner;
+    const QByteArray ui = PageRunner::form(500, 400, PageRunner::item("NXR3DPlot", "plot"));
+    const PageRun run = runner.runPage(QStringLiteral("gl"), ui, R"JS(
+plot.InitializeDrawing();
+plot.AddCamera("CAM", 15, 81, 700, -100, 0, 600, 180, 0, 0, 0, 0, 0, 0, 0, 0,
+               0, 0, 500, 180, 0, 0, 0, 0, 500, 180, 0, 0, "GF1", "UF1");
+for (var i = 0; i < 9; ++i)
+  for (var j = 0; j < 9; ++j)
+    plot.AddCalibrationPoint((i - 4) * 15, (j - 4) * 15, 0);
+plot.FinishCamera();
+plot.FinishDrawing();
+host.wait(200);
+var gl = host.child(plot, "pic_OpenGL");
+console.log("gl " + (plot.x + gl.x) + " " + (plot.y + gl.y) + " " + gl.width + " " + gl.height);
+host.screenshot("gl.png", gl);
+)JS",
+                                       {"--screenshot", runner.path("page.png"), "--screenshot-dir", runner.dir()});
+    if (run.err.contains("ChoosePixelFormat failed"))
+        GTEST_SKIP() << "no OpenGL on this platform (the GUI tests use Xvfb when it is installed)";
+    EXPECT_RUN(run, 0);
+    const QStringList gl = lineStartingWith(run, "gl ").split(' ');
+    ASSERT_EQ(gl.size(), 5) << qPrintable(run.out);
+    const QRect inPage(gl[1].toInt(), gl[2].toInt(), gl[3].toInt(), gl[4].toInt());
+    ASSERT_GT(inPage.width(), 100);
+    const QImage own(runner.path("gl.png"));
+    EXPECT_EQ(own.size(), inPage.size());
+    EXPECT_GT(coloursIn(own, own.rect()), 20);
+    const QImage page(runner.path("page.png"));
+    EXPECT_GT(coloursIn(page, inPage.adjusted(10, 10, -10, -10)), 20);
 }
