@@ -1,6 +1,7 @@
 #include "host/PageHost.h"
 
 #include "frame/PageTrust.h"
+#include "host/ErrorBanner.h"
 #include "host/FormLoader.h"
 #include "host/HostAutomation.h"
 #include "host/PageSource.h"
@@ -432,6 +433,12 @@ void PageHost::reportError(const QString& file, int line, const QString& message
                              .arg(message);
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
     std::fflush(stderr);
+    // On screen the author sees it in the page's window too; a run without a user has the console.
+    if (m_window && !m_options.headless) {
+        if (!m_banner)
+            m_banner = new ErrorBanner(m_window.get());
+        m_banner->showError(text);
+    }
     Q_EMIT scriptError(where, line, message);
 }
 

@@ -21,6 +21,7 @@ class QMessageLogContext;
 
 namespace nxr {
 
+class ErrorBanner;
 class FormLoader;
 class HostAutomation;
 class PageSource;
@@ -90,6 +91,7 @@ private:
     PageSource* m_source = nullptr;
     ScriptWatchdog* m_watchdog = nullptr;
     QStringList m_urlSchemes;
+    QPointer<ErrorBanner> m_banner; // on screen: the script errors in the window
     int m_screenshotsTaken = 0;
     QString m_firstScript;
     // The names the engine gives the page's scripts, and the names to show for them.

@@ -58,6 +58,10 @@ public:
     // members that the host's functions still accept as their target.
     Q_INVOKABLE QJSValue handle(QObject* object);
 
+    // For console output: {className, name, properties: [[name, value], ...]} of a QObject (its
+    // own classes' properties, values as numbers, texts or type names); undefined for anything else.
+    Q_INVOKABLE QJSValue describeObject(const QJSValue& value);
+
     // Drops every request under way without calling back into the script.
     void cancelRequests();
 

@@ -255,3 +255,67 @@ host.screenshot("gl.png", gl);
     const QImage page(runner.path("page.png"));
     EXPECT_GT(coloursIn(page, inPage.adjusted(10, 10, -10, -10)), 20);
 }
+
+TEST(HostTools, ScriptErrorsShowInTheWindowAndTheConsoleShowsObjects)
+{
+    PageRunner runner;
+    const QByteArray ui = PageRunner::form(400, 200, PageRunner::item("TestClickPad", "ctl_Pad"));
+    const PageRun console = runner.runPage(QStringLiteral("console"), ui, R"JS(
+var a = {n: 1, s: "text", "odd key": true, list: [1, "two", null, undefined],
+         nested: {deep: {deeper: {deepest: 1}}}, f: function named() {}};
+a.self = a;
+console.log(a);
+console.log("label", [1, [2, [3, [4]]]], new Date(0), undefined, null, {}, []);
+var big = [];
+for (var i = 0; i < 40; ++i) big.push(i);
+console.log(big);
+var c = createObject("TestCounter");
+c.Count = 4;
+console.log(c);
+console.log({pad: ctl_Pad}.pad === ctl_Pad, new Error("boom"));
+)JS");
+    EXPECT_RUN(console, 0);
+    QString numbers;
+    for (int i = 0; i < 30; ++i)
+        numbers += QString::number(i) + ", ";
+    EXPECT_EQ(console.outLines(),
+              (QStringList{"{n: 1, s: \"text\", \"odd key\": true, list: [1, \"two\", null, undefined], nested: "
+                           "{deep: {deeper: [Object]}}, f: [Function: named], self: [Circular]}",
+                           "label [1, [2, [3, [Array]]]] 1970-01-01T00:00:00.000Z undefined null {} []",
+                           "[" + numbers + "... 10 more]", "TestCounter {LastErrorString: \"\", Count: 4}",
+                           "true Error: boom"}));
+
+    // On screen, errors show at the top of the page window until dismissed; headless they do not.
+    const QByteArray js = R"JS(
+setTimeout(function () { null.first; }, 10);
+setTimeout(function () { undefined.second; }, 20);
+setTimeout(function () {
+  var banner = host.child(host.window, "host_ErrorBanner");
+  if (banner === null) { console.log("no banner"); host.exit(0); return; }
+  console.log("banner " + banner.visible + " at " + banner.y + ", as wide as the window " + (banner.width === host.window.width));
+  console.log(host.child(banner, "lbl_Error").text);
+  host.screenshot("banner.png");
+  host.click(host.child(banner, "cmd_Dismiss"), 5, 5);
+  console.log("after dismiss " + banner.visible);
+  host.exit(0);
+}, 300);
+)JS";
+    runner.write("banner/page.ui", ui);
+    runner.write("banner/page.js", js);
+    const PageRun shown = runner.run({"--automation", "--screenshot-dir", runner.dir(), runner.path("banner")});
+    EXPECT_RUN(shown, 2);
+    const QString script = runner.path("banner/page.js");
+    EXPECT_EQ(shown.outLines(),
+              (QStringList{"banner true at 0, as wide as the window true",
+                           script + ":3: TypeError: Cannot read property 'second' of undefined",
+                           "(2 script errors; the others are on the console)",
+                           "screenshot written to " + runner.path("banner.png") + " (400x200)", "after dismiss false"}));
+    EXPECT_TRUE(shown.err.contains(script + ":2: TypeError")) << qPrintable(shown.err);
+    const QImage shot(runner.path("banner.png"));
+    ASSERT_FALSE(shot.isNull());
+    EXPECT_EQ(shot.pixel(shot.width() / 2, 2) | 0xff000000, qRgb(0xb0, 0x1e, 0x1e));
+
+    const PageRun headless = runner.runPage(QStringLiteral("headless"), ui, js);
+    EXPECT_RUN(headless, 2);
+    EXPECT_EQ(headless.outLines(), QStringList{"no banner"});
+}
