@@ -3,6 +3,7 @@
 #include "frame/PageTrust.h"
 #include "host/ErrorBanner.h"
 #include "host/FormLoader.h"
+#include "host/FormResources.h"
 #include "host/HostAutomation.h"
 #include "host/PageSource.h"
 #include "host/ScriptRuntime.h"
@@ -13,6 +14,7 @@
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QJSEngine>
@@ -270,9 +272,29 @@ void PageHost::onLoaded(const PageFiles& files)
     FormLoader loader;
     if (remote)
         loader.setDroppedProperties(kDroppedRemoteProperties);
-    if (!files.workingDirectory.isEmpty())
+    QByteArray form = files.form;
+    if (!files.workingDirectory.isEmpty()) {
         loader.setWorkingDirectory(QDir(files.workingDirectory));
-    QWidget* root = loader.loadForm(files.form);
+    } else if (remote) {
+        // A controller's form reads its pictures from a private folder, fetched from beside it;
+        // no name in it reaches a file of this machine.
+        for (const QString& text : files.notes)
+            note(text);
+        QMap<QString, QString> local;
+        if (!files.resources.isEmpty() && m_resourceDir.isValid()) {
+            int n = 0;
+            for (auto it = files.resources.cbegin(); it != files.resources.cend(); ++it) {
+                const QString path = m_resourceDir.filePath(
+                    QStringLiteral("picture%1.%2").arg(++n).arg(QFileInfo(QUrl(it.key()).path()).suffix()));
+                QFile out(path);
+                if (out.open(QIODevice::WriteOnly) && out.write(it.value()) == it.value().size())
+                    local.insert(it.key(), path);
+            }
+        }
+        form = FormResources::rewritten(form, local);
+        loader.setWorkingDirectory(QDir(m_resourceDir.path()));
+    }
+    QWidget* root = loader.loadForm(form);
     for (const QString& message : loader.messages())
         note(message);
     if (!root) {

@@ -11,6 +11,7 @@
 #include <QNetworkAccessManager>
 #include <QObject>
 #include <QPointer>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <QWidget>
 
@@ -91,6 +92,7 @@ private:
     PageSource* m_source = nullptr;
     ScriptWatchdog* m_watchdog = nullptr;
     QStringList m_urlSchemes;
+    QTemporaryDir m_resourceDir; // a controller's form's pictures
     QPointer<ErrorBanner> m_banner; // on screen: the script errors in the window
     int m_screenshotsTaken = 0;
     QString m_firstScript;

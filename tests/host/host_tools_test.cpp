@@ -7,9 +7,11 @@
 #include "TestClasses.h"
 #include "TestHttpServer.h"
 
+#include <QBuffer>
 #include <QImage>
 #include <QRegularExpression>
 #include <QSet>
+#include <QUrl>
 
 #include <gtest/gtest.h>
 
@@ -318,4 +320,88 @@ setTimeout(function () {
     const PageRun headless = runner.runPage(QStringLiteral("headless"), ui, js);
     EXPECT_RUN(headless, 2);
     EXPECT_EQ(headless.outLines(), QStringList{"no banner"});
+}
+
+namespace {
+
+QByteArray solidPng(int size, QRgb colour)
+{
+    QImage image(size, size, QImage::Format_RGB32);
+    image.fill(colour);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return bytes;
+}
+
+int pixelsOf(const QImage& image, QRgb colour)
+{
+    int n = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            n += (image.pixel(x, y) | 0xff000000) == (colour | 0xff000000);
+    return n;
+}
+
+} // namespace
+
+TEST(HostTools, ControllerFormsBringTheirPicturesAndFoldersWithoutPageJsonAreExplained)
+{
+    PageRunner runner;
+    const QRgb red = qRgb(250, 0, 0);
+    const QRgb green = qRgb(0, 250, 0);
+    const QString localPicture = runner.write("local.png", solidPng(40, green));
+    TestHttpServer server;
+    server.set("/site/pics/red.png", "image/png", solidPng(40, red));
+    server.set("/green.png", "image/png", solidPng(40, green));
+    auto label = [](const QByteArray& name, const QString& picture) {
+        return PageRunner::item("QLabel", name, "<property name=\"pixmap\"><pixmap>" + picture.toUtf8() + "</pixmap></property>");
+    };
+    // Beside the form; a local file by path (a path on the controller then) and by URL; another origin
+    // (the same server under another name); missing.
+    const QString otherOrigin = QStringLiteral("http://localhost:%1/green.png").arg(server.port());
+    server.set("/site/p.ui", "text/xml",
+               PageRunner::form(300, 260, label("lbl_Red", "pics/red.png") + label("lbl_Local", localPicture) +
+                                              label("lbl_File", QUrl::fromLocalFile(localPicture).toString()) +
+                                              label("lbl_Other", otherOrigin) + label("lbl_Missing", "gone.png")));
+    server.set("/site/p.js", "application/javascript", "console.log('ran');");
+    const QString shot = runner.path("remote.png");
+    const PageRun run = runner.run({"--headless", "--trust", server.url(""), "--screenshot", shot, server.url("/site/p.ui")});
+    EXPECT_RUN(run, 0);
+    const QImage image(shot);
+    EXPECT_GE(pixelsOf(image, red), 40 * 40);
+    EXPECT_EQ(pixelsOf(image, green), 0);
+    EXPECT_TRUE(server.requests().contains("GET /site/pics/red.png")) << qPrintable(server.requests().join('\n'));
+    EXPECT_FALSE(server.requests().contains("GET /green.png"));
+    for (const QString& text : {"the form's picture " + server.url(localPicture) + " could not be fetched: HTTP 404",
+                                "the form's picture " + QUrl::fromLocalFile(localPicture).toString() +
+                                    " is not beside it on its controller",
+                                "the form's picture " + otherOrigin + " is not beside it",
+                                "the form's picture " + server.url("/site/gone.png") + " could not be fetched: HTTP 404"})
+        EXPECT_TRUE(run.err.contains(text)) << qPrintable(text) << "\n" << qPrintable(run.err);
+
+    // The same form from disk reads its pictures as they are named.
+    runner.write("disk/pics/red.png", solidPng(40, red));
+    runner.write("disk/page.ui",
+                 PageRunner::form(300, 200, label("lbl_Red", "pics/red.png") + label("lbl_Local", localPicture)));
+    const PageRun disk = runner.run({"--headless", "--screenshot", runner.path("disk.png"), runner.path("disk")});
+    EXPECT_RUN(disk, 0);
+    EXPECT_GE(pixelsOf(QImage(runner.path("disk.png")), red), 40 * 40);
+    EXPECT_GE(pixelsOf(QImage(runner.path("disk.png")), green), 40 * 40);
+
+    // A controller answers a missing page.json with a web page of its own.
+    server.set("/ctl/page.json", "text/html", "<!DOCTYPE html><html><body>Not found</body></html>");
+    server.set("/untyped/page.json", "application/octet-stream", "  <html><body>Not found</body></html>");
+    for (const auto& [page, message] :
+         {std::pair{server.url("/ctl/"), server.url("/ctl/page.json") + ": no page.json there (the controller "
+                                                                          "answered with a web page); name the form: " +
+                                             server.url("/ctl/") + "NAME.ui"},
+          {server.url("/untyped"), server.url("/untyped/page.json") + ": no page.json there"},
+          {server.url("/ctl/page.json"), server.url("/ctl/page.json") + " is a web page, not a page description"}}) {
+        const PageRun refused = runner.run({"--headless", "--trust", server.url(""), page});
+        EXPECT_RUN(refused, 1);
+        EXPECT_TRUE(refused.err.contains(message)) << qPrintable(refused.err);
+        EXPECT_FALSE(refused.err.contains("not valid JSON")) << qPrintable(refused.err);
+    }
 }
