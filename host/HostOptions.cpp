@@ -75,6 +75,8 @@ bool HostOptions::parse(const QStringList& arguments, HostOptions* options, QStr
                 return false;
             }
             result.trusted << v.trimmed();
+        } else if (arg == QLatin1String("--watch")) {
+            result.watch = true;
         } else if (arg == QLatin1String("--automation")) {
             result.automation = true;
         } else if (arg == QLatin1String("--screenshot-dir")) {
@@ -143,6 +145,15 @@ bool HostOptions::parse(const QStringList& arguments, HostOptions* options, QStr
         *error = QStringLiteral("no page given (see --help)");
         return false;
     }
+    if (result.watch && result.headless) {
+        *error = QStringLiteral("--watch is for runs on screen; a headless run ends by itself");
+        return false;
+    }
+    if (result.watch && (result.page.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
+                         result.page.startsWith(QLatin1String("https://"), Qt::CaseInsensitive))) {
+        *error = QStringLiteral("--watch works with pages on disk only");
+        return false;
+    }
     *options = result;
     return true;
 }
@@ -192,6 +203,8 @@ QString HostOptions::helpText(const QString& programName)
                "                        Security/TrustedControllers)\n"
                "  --automation          give the script host's input, screenshot and exit functions in a\n"
                "                        run on screen (headless runs always have them)\n"
+               "  --watch               load the page again whenever its form, scripts or page.json change\n"
+               "                        (on screen, pages on disk; errors stay in the window meanwhile)\n"
                "  --screenshot-dir DIR  host.screenshot(file) writes only below DIR (without it, not at "
                "all)\n"
                "  --overwrite-screenshots  host.screenshot() may replace existing files\n"

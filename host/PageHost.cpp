@@ -242,6 +242,22 @@ void PageHost::refuseUrl(const QUrl& url)
 
 void PageHost::loadFailed(const QString& message)
 {
+    if (m_options.watch && !m_finishing) {
+        // The author is at work on the page: say what is wrong, in a window, until it changes.
+        note(QStringLiteral("cannot load the page: %1 (waiting for a change to its files, --watch)").arg(message));
+        auto* text = new QLabel(QStringLiteral("The page could not be loaded:\n\n%1\n\nIt is loaded again when its "
+                                               "files change.")
+                                    .arg(message));
+        text->setObjectName(QStringLiteral("host_LoadError"));
+        text->setWindowTitle(QStringLiteral("%1: the page could not be loaded").arg(QCoreApplication::applicationName()));
+        text->setTextFormat(Qt::PlainText);
+        text->setWordWrap(true);
+        text->setMargin(16);
+        text->setMinimumWidth(420);
+        m_window.reset(text);
+        text->show();
+        return;
+    }
     note(QStringLiteral("cannot load the page: %1").arg(message));
     requestExit(ExitLoadFailed);
 }
@@ -269,6 +285,13 @@ void PageHost::onLoaded(const PageFiles& files)
     }
     PageTrust::setPage(files.pageUrl);
     const bool remote = !files.pageUrl.isLocalFile();
+    if (!remote) {
+        QStringList read{files.pageUrl.toLocalFile(), files.formUrl.toLocalFile()};
+        for (const PageScript& script : files.scripts)
+            read << script.url.toLocalFile();
+        read.removeDuplicates();
+        Q_EMIT pageFilesRead(read);
+    }
     FormLoader loader;
     if (remote)
         loader.setDroppedProperties(kDroppedRemoteProperties);

@@ -60,6 +60,8 @@ public:
 Q_SIGNALS:
     void finished(int exitCode);
     void scriptError(const QString& file, int line, const QString& message);
+    // The files on disk a page's load has read (page.json, form, scripts), before its scripts run.
+    void pageFilesRead(const QStringList& files);
     // Notes of the host for the user (refused objects, form problems, load failures).
     void hostMessage(const QString& text);
 

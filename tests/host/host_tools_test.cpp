@@ -8,7 +8,10 @@
 #include "TestHttpServer.h"
 
 #include <QBuffer>
+#include <QElapsedTimer>
+#include <QFile>
 #include <QImage>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QSet>
 #include <QUrl>
@@ -403,5 +406,99 @@ TEST(HostTools, ControllerFormsBringTheirPicturesAndFoldersWithoutPageJsonAreExp
         EXPECT_RUN(refused, 1);
         EXPECT_TRUE(refused.err.contains(message)) << qPrintable(refused.err);
         EXPECT_FALSE(refused.err.contains("not valid JSON")) << qPrintable(refused.err);
+    }
+}
+
+namespace {
+
+// Runs the test page host in the background; its output is read while the test goes on.
+class BackgroundRun
+{
+public:
+    BackgroundRun(const PageRunner& runner, const QStringList& arguments)
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CACHE_HOME"), runner.path(QStringLiteral("cache")));
+        env.insert(QStringLiteral("XDG_DATA_HOME"), runner.path(QStringLiteral("data")));
+        m_process.setProcessEnvironment(env);
+        m_process.setWorkingDirectory(runner.dir());
+        m_process.start(QStringLiteral(HOST_TEST_PAGE), arguments);
+    }
+    ~BackgroundRun()
+    {
+        if (m_process.state() != QProcess::NotRunning) {
+            m_process.kill();
+            m_process.waitForFinished(5000);
+        }
+    }
+    // Waits until `text` is in the output (stdout and stderr) `times` times, or the process ends.
+    bool waitFor(const QString& text, int times = 1, int timeoutMs = 20000)
+    {
+        QElapsedTimer clock;
+        clock.start();
+        while (clock.elapsed() < timeoutMs) {
+            collect();
+            if (m_out.count(text) + m_err.count(text) >= times)
+                return true;
+            if (m_process.state() == QProcess::NotRunning)
+                return false;
+            m_process.waitForReadyRead(50);
+        }
+        return false;
+    }
+    int finish(int timeoutMs = 20000)
+    {
+        m_process.waitForFinished(timeoutMs);
+        collect();
+        return m_process.state() == QProcess::NotRunning ? m_process.exitCode() : -1;
+    }
+    QString out() const { return m_out; }
+    QString err() const { return m_err; }
+
+private:
+    void collect()
+    {
+        m_out += QString::fromLocal8Bit(m_process.readAllStandardOutput());
+        m_err += QString::fromLocal8Bit(m_process.readAllStandardError());
+    }
+    QProcess m_process;
+    QString m_out;
+    QString m_err;
+};
+
+} // namespace
+
+TEST(HostTools, WatchLoadsThePageAgainWhenItsFilesChange)
+{
+    PageRunner runner;
+    runner.write("w/page.ui", PageRunner::form(200, 100, PageRunner::item("QLabel", "lbl_Text")));
+    runner.write("w/page.js", "console.log('v1 ' + typeof lbl_Text);\n");
+    BackgroundRun run(runner, {"--watch", "--automation", runner.path("w")});
+    ASSERT_TRUE(run.waitFor("v1 object")) << qPrintable(run.err());
+
+    // A broken script: its error is told, the page stays.
+    runner.write("w/page.js", "console.log('v2');\nmissing();\n");
+    ASSERT_TRUE(run.waitFor(runner.path("w/page.js") + ":2: ReferenceError")) << qPrintable(run.err());
+    // A form that cannot be read: the host says so and waits for the next change.
+    runner.write("w/page.ui", "<ui version=\"4.0\"><widget class=\"QWidget\"");
+    ASSERT_TRUE(run.waitFor("(waiting for a change to its files, --watch)")) << qPrintable(run.err());
+    // Saved as editors do, a new file renamed over the old one.
+    runner.write("w/page.ui.new", PageRunner::form(200, 100, PageRunner::item("QLabel", "lbl_Other")));
+    QFile::remove(runner.path("w/page.ui"));
+    QFile::rename(runner.path("w/page.ui.new"), runner.path("w/page.ui"));
+    ASSERT_TRUE(run.waitFor("v2", 2)) << qPrintable(run.err());
+    runner.write("w/page.js", "console.log('v3 ' + typeof lbl_Text + ' ' + typeof lbl_Other);\nhost.exit(4);\n");
+    EXPECT_EQ(run.finish(), 4) << qPrintable(run.err());
+    EXPECT_TRUE(run.out().startsWith("v1 object\n")) << qPrintable(run.out());
+    EXPECT_TRUE(run.out().endsWith("v3 undefined object\n")) << qPrintable(run.out());
+    EXPECT_GE(run.err().count("the page's files changed; loading it again"), 3) << qPrintable(run.err());
+
+    // Not for runs that end by themselves, nor for pages from the network.
+    for (const auto& [args, message] :
+         {std::pair{QStringList{"--watch", "--headless", runner.path("w")}, "--watch is for runs on screen"},
+          {QStringList{"--watch", "http://127.0.0.1:1/p/"}, "--watch works with pages on disk only"}}) {
+        const PageRun refused = runner.run(args);
+        EXPECT_RUN(refused, 1);
+        EXPECT_TRUE(refused.err.contains(message)) << qPrintable(refused.err);
     }
 }
