@@ -37,9 +37,10 @@ ErrorBanner::ErrorBanner(QWidget* pageWindow) : QFrame(pageWindow)
 void ErrorBanner::showError(const QString& text)
 {
     ++m_count;
-    m_text->setText(m_count == 1 ? text : QStringLiteral("%1\n(%2 script errors; the others are on the console)")
-                                             .arg(text)
-                                             .arg(m_count));
+    m_text->setText(
+        m_count == 1
+            ? text
+            : QStringLiteral("%1\n(%2 script errors; the others are on the console)").arg(text).arg(m_count));
     place();
     show();
     raise();

@@ -94,7 +94,8 @@ void HostAutomation::mouse(const char* routine, InputSynthesizer::MouseAction ac
     m_input.mouse(widget, pos, action, button, modifiers);
 }
 
-void HostAutomation::click(QObject* target, double x, double y, const QString& button, const QString& modifiers)
+void HostAutomation::click(QObject* target, double x, double y, const QString& button,
+                           const QString& modifiers)
 {
     mouse("click", InputSynthesizer::MouseAction::Click, target, x, y, button, modifiers);
 }
@@ -105,7 +106,8 @@ void HostAutomation::doubleClick(QObject* target, double x, double y, const QStr
     mouse("doubleClick", InputSynthesizer::MouseAction::DoubleClick, target, x, y, button, modifiers);
 }
 
-void HostAutomation::press(QObject* target, double x, double y, const QString& button, const QString& modifiers)
+void HostAutomation::press(QObject* target, double x, double y, const QString& button,
+                           const QString& modifiers)
 {
     mouse("press", InputSynthesizer::MouseAction::Press, target, x, y, button, modifiers);
 }

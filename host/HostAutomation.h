@@ -50,20 +50,24 @@ public:
     int waitDepth() const { return m_waitDepth; }
 
     // Mouse input; `modifiers` are the keys held meanwhile ("Shift", "Ctrl+Alt"...).
-    Q_INVOKABLE void click(QObject* target, double x, double y, const QString& button = QStringLiteral("left"),
+    Q_INVOKABLE void click(QObject* target, double x, double y,
+                           const QString& button = QStringLiteral("left"),
                            const QString& modifiers = QString());
     Q_INVOKABLE void doubleClick(QObject* target, double x, double y,
                                  const QString& button = QStringLiteral("left"),
                                  const QString& modifiers = QString());
-    Q_INVOKABLE void press(QObject* target, double x, double y, const QString& button = QStringLiteral("left"),
+    Q_INVOKABLE void press(QObject* target, double x, double y,
+                           const QString& button = QStringLiteral("left"),
                            const QString& modifiers = QString());
     Q_INVOKABLE void release(QObject* target, double x, double y,
                              const QString& button = QStringLiteral("left"),
                              const QString& modifiers = QString());
     Q_INVOKABLE void move(QObject* target, double x, double y, const QString& modifiers = QString());
     Q_INVOKABLE void drag(QObject* target, double x1, double y1, double x2, double y2,
-                          const QString& button = QStringLiteral("left"), const QString& modifiers = QString());
-    Q_INVOKABLE void wheel(QObject* target, double x, double y, int steps, const QString& modifiers = QString());
+                          const QString& button = QStringLiteral("left"),
+                          const QString& modifiers = QString());
+    Q_INVOKABLE void wheel(QObject* target, double x, double y, int steps,
+                           const QString& modifiers = QString());
     Q_INVOKABLE void key(QObject* target, const QString& keys);
     Q_INVOKABLE void type(QObject* target, const QString& text);
     // Touch: a one-finger tap; fingers put down, moved or lifted ("press", "move", "release") at

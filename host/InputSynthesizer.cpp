@@ -259,8 +259,8 @@ bool InputSynthesizer::touch(QWidget* widget, TouchAction action, const QMap<int
         }
     }
     if (!m_touch || m_fingers.isEmpty() || !m_touchWindow) {
-        m_touch = std::make_unique<QTest::QTouchEventWidgetSequence>(
-            QTest::touchEvent(top, touchScreen(), false));
+        m_touch =
+            std::make_unique<QTest::QTouchEventWidgetSequence>(QTest::touchEvent(top, touchScreen(), false));
         m_touchWindow = top;
         m_fingers.clear();
     }

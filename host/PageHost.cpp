@@ -244,12 +244,15 @@ void PageHost::loadFailed(const QString& message)
 {
     if (m_options.watch && !m_finishing) {
         // The author is at work on the page: say what is wrong, in a window, until it changes.
-        note(QStringLiteral("cannot load the page: %1 (waiting for a change to its files, --watch)").arg(message));
-        auto* text = new QLabel(QStringLiteral("The page could not be loaded:\n\n%1\n\nIt is loaded again when its "
-                                               "files change.")
-                                    .arg(message));
+        note(QStringLiteral("cannot load the page: %1 (waiting for a change to its files, --watch)")
+                 .arg(message));
+        auto* text =
+            new QLabel(QStringLiteral("The page could not be loaded:\n\n%1\n\nIt is loaded again when its "
+                                      "files change.")
+                           .arg(message));
         text->setObjectName(QStringLiteral("host_LoadError"));
-        text->setWindowTitle(QStringLiteral("%1: the page could not be loaded").arg(QCoreApplication::applicationName()));
+        text->setWindowTitle(
+            QStringLiteral("%1: the page could not be loaded").arg(QCoreApplication::applicationName()));
         text->setTextFormat(Qt::PlainText);
         text->setWordWrap(true);
         text->setMargin(16);

@@ -94,7 +94,7 @@ private:
     PageSource* m_source = nullptr;
     ScriptWatchdog* m_watchdog = nullptr;
     QStringList m_urlSchemes;
-    QTemporaryDir m_resourceDir; // a controller's form's pictures
+    QTemporaryDir m_resourceDir;    // a controller's form's pictures
     QPointer<ErrorBanner> m_banner; // on screen: the script errors in the window
     int m_screenshotsTaken = 0;
     QString m_firstScript;

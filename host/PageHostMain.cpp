@@ -108,7 +108,8 @@ int runPageHost(int argc, char** argv)
         });
         auto startHost = [&] {
             host = std::make_unique<PageHost>(options);
-            QObject::connect(host.get(), &PageHost::finished, &app, [](int code) { QCoreApplication::exit(code); });
+            QObject::connect(host.get(), &PageHost::finished, &app,
+                             [](int code) { QCoreApplication::exit(code); });
             if (watcher)
                 QObject::connect(host.get(), &PageHost::pageFilesRead, watcher.get(), &PageWatcher::setFiles);
             // Started from the event loop, so that host.exit() and host.wait() in the page's first
@@ -124,7 +125,8 @@ int runPageHost(int argc, char** argv)
                 QTimer::singleShot(kReloadRetryMs, &app, reload);
                 return;
             }
-            std::fprintf(stderr, "%s: the page's files changed; loading it again\n", program.toLocal8Bit().constData());
+            std::fprintf(stderr, "%s: the page's files changed; loading it again\n",
+                         program.toLocal8Bit().constData());
             std::fflush(stderr);
             replacing = true;
             host.reset();

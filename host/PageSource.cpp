@@ -232,8 +232,9 @@ void PageSource::load(const QString& page)
         // Controllers answer a missing file with a web page of their own rather than a 404.
         if (isWebPage(json, contentType)) {
             QUrl folderUrl = descriptionUrl.resolved(QUrl(QStringLiteral(".")));
-            fail(folder ? QStringLiteral("%1: no page.json there (the controller answered with a web page); name "
-                                         "the form: %2NAME.ui")
+            fail(folder ? QStringLiteral(
+                              "%1: no page.json there (the controller answered with a web page); name "
+                              "the form: %2NAME.ui")
                               .arg(displayUrl(descriptionUrl), displayUrl(folderUrl))
                         : QStringLiteral("%1 is a web page, not a page description")
                               .arg(displayUrl(descriptionUrl)));
@@ -268,14 +269,16 @@ void PageSource::fetchNextResource()
                                 url.host() == m_description.form.host() &&
                                 url.port() == m_description.form.port() && url.userInfo().isEmpty();
         if (!sameOrigin || name.isEmpty()) {
-            m_files.notes << QStringLiteral("the form's picture %1 is not beside it on its controller; it is not "
-                                            "loaded")
+            m_files.notes << QStringLiteral(
+                                 "the form's picture %1 is not beside it on its controller; it is not "
+                                 "loaded")
                                  .arg(name);
             continue;
         }
         QNetworkRequest request(url);
         request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::PreferNetwork);
-        request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::SameOriginRedirectPolicy);
+        request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                             QNetworkRequest::SameOriginRedirectPolicy);
         QNetworkReply* reply = m_network->get(request);
         m_reply = reply;
         connect(reply, &QNetworkReply::finished, this, [this, reply, name, url] {

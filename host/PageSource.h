@@ -9,10 +9,10 @@
 #include <QByteArray>
 #include <QList>
 #include <QMap>
-#include <QStringList>
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 #include <QUrl>
 
 #include <functional>

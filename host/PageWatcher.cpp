@@ -63,8 +63,9 @@ QByteArray PageWatcher::fingerprint() const
     // What a folder page is made of: its forms, scripts and page.json.
     const QFileInfo page(m_page);
     const QDir folder(page.isDir() ? m_page : page.absolutePath());
-    for (const QString& name : folder.entryList(
-             {QStringLiteral("*.ui"), QStringLiteral("*.js"), QStringLiteral("*.json")}, QDir::Files, QDir::Name))
+    for (const QString& name :
+         folder.entryList({QStringLiteral("*.ui"), QStringLiteral("*.js"), QStringLiteral("*.json")},
+                          QDir::Files, QDir::Name))
         files << folder.filePath(name);
     files.removeDuplicates();
     files.sort();

@@ -93,7 +93,8 @@ QJSValue ScriptRuntime::handle(QObject* object)
     QJSEngine::setObjectOwnership(object, QJSEngine::CppOwnership);
     QVariantMap opaque = WidgetAllowList::describe(QString());
     opaque.insert(QStringLiteral("className"), QString::fromLatin1(object->metaObject()->className()));
-    return m_helpers.property(QStringLiteral("wrap")).call({m_engine->newQObject(object), m_engine->toScriptValue(opaque)});
+    return m_helpers.property(QStringLiteral("wrap"))
+        .call({m_engine->newQObject(object), m_engine->toScriptValue(opaque)});
 }
 
 QJSValue ScriptRuntime::describeObject(const QJSValue& value)

@@ -79,8 +79,8 @@ void TestClickPad::keyPressEvent(QKeyEvent* e)
     if (e->key() == Qt::Key_Shift || e->key() == Qt::Key_Control || e->key() == Qt::Key_Alt ||
         e->key() == Qt::Key_Meta)
         return;
-    m_log << QStringLiteral("key %1 '%2'%3").arg(QKeySequence(e->key()).toString(), e->text(),
-                                                 modifierText(e->modifiers()));
+    m_log << QStringLiteral("key %1 '%2'%3")
+                 .arg(QKeySequence(e->key()).toString(), e->text(), modifierText(e->modifiers()));
 }
 
 TestTouchPad::TestTouchPad(QWidget* parent) : TestClickPad(parent)

@@ -49,7 +49,8 @@ protected:
     }
     void wheelEvent(QWheelEvent* e) override
     {
-        record(QStringLiteral("wheel %1").arg(e->angleDelta().y()), Qt::NoButton, e->position(), e->modifiers());
+        record(QStringLiteral("wheel %1").arg(e->angleDelta().y()), Qt::NoButton, e->position(),
+               e->modifiers());
     }
     void keyPressEvent(QKeyEvent* e) override;
     // " shift", " ctrl alt"...: the modifiers of an event, for the log.

@@ -131,7 +131,8 @@ console.log("touch " + ctl_Touch.Log);
         EXPECT_TRUE(run.outLines().contains(message)) << message << "\n" << qPrintable(run.out);
     const QStringList touch = lineStartingWith(run, "touch ").mid(6).split(';');
     ASSERT_GE(touch.size(), 14) << qPrintable(touch.join('\n'));
-    EXPECT_EQ(touch.mid(0, 3), (QStringList{"touch begin 10,10", "touch end 10,10", "touch begin 40,40|60,40"}));
+    EXPECT_EQ(touch.mid(0, 3),
+              (QStringList{"touch begin 10,10", "touch end 10,10", "touch begin 40,40|60,40"}));
     EXPECT_EQ(touch.at(3), "touch update 39,40|61,40");
     EXPECT_TRUE(touch.contains("touch end 30,40|70,40")) << qPrintable(touch.join('\n'));
     // The two fingers moved apart to twice their distance: Qt's pinch recogniser sees a widening
@@ -140,9 +141,8 @@ console.log("touch " + ctl_Touch.Log);
     ASSERT_TRUE(pinch.startsWith("pinch ")) << qPrintable(touch.join('\n'));
     EXPECT_GT(pinch.mid(6).toDouble(), 1.5);
     const QStringList last = touch.mid(touch.lastIndexOf("touch begin 5,5")).filter("touch ");
-    EXPECT_EQ(last,
-              (QStringList{"touch begin 5,5", "touch update 5,5|50,50", "touch update 6,6|50,50",
-                           "touch end 7,7|50,50"}));
+    EXPECT_EQ(last, (QStringList{"touch begin 5,5", "touch update 5,5|50,50", "touch update 6,6|50,50",
+                                 "touch end 7,7|50,50"}));
 }
 
 TEST(HostTools, NamedChildrenAndDialogsAreClickedTypedIntoAndCaptured)
@@ -150,8 +150,9 @@ TEST(HostTools, NamedChildrenAndDialogsAreClickedTypedIntoAndCaptured)
     // The page, run from disk and from a trusted controller: a dialog a control opens, modeless and
     // modal (the click returns once it is closed, so a timer answers it), and the mask palette's
     // option buttons reached by name.
-    const QByteArray ui = PageRunner::form(
-        400, 300, PageRunner::item("TestDialogOpener", "ctl_Opener") + PageRunner::item("NXRMaskToolButtons", "ctl_Mask"));
+    const QByteArray ui = PageRunner::form(400, 300,
+                                           PageRunner::item("TestDialogOpener", "ctl_Opener") +
+                                               PageRunner::item("NXRMaskToolButtons", "ctl_Mask"));
     const QByteArray js = R"JS(
 var log = [];
 ctl_Opener.OnClosed.connect(function (ok, text) { log.push("closed " + ok + " " + text); });
@@ -199,12 +200,14 @@ console.log(log.join("\n"));
                                "modal click returned"};
 
     PageRunner runner;
-    const PageRun local = runner.runPage(QStringLiteral("local"), ui, js, {"--screenshot-dir", runner.path("local")});
+    const PageRun local =
+        runner.runPage(QStringLiteral("local"), ui, js, {"--screenshot-dir", runner.path("local")});
     EXPECT_RUN(local, 0);
     const QStringList lines = local.outLines().filter(QRegularExpression("^(?!screenshot written)"));
     ASSERT_GE(lines.size(), 4) << qPrintable(local.out);
     const QStringList size = lines.at(3).mid(10).split('x');
-    EXPECT_EQ(QImage(runner.path("local/tool.png")).size(), QSize(size.value(0).toInt(), size.value(1).toInt()));
+    EXPECT_EQ(QImage(runner.path("local/tool.png")).size(),
+              QSize(size.value(0).toInt(), size.value(1).toInt()));
     EXPECT_EQ(lines.mid(0, 3) + lines.mid(4), expected.mid(0, 3) + expected.mid(4));
     const QImage dialog(runner.path("local/dialog.png"));
     EXPECT_GT(dialog.width(), 50);
@@ -232,7 +235,8 @@ TEST(HostTools, ScreenshotsShowOpenGlContent)
     // drawing surface the scene is there (many colours), not an empty area.
     PageRunner runner;
     const QByteArray ui = PageRunner::form(500, 400, PageRunner::item("NXR3DPlot", "plot"));
-    const PageRun run = runner.runPage(QStringLiteral("gl"), ui, R"JS(
+    const PageRun run =
+        runner.runPage(QStringLiteral("gl"), ui, R"JS(
 plot.InitializeDrawing();
 plot.AddCamera("CAM", 15, 81, 700, -100, 0, 600, 180, 0, 0, 0, 0, 0, 0, 0, 0,
                0, 0, 500, 180, 0, 0, 0, 0, 500, 180, 0, 0, "GF1", "UF1");
@@ -246,7 +250,7 @@ var gl = host.child(plot, "pic_OpenGL");
 console.log("gl " + (plot.x + gl.x) + " " + (plot.y + gl.y) + " " + gl.width + " " + gl.height);
 host.screenshot("gl.png", gl);
 )JS",
-                                       {"--screenshot", runner.path("page.png"), "--screenshot-dir", runner.dir()});
+                       {"--screenshot", runner.path("page.png"), "--screenshot-dir", runner.dir()});
     if (run.err.contains("ChoosePixelFormat failed"))
         GTEST_SKIP() << "no OpenGL on this platform (the GUI tests use Xvfb when it is installed)";
     EXPECT_RUN(run, 0);
@@ -283,12 +287,13 @@ console.log({pad: ctl_Pad}.pad === ctl_Pad, new Error("boom"));
     QString numbers;
     for (int i = 0; i < 30; ++i)
         numbers += QString::number(i) + ", ";
-    EXPECT_EQ(console.outLines(),
-              (QStringList{"{n: 1, s: \"text\", \"odd key\": true, list: [1, \"two\", null, undefined], nested: "
-                           "{deep: {deeper: [Object]}}, f: [Function: named], self: [Circular]}",
-                           "label [1, [2, [3, [Array]]]] 1970-01-01T00:00:00.000Z undefined null {} []",
-                           "[" + numbers + "... 10 more]", "TestCounter {LastErrorString: \"\", Count: 4}",
-                           "true Error: boom"}));
+    EXPECT_EQ(
+        console.outLines(),
+        (QStringList{"{n: 1, s: \"text\", \"odd key\": true, list: [1, \"two\", null, undefined], nested: "
+                     "{deep: {deeper: [Object]}}, f: [Function: named], self: [Circular]}",
+                     "label [1, [2, [3, [Array]]]] 1970-01-01T00:00:00.000Z undefined null {} []",
+                     "[" + numbers + "... 10 more]", "TestCounter {LastErrorString: \"\", Count: 4}",
+                     "true Error: boom"}));
 
     // On screen, errors show at the top of the page window until dismissed; headless they do not.
     const QByteArray js = R"JS(
@@ -307,14 +312,16 @@ setTimeout(function () {
 )JS";
     runner.write("banner/page.ui", ui);
     runner.write("banner/page.js", js);
-    const PageRun shown = runner.run({"--automation", "--screenshot-dir", runner.dir(), runner.path("banner")});
+    const PageRun shown =
+        runner.run({"--automation", "--screenshot-dir", runner.dir(), runner.path("banner")});
     EXPECT_RUN(shown, 2);
     const QString script = runner.path("banner/page.js");
     EXPECT_EQ(shown.outLines(),
               (QStringList{"banner true at 0, as wide as the window true",
                            script + ":3: TypeError: Cannot read property 'second' of undefined",
                            "(2 script errors; the others are on the console)",
-                           "screenshot written to " + runner.path("banner.png") + " (400x200)", "after dismiss false"}));
+                           "screenshot written to " + runner.path("banner.png") + " (400x200)",
+                           "after dismiss false"}));
     EXPECT_TRUE(shown.err.contains(script + ":2: TypeError")) << qPrintable(shown.err);
     const QImage shot(runner.path("banner.png"));
     ASSERT_FALSE(shot.isNull());
@@ -359,36 +366,43 @@ TEST(HostTools, ControllerFormsBringTheirPicturesAndFoldersWithoutPageJsonAreExp
     server.set("/site/pics/red.png", "image/png", solidPng(40, red));
     server.set("/green.png", "image/png", solidPng(40, green));
     auto label = [](const QByteArray& name, const QString& picture) {
-        return PageRunner::item("QLabel", name, "<property name=\"pixmap\"><pixmap>" + picture.toUtf8() + "</pixmap></property>");
+        return PageRunner::item(
+            "QLabel", name, "<property name=\"pixmap\"><pixmap>" + picture.toUtf8() + "</pixmap></property>");
     };
     // Beside the form; a local file by path (a path on the controller then) and by URL; another origin
     // (the same server under another name); missing.
     const QString otherOrigin = QStringLiteral("http://localhost:%1/green.png").arg(server.port());
     server.set("/site/p.ui", "text/xml",
-               PageRunner::form(300, 260, label("lbl_Red", "pics/red.png") + label("lbl_Local", localPicture) +
-                                              label("lbl_File", QUrl::fromLocalFile(localPicture).toString()) +
-                                              label("lbl_Other", otherOrigin) + label("lbl_Missing", "gone.png")));
+               PageRunner::form(300, 260,
+                                label("lbl_Red", "pics/red.png") + label("lbl_Local", localPicture) +
+                                    label("lbl_File", QUrl::fromLocalFile(localPicture).toString()) +
+                                    label("lbl_Other", otherOrigin) + label("lbl_Missing", "gone.png")));
     server.set("/site/p.js", "application/javascript", "console.log('ran');");
     const QString shot = runner.path("remote.png");
-    const PageRun run = runner.run({"--headless", "--trust", server.url(""), "--screenshot", shot, server.url("/site/p.ui")});
+    const PageRun run =
+        runner.run({"--headless", "--trust", server.url(""), "--screenshot", shot, server.url("/site/p.ui")});
     EXPECT_RUN(run, 0);
     const QImage image(shot);
     EXPECT_GE(pixelsOf(image, red), 40 * 40);
     EXPECT_EQ(pixelsOf(image, green), 0);
-    EXPECT_TRUE(server.requests().contains("GET /site/pics/red.png")) << qPrintable(server.requests().join('\n'));
+    EXPECT_TRUE(server.requests().contains("GET /site/pics/red.png"))
+        << qPrintable(server.requests().join('\n'));
     EXPECT_FALSE(server.requests().contains("GET /green.png"));
-    for (const QString& text : {"the form's picture " + server.url(localPicture) + " could not be fetched: HTTP 404",
-                                "the form's picture " + QUrl::fromLocalFile(localPicture).toString() +
-                                    " is not beside it on its controller",
-                                "the form's picture " + otherOrigin + " is not beside it",
-                                "the form's picture " + server.url("/site/gone.png") + " could not be fetched: HTTP 404"})
+    for (const QString& text :
+         {"the form's picture " + server.url(localPicture) + " could not be fetched: HTTP 404",
+          "the form's picture " + QUrl::fromLocalFile(localPicture).toString() +
+              " is not beside it on its controller",
+          "the form's picture " + otherOrigin + " is not beside it",
+          "the form's picture " + server.url("/site/gone.png") + " could not be fetched: HTTP 404"})
         EXPECT_TRUE(run.err.contains(text)) << qPrintable(text) << "\n" << qPrintable(run.err);
 
     // The same form from disk reads its pictures as they are named.
     runner.write("disk/pics/red.png", solidPng(40, red));
-    runner.write("disk/page.ui",
-                 PageRunner::form(300, 200, label("lbl_Red", "pics/red.png") + label("lbl_Local", localPicture)));
-    const PageRun disk = runner.run({"--headless", "--screenshot", runner.path("disk.png"), runner.path("disk")});
+    runner.write(
+        "disk/page.ui",
+        PageRunner::form(300, 200, label("lbl_Red", "pics/red.png") + label("lbl_Local", localPicture)));
+    const PageRun disk =
+        runner.run({"--headless", "--screenshot", runner.path("disk.png"), runner.path("disk")});
     EXPECT_RUN(disk, 0);
     EXPECT_GE(pixelsOf(QImage(runner.path("disk.png")), red), 40 * 40);
     EXPECT_GE(pixelsOf(QImage(runner.path("disk.png")), green), 40 * 40);
@@ -397,11 +411,13 @@ TEST(HostTools, ControllerFormsBringTheirPicturesAndFoldersWithoutPageJsonAreExp
     server.set("/ctl/page.json", "text/html", "<!DOCTYPE html><html><body>Not found</body></html>");
     server.set("/untyped/page.json", "application/octet-stream", "  <html><body>Not found</body></html>");
     for (const auto& [page, message] :
-         {std::pair{server.url("/ctl/"), server.url("/ctl/page.json") + ": no page.json there (the controller "
-                                                                          "answered with a web page); name the form: " +
+         {std::pair{server.url("/ctl/"), server.url("/ctl/page.json") +
+                                             ": no page.json there (the controller "
+                                             "answered with a web page); name the form: " +
                                              server.url("/ctl/") + "NAME.ui"},
           {server.url("/untyped"), server.url("/untyped/page.json") + ": no page.json there"},
-          {server.url("/ctl/page.json"), server.url("/ctl/page.json") + " is a web page, not a page description"}}) {
+          {server.url("/ctl/page.json"),
+           server.url("/ctl/page.json") + " is a web page, not a page description"}}) {
         const PageRun refused = runner.run({"--headless", "--trust", server.url(""), page});
         EXPECT_RUN(refused, 1);
         EXPECT_TRUE(refused.err.contains(message)) << qPrintable(refused.err);
@@ -487,7 +503,8 @@ TEST(HostTools, WatchLoadsThePageAgainWhenItsFilesChange)
     QFile::remove(runner.path("w/page.ui"));
     QFile::rename(runner.path("w/page.ui.new"), runner.path("w/page.ui"));
     ASSERT_TRUE(run.waitFor("v2", 2)) << qPrintable(run.err());
-    runner.write("w/page.js", "console.log('v3 ' + typeof lbl_Text + ' ' + typeof lbl_Other);\nhost.exit(4);\n");
+    runner.write("w/page.js",
+                 "console.log('v3 ' + typeof lbl_Text + ' ' + typeof lbl_Other);\nhost.exit(4);\n");
     EXPECT_EQ(run.finish(), 4) << qPrintable(run.err());
     EXPECT_TRUE(run.out().startsWith("v1 object\n")) << qPrintable(run.out());
     EXPECT_TRUE(run.out().endsWith("v3 undefined object\n")) << qPrintable(run.out());
