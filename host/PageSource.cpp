@@ -13,10 +13,14 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
+#include <memory>
+
 namespace nxr {
 namespace {
 
 const QString kDescriptionName = QStringLiteral("page.json");
+// A form's picture is an icon or an image of a few hundred kilobytes; nothing larger is fetched.
+constexpr qint64 kMaxPictureBytes = qint64(16) << 20;
 
 bool readFile(const QString& path, QByteArray* data, QString* error)
 {
@@ -281,12 +285,25 @@ void PageSource::fetchNextResource()
                              QNetworkRequest::SameOriginRedirectPolicy);
         QNetworkReply* reply = m_network->get(request);
         m_reply = reply;
-        connect(reply, &QNetworkReply::finished, this, [this, reply, name, url] {
+        auto tooLarge = std::make_shared<bool>(false);
+        connect(reply, &QNetworkReply::downloadProgress, reply,
+                [reply, tooLarge](qint64 received, qint64 total) {
+                    if (received > kMaxPictureBytes || total > kMaxPictureBytes) {
+                        *tooLarge = true;
+                        reply->abort();
+                    }
+                });
+        connect(reply, &QNetworkReply::finished, this, [this, reply, name, url, tooLarge] {
             reply->deleteLater();
             if (m_reply == reply)
                 m_reply = nullptr;
             const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-            if (reply->error() != QNetworkReply::NoError || status < 200 || status > 299)
+            if (*tooLarge)
+                m_files.notes << QStringLiteral(
+                                     "the form's picture %1 is larger than %2 MiB; it is not loaded")
+                                     .arg(displayUrl(url))
+                                     .arg(kMaxPictureBytes >> 20);
+            else if (reply->error() != QNetworkReply::NoError || status < 200 || status > 299)
                 m_files.notes << QStringLiteral("the form's picture %1 could not be fetched: %2")
                                      .arg(displayUrl(url), status ? QStringLiteral("HTTP %1").arg(status)
                                                                   : reply->errorString());

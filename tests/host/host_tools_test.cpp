@@ -365,6 +365,7 @@ TEST(HostTools, ControllerFormsBringTheirPicturesAndFoldersWithoutPageJsonAreExp
     TestHttpServer server;
     server.set("/site/pics/red.png", "image/png", solidPng(40, red));
     server.set("/green.png", "image/png", solidPng(40, green));
+    server.set("/site/huge.png", "image/png", QByteArray(17 << 20, 'x'));
     auto label = [](const QByteArray& name, const QString& picture) {
         return PageRunner::item(
             "QLabel", name, "<property name=\"pixmap\"><pixmap>" + picture.toUtf8() + "</pixmap></property>");
@@ -376,7 +377,8 @@ TEST(HostTools, ControllerFormsBringTheirPicturesAndFoldersWithoutPageJsonAreExp
                PageRunner::form(300, 260,
                                 label("lbl_Red", "pics/red.png") + label("lbl_Local", localPicture) +
                                     label("lbl_File", QUrl::fromLocalFile(localPicture).toString()) +
-                                    label("lbl_Other", otherOrigin) + label("lbl_Missing", "gone.png")));
+                                    label("lbl_Other", otherOrigin) + label("lbl_Missing", "gone.png") +
+                                    label("lbl_Huge", "huge.png")));
     server.set("/site/p.js", "application/javascript", "console.log('ran');");
     const QString shot = runner.path("remote.png");
     const PageRun run =
