@@ -366,19 +366,26 @@ TEST(HostTools, ControllerFormsBringTheirPicturesAndFoldersWithoutPageJsonAreExp
     server.set("/site/pics/red.png", "image/png", solidPng(40, red));
     server.set("/green.png", "image/png", solidPng(40, green));
     server.set("/site/huge.png", "image/png", QByteArray(17 << 20, 'x'));
+    const QRgb blue = qRgb(0, 0, 250);
+    server.set("/site/icons/blue.png", "image/png", solidPng(32, blue));
+    const QByteArray button = PageRunner::item(
+        "QPushButton", "cmd_Icon",
+        "<property "
+        "name=\"icon\"><iconset><normaloff>icons/blue.png</normaloff>icons/blue.png</iconset></property>"
+        "<property name=\"iconSize\"><size><width>32</width><height>32</height></size></property>");
     auto label = [](const QByteArray& name, const QString& picture) {
         return PageRunner::item(
             "QLabel", name, "<property name=\"pixmap\"><pixmap>" + picture.toUtf8() + "</pixmap></property>");
     };
     // Beside the form; a local file by path (a path on the controller then) and by URL; another origin
-    // (the same server under another name); missing.
+    // (the same server under another name); missing; too large; and a button's icon beside the form.
     const QString otherOrigin = QStringLiteral("http://localhost:%1/green.png").arg(server.port());
     server.set("/site/p.ui", "text/xml",
-               PageRunner::form(300, 260,
+               PageRunner::form(300, 320,
                                 label("lbl_Red", "pics/red.png") + label("lbl_Local", localPicture) +
                                     label("lbl_File", QUrl::fromLocalFile(localPicture).toString()) +
                                     label("lbl_Other", otherOrigin) + label("lbl_Missing", "gone.png") +
-                                    label("lbl_Huge", "huge.png")));
+                                    label("lbl_Huge", "huge.png") + button));
     server.set("/site/p.js", "application/javascript", "console.log('ran');");
     const QString shot = runner.path("remote.png");
     const PageRun run =
@@ -386,6 +393,7 @@ TEST(HostTools, ControllerFormsBringTheirPicturesAndFoldersWithoutPageJsonAreExp
     EXPECT_RUN(run, 0);
     const QImage image(shot);
     EXPECT_GE(pixelsOf(image, red), 40 * 40);
+    EXPECT_GE(pixelsOf(image, blue), 32 * 32);
     EXPECT_EQ(pixelsOf(image, green), 0);
     EXPECT_TRUE(server.requests().contains("GET /site/pics/red.png"))
         << qPrintable(server.requests().join('\n'));
