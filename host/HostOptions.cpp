@@ -75,6 +75,8 @@ bool HostOptions::parse(const QStringList& arguments, HostOptions* options, QStr
                 return false;
             }
             result.trusted << v.trimmed();
+        } else if (arg == QLatin1String("--watch")) {
+            result.watch = true;
         } else if (arg == QLatin1String("--automation")) {
             result.automation = true;
         } else if (arg == QLatin1String("--screenshot-dir")) {
@@ -143,6 +145,15 @@ bool HostOptions::parse(const QStringList& arguments, HostOptions* options, QStr
         *error = QStringLiteral("no page given (see --help)");
         return false;
     }
+    if (result.watch && result.headless) {
+        *error = QStringLiteral("--watch is for runs on screen; a headless run ends by itself");
+        return false;
+    }
+    if (result.watch && (result.page.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
+                         result.page.startsWith(QLatin1String("https://"), Qt::CaseInsensitive))) {
+        *error = QStringLiteral("--watch works with pages on disk only");
+        return false;
+    }
     *options = result;
     return true;
 }
@@ -192,6 +203,8 @@ QString HostOptions::helpText(const QString& programName)
                "                        Security/TrustedControllers)\n"
                "  --automation          give the script host's input, screenshot and exit functions in a\n"
                "                        run on screen (headless runs always have them)\n"
+               "  --watch               load the page again whenever its form, scripts or page.json change\n"
+               "                        (on screen, pages on disk; errors stay in the window meanwhile)\n"
                "  --screenshot-dir DIR  host.screenshot(file) writes only below DIR (without it, not at "
                "all)\n"
                "  --overwrite-screenshots  host.screenshot() may replace existing files\n"
@@ -217,19 +230,21 @@ QString HostOptions::helpText(const QString& programName)
                "  obj.Property, obj.Method(...), obj.OnEvent.connect(function (...) { ... })\n"
                "  XMLHttpRequest, setTimeout, setInterval, clearTimeout, clearInterval, "
                "console.log/warn/error\n"
-               "  host.click(w, x, y[, button]), host.doubleClick(w, x, y[, button]), host.press(w, x, y[, "
-               "button]),\n"
-               "  host.move(w, x, y), host.release(w, x, y[, button]), host.drag(w, x1, y1, x2, y2[, "
-               "button]),\n"
-               "  host.wheel(w, x, y, steps), host.key(w, \"Ctrl+A\"), host.type(w, \"text\"),\n"
-               "  host.wait(ms), host.screenshot(\"file.png\"), host.exit(code)  (input, screenshot and "
-               "exit\n"
-               "      only headless or with --automation)\n"
+               "  host.click(w, x, y[, button[, mods]]), host.doubleClick(w, x, y[, button[, mods]]),\n"
+               "  host.press(w, x, y[, button[, mods]]), host.move(w, x, y[, mods]),\n"
+               "  host.release(w, x, y[, button[, mods]]), host.drag(w, x1, y1, x2, y2[, button[, mods]]),\n"
+               "  host.wheel(w, x, y, steps[, mods]), host.key(w, \"Ctrl+A\"), host.type(w, \"text\"),\n"
+               "  host.tap(w, x, y), host.touch(w, \"press\"|\"move\"|\"release\", [[x, y], ...]),\n"
+               "  host.touchDrag(w, [[x, y], ...], [[x, y], ...]), host.child(w, \"fra_Bar/cmd_OK\"),\n"
+               "  host.windows(), host.findWindow(\"name or title\"), host.screenshot(\"file.png\"[, w]),\n"
+               "  host.exit(code), host.wait(ms)  (all but wait only headless or with --automation)\n"
                "  host.args, host.headless, host.pageUrl, host.window\n"
-               "      (x, y in the widget's own pixels; button \"left\", \"right\" or \"middle\";\n"
+               "      (x, y in the widget's own pixels; button \"left\", \"right\" or \"middle\"; mods the "
+               "keys\n"
+               "       held, \"Shift\", \"Ctrl\", \"Alt\", \"Meta\" joined by +, none held afterwards;\n"
                "       positive wheel steps turn the wheel away from the user)\n"
                "\n"
-               "Script errors are printed as FILE:LINE: MESSAGE.\n"
+               "Script errors are printed as FILE:LINE: MESSAGE, and on screen shown atop the page window.\n"
                "Exit codes: 0 done, 1 page not loadable or bad command line or screenshot not written,\n"
                "  2 script error, 3 headless run timed out, 4 page from an untrusted origin, N from "
                "host.exit(N).\n")

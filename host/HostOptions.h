@@ -23,6 +23,7 @@ struct HostOptions
     int scriptLimitMs = 5000;  // a script running longer without returning is stopped (0: never)
     qint64 maxResponseBytes = qint64(64) << 20; // XMLHttpRequest response bodies
     qint64 cacheQuotaBytes = qint64(1) << 30;   // the controller files cached for one version
+    bool watch = false; // load the page again when its files change (on screen, pages on disk)
     bool showHelp = false;
     bool showVersion = false;
     bool listClasses = false;

@@ -1,7 +1,9 @@
 #include "host/PageHost.h"
 
 #include "frame/PageTrust.h"
+#include "host/ErrorBanner.h"
 #include "host/FormLoader.h"
+#include "host/FormResources.h"
 #include "host/HostAutomation.h"
 #include "host/PageSource.h"
 #include "host/ScriptRuntime.h"
@@ -12,6 +14,7 @@
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QJSEngine>
@@ -123,8 +126,8 @@ PageHost::PageHost(const HostOptions& options, QObject* parent) : QObject(parent
             [this](const QJSValue& error) { reportError(error, m_firstScript); });
 
     HostAutomation::Callbacks callbacks;
-    callbacks.screenshot = [this](const QString& path, QString* error) {
-        return writeScriptScreenshot(path, error);
+    callbacks.screenshot = [this](const QString& path, QWidget* widget, QString* error) {
+        return writeScriptScreenshot(path, widget, error);
     };
     callbacks.exit = [this](int code) { requestExit(code); };
     callbacks.exiting = [this] { return m_finishing; };
@@ -239,6 +242,25 @@ void PageHost::refuseUrl(const QUrl& url)
 
 void PageHost::loadFailed(const QString& message)
 {
+    if (m_options.watch && !m_finishing) {
+        // The author is at work on the page: say what is wrong, in a window, until it changes.
+        note(QStringLiteral("cannot load the page: %1 (waiting for a change to its files, --watch)")
+                 .arg(message));
+        auto* text =
+            new QLabel(QStringLiteral("The page could not be loaded:\n\n%1\n\nIt is loaded again when its "
+                                      "files change.")
+                           .arg(message));
+        text->setObjectName(QStringLiteral("host_LoadError"));
+        text->setWindowTitle(
+            QStringLiteral("%1: the page could not be loaded").arg(QCoreApplication::applicationName()));
+        text->setTextFormat(Qt::PlainText);
+        text->setWordWrap(true);
+        text->setMargin(16);
+        text->setMinimumWidth(420);
+        m_window.reset(text);
+        text->show();
+        return;
+    }
     note(QStringLiteral("cannot load the page: %1").arg(message));
     requestExit(ExitLoadFailed);
 }
@@ -266,12 +288,39 @@ void PageHost::onLoaded(const PageFiles& files)
     }
     PageTrust::setPage(files.pageUrl);
     const bool remote = !files.pageUrl.isLocalFile();
+    if (!remote) {
+        QStringList read{files.pageUrl.toLocalFile(), files.formUrl.toLocalFile()};
+        for (const PageScript& script : files.scripts)
+            read << script.url.toLocalFile();
+        read.removeDuplicates();
+        Q_EMIT pageFilesRead(read);
+    }
     FormLoader loader;
     if (remote)
         loader.setDroppedProperties(kDroppedRemoteProperties);
-    if (!files.workingDirectory.isEmpty())
+    QByteArray form = files.form;
+    if (!files.workingDirectory.isEmpty()) {
         loader.setWorkingDirectory(QDir(files.workingDirectory));
-    QWidget* root = loader.loadForm(files.form);
+    } else if (remote) {
+        // A controller's form reads its pictures from a private folder, fetched from beside it;
+        // no name in it reaches a file of this machine.
+        for (const QString& text : files.notes)
+            note(text);
+        QMap<QString, QString> local;
+        if (!files.resources.isEmpty() && m_resourceDir.isValid()) {
+            int n = 0;
+            for (auto it = files.resources.cbegin(); it != files.resources.cend(); ++it) {
+                const QString path = m_resourceDir.filePath(
+                    QStringLiteral("picture%1.%2").arg(++n).arg(QFileInfo(QUrl(it.key()).path()).suffix()));
+                QFile out(path);
+                if (out.open(QIODevice::WriteOnly) && out.write(it.value()) == it.value().size())
+                    local.insert(it.key(), path);
+            }
+        }
+        form = FormResources::rewritten(form, local);
+        loader.setWorkingDirectory(QDir(m_resourceDir.path()));
+    }
+    QWidget* root = loader.loadForm(form);
     for (const QString& message : loader.messages())
         note(message);
     if (!root) {
@@ -432,6 +481,12 @@ void PageHost::reportError(const QString& file, int line, const QString& message
                              .arg(message);
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
     std::fflush(stderr);
+    // On screen the author sees it in the page's window too; a run without a user has the console.
+    if (m_window && !m_options.headless) {
+        if (!m_banner)
+            m_banner = new ErrorBanner(m_window.get());
+        m_banner->showError(text);
+    }
     Q_EMIT scriptError(where, line, message);
 }
 
@@ -470,9 +525,11 @@ void PageHost::requestExit(int code)
     QTimer::singleShot(0, this, &PageHost::finishNow);
 }
 
-bool PageHost::writeScreenshot(const QString& path, QString* error)
+bool PageHost::writeScreenshot(const QString& path, QWidget* widget, QString* error)
 {
-    if (!m_window) {
+    if (!widget)
+        widget = m_window.get();
+    if (!widget) {
         *error = QStringLiteral("there is no page window");
         return false;
     }
@@ -482,7 +539,7 @@ bool PageHost::writeScreenshot(const QString& path, QString* error)
             QStringLiteral("cannot create the folder %1").arg(QDir::toNativeSeparators(info.absolutePath()));
         return false;
     }
-    const QImage image = m_window->grab().toImage();
+    const QImage image = widget->grab().toImage();
     if (image.isNull()) {
         *error = QStringLiteral("the page window could not be drawn");
         return false;
@@ -498,7 +555,7 @@ bool PageHost::writeScreenshot(const QString& path, QString* error)
     return true;
 }
 
-bool PageHost::writeScriptScreenshot(const QString& path, QString* error)
+bool PageHost::writeScriptScreenshot(const QString& path, QWidget* widget, QString* error)
 {
     if (m_options.screenshotDir.isEmpty()) {
         *error = QStringLiteral("no folder for screenshots was named on the command line (--screenshot-dir)");
@@ -528,7 +585,7 @@ bool PageHost::writeScriptScreenshot(const QString& path, QString* error)
         *error = QStringLiteral("%1 exists; it is not replaced (--overwrite-screenshots)").arg(path);
         return false;
     }
-    if (!writeScreenshot(target, error))
+    if (!writeScreenshot(target, widget, error))
         return false;
     ++m_screenshotsTaken;
     return true;
@@ -539,7 +596,7 @@ void PageHost::finishNow()
     int code = m_exitCode;
     if (!m_options.screenshotPath.isEmpty()) {
         QString error;
-        if (!writeScreenshot(m_options.screenshotPath, &error)) {
+        if (!writeScreenshot(m_options.screenshotPath, nullptr, &error)) {
             note(QStringLiteral("screenshot not written: %1").arg(error));
             if (code == ExitOk)
                 code = ExitLoadFailed;

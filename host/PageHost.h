@@ -11,6 +11,7 @@
 #include <QNetworkAccessManager>
 #include <QObject>
 #include <QPointer>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <QWidget>
 
@@ -21,6 +22,7 @@ class QMessageLogContext;
 
 namespace nxr {
 
+class ErrorBanner;
 class FormLoader;
 class HostAutomation;
 class PageSource;
@@ -46,10 +48,11 @@ public:
     QJSEngine* engine() const { return m_engine.get(); }
     int scriptErrorCount() const { return m_errorCount; }
     bool isFinishing() const { return m_finishing; }
-    bool writeScreenshot(const QString& path, QString* error);
+    // A PNG of `widget` (the page window when null), OpenGL content included.
+    bool writeScreenshot(const QString& path, QWidget* widget, QString* error);
     // host.screenshot(): only below --screenshot-dir, never over an existing file unless the
     // command line allows it, and at most --screenshot-quota files per run.
-    bool writeScriptScreenshot(const QString& path, QString* error);
+    bool writeScriptScreenshot(const QString& path, QWidget* widget, QString* error);
 
     // The desktop's programs are never started for a link of a page; the host says so instead.
     Q_INVOKABLE void refuseUrl(const QUrl& url);
@@ -57,6 +60,8 @@ public:
 Q_SIGNALS:
     void finished(int exitCode);
     void scriptError(const QString& file, int line, const QString& message);
+    // The files on disk a page's load has read (page.json, form, scripts), before its scripts run.
+    void pageFilesRead(const QStringList& files);
     // Notes of the host for the user (refused objects, form problems, load failures).
     void hostMessage(const QString& text);
 
@@ -89,6 +94,8 @@ private:
     PageSource* m_source = nullptr;
     ScriptWatchdog* m_watchdog = nullptr;
     QStringList m_urlSchemes;
+    QTemporaryDir m_resourceDir;    // a controller's form's pictures
+    QPointer<ErrorBanner> m_banner; // on screen: the script errors in the window
     int m_screenshotsTaken = 0;
     QString m_firstScript;
     // The names the engine gives the page's scripts, and the names to show for them.

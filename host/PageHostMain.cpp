@@ -3,14 +3,18 @@
 #include "frame/ClassRegistry.h"
 #include "host/HostOptions.h"
 #include "host/PageHost.h"
+#include "host/PageWatcher.h"
 #include "reference/DescribeCommand.h"
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QThread>
 #include <QTimer>
 
 #include <cstdio>
 #include <cstring>
+#include <functional>
+#include <memory>
 
 #ifndef NXR_HOST_VERSION
 #define NXR_HOST_VERSION "0"
@@ -21,6 +25,8 @@
 
 namespace nxr {
 namespace {
+
+constexpr int kReloadRetryMs = 200;
 
 bool hasFlag(int argc, char** argv, const char* flag)
 {
@@ -92,14 +98,46 @@ int runPageHost(int argc, char** argv)
 
     int exitCode = ExitOk;
     {
-        PageHost host(options);
+        std::unique_ptr<PageHost> host;
+        std::unique_ptr<PageWatcher> watcher;
+        bool replacing = false;
         QApplication::setQuitOnLastWindowClosed(false);
-        QObject::connect(&app, &QGuiApplication::lastWindowClosed, &host,
-                         [&host] { host.requestExit(ExitOk); });
-        QObject::connect(&host, &PageHost::finished, &app, [](int code) { QCoreApplication::exit(code); });
-        // Started from the event loop, so that host.exit() and host.wait() in the page's first
-        // lines work on the real loop.
-        QTimer::singleShot(0, &host, &PageHost::start);
+        QObject::connect(&app, &QGuiApplication::lastWindowClosed, &app, [&] {
+            if (host && !replacing)
+                host->requestExit(ExitOk);
+        });
+        auto startHost = [&] {
+            host = std::make_unique<PageHost>(options);
+            QObject::connect(host.get(), &PageHost::finished, &app,
+                             [](int code) { QCoreApplication::exit(code); });
+            if (watcher)
+                QObject::connect(host.get(), &PageHost::pageFilesRead, watcher.get(), &PageWatcher::setFiles);
+            // Started from the event loop, so that host.exit() and host.wait() in the page's first
+            // lines work on the real loop.
+            QTimer::singleShot(0, host.get(), &PageHost::start);
+        };
+        std::function<void()> reload = [&] {
+            if (!host || host->isFinishing())
+                return;
+            // A dialog of the page, or host.wait(), holds the event loop: the page is replaced
+            // once they have returned.
+            if (QThread::currentThread()->loopLevel() > 1) {
+                QTimer::singleShot(kReloadRetryMs, &app, reload);
+                return;
+            }
+            std::fprintf(stderr, "%s: the page's files changed; loading it again\n",
+                         program.toLocal8Bit().constData());
+            std::fflush(stderr);
+            replacing = true;
+            host.reset();
+            replacing = false;
+            startHost();
+        };
+        if (options.watch) {
+            watcher = std::make_unique<PageWatcher>(options.page);
+            QObject::connect(watcher.get(), &PageWatcher::changed, &app, reload);
+        }
+        startHost();
         exitCode = QApplication::exec();
     }
     return exitCode;

@@ -1,6 +1,7 @@
 #include "host/PageSource.h"
 
 #include "frame/Trace.h"
+#include "host/FormResources.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,10 +13,14 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
+#include <memory>
+
 namespace nxr {
 namespace {
 
 const QString kDescriptionName = QStringLiteral("page.json");
+// A form's picture is an icon or an image of a few hundred kilobytes; nothing larger is fetched.
+constexpr qint64 kMaxPictureBytes = qint64(16) << 20;
 
 bool readFile(const QString& path, QByteArray* data, QString* error)
 {
@@ -32,6 +37,16 @@ QString withSuffix(const QString& path, const QString& suffix)
 {
     const int dot = path.lastIndexOf(QLatin1Char('.'));
     return path.left(dot) + suffix;
+}
+
+// An HTML answer: by its type, or by its first characters when the type says nothing useful.
+bool isWebPage(const QByteArray& body, const QString& contentType)
+{
+    if (contentType.startsWith(QLatin1String("text/html"), Qt::CaseInsensitive) ||
+        contentType.startsWith(QLatin1String("application/xhtml"), Qt::CaseInsensitive))
+        return true;
+    const QByteArray start = body.trimmed().left(64).toLower();
+    return start.startsWith("<!doctype html") || start.startsWith("<html");
 }
 
 } // namespace
@@ -216,7 +231,19 @@ void PageSource::load(const QString& page)
         descriptionUrl.setPath((path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/')) +
                                kDescriptionName);
     m_files.pageUrl = descriptionUrl;
-    fetch(descriptionUrl, [this, descriptionUrl](const QByteArray& json) {
+    const bool folder = descriptionUrl != url;
+    fetch(descriptionUrl, [this, descriptionUrl, folder](const QByteArray& json, const QString& contentType) {
+        // Controllers answer a missing file with a web page of their own rather than a 404.
+        if (isWebPage(json, contentType)) {
+            QUrl folderUrl = descriptionUrl.resolved(QUrl(QStringLiteral(".")));
+            fail(folder ? QStringLiteral(
+                              "%1: no page.json there (the controller answered with a web page); name "
+                              "the form: %2NAME.ui")
+                              .arg(displayUrl(descriptionUrl), displayUrl(folderUrl))
+                        : QStringLiteral("%1 is a web page, not a page description")
+                              .arg(displayUrl(descriptionUrl)));
+            return;
+        }
         QString error;
         if (!parseDescription(json, descriptionUrl, &m_description, &error)) {
             fail(error);
@@ -230,10 +257,63 @@ void PageSource::startRemoteForm()
 {
     m_files.title = m_description.title;
     m_files.formUrl = m_description.form;
-    fetch(m_description.form, [this](const QByteArray& form) {
+    fetch(m_description.form, [this](const QByteArray& form, const QString&) {
         m_files.form = form;
-        fetchNextScript();
+        m_resourceNames = FormResources::references(form);
+        fetchNextResource();
     });
+}
+
+void PageSource::fetchNextResource()
+{
+    while (!m_resourceNames.isEmpty()) {
+        const QString name = m_resourceNames.takeFirst();
+        const QUrl url = m_description.form.resolved(QUrl(name));
+        const bool sameOrigin = url.scheme() == m_description.form.scheme() &&
+                                url.host() == m_description.form.host() &&
+                                url.port() == m_description.form.port() && url.userInfo().isEmpty();
+        if (!sameOrigin || name.isEmpty()) {
+            m_files.notes << QStringLiteral(
+                                 "the form's picture %1 is not beside it on its controller; it is not "
+                                 "loaded")
+                                 .arg(name);
+            continue;
+        }
+        QNetworkRequest request(url);
+        request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::PreferNetwork);
+        request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                             QNetworkRequest::SameOriginRedirectPolicy);
+        QNetworkReply* reply = m_network->get(request);
+        m_reply = reply;
+        auto tooLarge = std::make_shared<bool>(false);
+        connect(reply, &QNetworkReply::downloadProgress, reply,
+                [reply, tooLarge](qint64 received, qint64 total) {
+                    if (received > kMaxPictureBytes || total > kMaxPictureBytes) {
+                        *tooLarge = true;
+                        reply->abort();
+                    }
+                });
+        connect(reply, &QNetworkReply::finished, this, [this, reply, name, url, tooLarge] {
+            reply->deleteLater();
+            if (m_reply == reply)
+                m_reply = nullptr;
+            const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+            if (*tooLarge)
+                m_files.notes << QStringLiteral(
+                                     "the form's picture %1 is larger than %2 MiB; it is not loaded")
+                                     .arg(displayUrl(url))
+                                     .arg(kMaxPictureBytes >> 20);
+            else if (reply->error() != QNetworkReply::NoError || status < 200 || status > 299)
+                m_files.notes << QStringLiteral("the form's picture %1 could not be fetched: %2")
+                                     .arg(displayUrl(url), status ? QStringLiteral("HTTP %1").arg(status)
+                                                                  : reply->errorString());
+            else
+                m_files.resources.insert(name, reply->readAll());
+            fetchNextResource();
+        });
+        return;
+    }
+    fetchNextScript();
 }
 
 void PageSource::fetchNextScript()
@@ -245,13 +325,13 @@ void PageSource::fetchNextScript()
         return;
     }
     const QUrl url = m_description.scripts.at(next);
-    fetch(url, [this, url](const QByteArray& text) {
+    fetch(url, [this, url](const QByteArray& text, const QString&) {
         m_files.scripts << PageScript{url, QString::fromUtf8(text)};
         fetchNextScript();
     });
 }
 
-void PageSource::fetch(const QUrl& url, std::function<void(const QByteArray&)> next)
+void PageSource::fetch(const QUrl& url, std::function<void(const QByteArray&, const QString&)> next)
 {
     if (url.scheme().compare(QLatin1String("http"), Qt::CaseInsensitive) != 0 &&
         url.scheme().compare(QLatin1String("https"), Qt::CaseInsensitive) != 0) {
@@ -278,7 +358,7 @@ void PageSource::fetch(const QUrl& url, std::function<void(const QByteArray&)> n
             fail(QStringLiteral("cannot fetch %1: %2").arg(displayUrl(url), reason));
             return;
         }
-        next(reply->readAll());
+        next(reply->readAll(), reply->header(QNetworkRequest::ContentTypeHeader).toString());
     });
 }
 

@@ -8,9 +8,11 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QMap>
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 #include <QUrl>
 
 #include <functional>
@@ -36,6 +38,10 @@ struct PageFiles
     QString title;
     // Folder the form's relative resources (icons, images) are read from; empty for remote pages.
     QString workingDirectory;
+    // A remote form's pictures by the name the form gives them, fetched from beside it (its own
+    // origin only), and what could not be fetched.
+    QMap<QString, QByteArray> resources;
+    QStringList notes;
 };
 
 class PageSource : public QObject
@@ -70,14 +76,16 @@ Q_SIGNALS:
     void failed(const QString& message);
 
 private:
-    void fetch(const QUrl& url, std::function<void(const QByteArray&)> next);
+    void fetch(const QUrl& url, std::function<void(const QByteArray& body, const QString& contentType)> next);
     void startRemoteForm();
     void fetchNextScript();
+    void fetchNextResource();
     void fail(const QString& message);
 
     QNetworkAccessManager* m_network;
     QPointer<QNetworkReply> m_reply;
     Description m_description;
+    QStringList m_resourceNames;
     PageFiles m_files;
     bool m_done = false;
 };

@@ -8,6 +8,7 @@
 
 #include <QJSEngine>
 #include <QLayout>
+#include <QMetaProperty>
 
 #include <cstdio>
 
@@ -78,6 +79,67 @@ QJSValue ScriptRuntime::scriptValue(QObject* object)
         return QJSValue();
     return m_helpers.property(QStringLiteral("wrap"))
         .call({raw, m_engine->toScriptValue(WidgetAllowList::describe(listed))});
+}
+
+QJSValue ScriptRuntime::handle(QObject* object)
+{
+    if (!object)
+        return QJSValue(QJSValue::NullValue);
+    if (!m_restricted)
+        return scriptValue(object);
+    const bool library = qobject_cast<IObjectSafety*>(object) != nullptr;
+    if (library ? mayExpose(object, true) : !WidgetAllowList::listedClass(object).isEmpty())
+        return scriptValue(object);
+    QJSEngine::setObjectOwnership(object, QJSEngine::CppOwnership);
+    QVariantMap opaque = WidgetAllowList::describe(QString());
+    opaque.insert(QStringLiteral("className"), QString::fromLatin1(object->metaObject()->className()));
+    return m_helpers.property(QStringLiteral("wrap"))
+        .call({m_engine->newQObject(object), m_engine->toScriptValue(opaque)});
+}
+
+QJSValue ScriptRuntime::describeObject(const QJSValue& value)
+{
+    QObject* object = value.toQObject();
+    if (!object)
+        return QJSValue(QJSValue::UndefinedValue);
+    // The object's own properties: those of its classes past Qt's QObject or QWidget.
+    const QMetaObject* meta = object->metaObject();
+    const int first = object->isWidgetType() ? QWidget::staticMetaObject.propertyCount()
+                                             : QObject::staticMetaObject.propertyCount();
+    QVariantList properties;
+    for (int i = first; i < meta->propertyCount(); ++i) {
+        const QMetaProperty property = meta->property(i);
+        if (!property.isReadable())
+            continue;
+        const QVariant v = property.read(object);
+        QVariant shown;
+        switch (v.metaType().id()) {
+        case QMetaType::Bool:
+        case QMetaType::Int:
+        case QMetaType::UInt:
+        case QMetaType::LongLong:
+        case QMetaType::ULongLong:
+        case QMetaType::Double:
+        case QMetaType::Float:
+        case QMetaType::QString:
+        case QMetaType::QStringList:
+            shown = v;
+            break;
+        default:
+            if (!v.isValid())
+                break;
+            if (v.canConvert<QString>() && !v.toString().isEmpty())
+                shown = v.toString();
+            else
+                shown = QStringLiteral("<%1>").arg(QLatin1String(v.metaType().name()));
+        }
+        properties << QVariant(QVariantList{QString::fromLatin1(property.name()), shown});
+    }
+    QJSValue result = m_engine->newObject();
+    result.setProperty(QStringLiteral("className"), QString::fromLatin1(meta->className()));
+    result.setProperty(QStringLiteral("name"), object->objectName());
+    result.setProperty(QStringLiteral("properties"), m_engine->toScriptValue(properties));
+    return result;
 }
 
 QJSValue ScriptRuntime::hostValue(QObject* automationObject, bool automation, const QJSValue& window)
@@ -201,7 +263,13 @@ QString ScriptRuntime::bootstrapScript(const QString& runtimeName)
         function (name) {
           h[name] = function () { return raw[name].apply(raw, slice.call(arguments).map(unwrap)); };
         });
-      h.screenshot = function () { return raw.screenshot.apply(raw, arguments); };
+      ["tap", "touch", "touchDrag"].forEach(function (name) {
+        h[name] = function () { return raw[name].apply(raw, slice.call(arguments).map(unwrap)); };
+      });
+      h.child = function (w, path) { return rt.handle(raw.child(unwrap(w), String(path))); };
+      h.windows = function () { return raw.windows().map(function (w) { return rt.handle(w); }); };
+      h.findWindow = function (name) { return rt.handle(raw.findWindow(String(name))); };
+      h.screenshot = function () { return raw.screenshot.apply(raw, slice.call(arguments).map(unwrap)); };
       h.exit = function () { return raw.exit.apply(raw, arguments); };
     }
     return Object.freeze(h);
@@ -235,12 +303,47 @@ QString ScriptRuntime::bootstrapScript(const QString& runtimeName)
   XMLHttpRequest.UNSENT = 0; XMLHttpRequest.OPENED = 1; XMLHttpRequest.HEADERS_RECEIVED = 2;
   XMLHttpRequest.LOADING = 3; XMLHttpRequest.DONE = 4;
 
+  // console output: texts as they are, everything else in a short readable form (nested values
+  // to a few levels, long lists cut, cycles marked).
+  var kDepth = 3, kItems = 30;
+  function keyText(k) { return /^[A-Za-z_$][A-Za-z0-9_$]*$/.test(k) ? k : JSON.stringify(k); }
+  function inspect(v, depth, seen) {
+    if (typeof v === "string") return depth === 0 ? v : JSON.stringify(v);
+    if (typeof v === "function") return "[Function" + (v.name ? ": " + v.name : "") + "]";
+    if (v === null || typeof v !== "object") return String(v);
+    if (v instanceof Error || v instanceof RegExp || behind.has(v)) return String(v);
+    if (v instanceof Date) return isNaN(v.getTime()) ? "Invalid Date" : v.toISOString();
+    if (seen.indexOf(v) >= 0) return "[Circular]";
+    var described = rt.describeObject(v);
+    if (described) {
+      var head = described.className + (described.name ? " \"" + described.name + "\"" : "");
+      if (depth >= kDepth) return head;
+      return head + " {" + described.properties.map(function (p) {
+        return keyText(p[0]) + ": " + inspect(p[1], depth + 1, seen.concat([v]));
+      }).join(", ") + "}";
+    }
+    if (!Array.isArray(v) && typeof v.toString === "function" && v.toString !== Object.prototype.toString)
+      return String(v);
+    if (depth >= kDepth) return Array.isArray(v) ? "[Array]" : "[Object]";
+    seen = seen.concat([v]);
+    function value(get) { try { return inspect(get(), depth + 1, seen); } catch (e) { return "[" + e + "]"; } }
+    var items, more;
+    if (Array.isArray(v)) {
+      items = v.slice(0, kItems).map(function (x, i) { return value(function () { return v[i]; }); });
+      more = v.length - items.length;
+    } else {
+      var keys = Object.keys(v);
+      items = keys.slice(0, kItems).map(function (k) { return keyText(k) + ": " + value(function () { return v[k]; }); });
+      more = keys.length - items.length;
+    }
+    if (more > 0) items.push("... " + more + " more");
+    if (Array.isArray(v)) return "[" + items.join(", ") + "]";
+    var name = (v.constructor && v.constructor !== Object && v.constructor.name) ? v.constructor.name + " " : "";
+    return name + "{" + items.join(", ") + "}";
+  }
   function text(args) {
     return slice.call(args).map(function (a) {
-      if (typeof a === "string") return a;
-      if (a === null || typeof a !== "object") return String(a);
-      if (a instanceof Error || (!Array.isArray(a) && a.toString !== Object.prototype.toString)) return String(a);
-      try { var json = JSON.stringify(a); return json === undefined ? String(a) : json; } catch (e) { return String(a); }
+      try { return inspect(a, 0, []); } catch (e) { return String(a); }
     }).join(" ");
   }
   console = {

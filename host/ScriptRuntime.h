@@ -53,6 +53,15 @@ public:
     // widget of a restricted page through its stand-in. False when it is not given to the script.
     bool exposeGlobal(const QString& name, QObject* object);
 
+    // What the script gets for a widget the host found for it (a control's child, a window): as
+    // scriptValue(), and for a widget a controller's page may not script, a stand-in without
+    // members that the host's functions still accept as their target.
+    Q_INVOKABLE QJSValue handle(QObject* object);
+
+    // For console output: {className, name, properties: [[name, value], ...]} of a QObject (its
+    // own classes' properties, values as numbers, texts or type names); undefined for anything else.
+    Q_INVOKABLE QJSValue describeObject(const QJSValue& value);
+
     // Drops every request under way without calling back into the script.
     void cancelRequests();
 

@@ -229,11 +229,14 @@ function shot(p) { try { host.screenshot(p); return "ok"; } catch (e) { return S
     runner.write("local/page.ui", kEmptyForm);
     runner.write("local/page.js", R"JS(
 console.log("host " + [typeof host.click, typeof host.type, typeof host.screenshot, typeof host.exit,
+                       typeof host.touch, typeof host.child, typeof host.windows, typeof host.findWindow,
                        typeof host.args, typeof host.pageUrl, typeof host.headless].join(","));
 )JS");
     for (const auto& [extra, functions] :
-         {std::pair{QStringList{}, QString("undefined,undefined,undefined,undefined")},
-          {QStringList{"--automation"}, QString("function,function,function,function")}}) {
+         {std::pair{QStringList{}, QString("undefined,undefined,undefined,undefined,undefined,undefined,"
+                                           "undefined,undefined")},
+          {QStringList{"--automation"},
+           QString("function,function,function,function,function,function,function,function")}}) {
         const PageRun onScreen =
             runner.run(QStringList{"--exit-after", "300"} + extra + QStringList{runner.path("local")}, 60000,
                        QStringLiteral(NEXARO_PAGE));

@@ -2,6 +2,8 @@
 
 #include "PageRunner.h"
 #include "TestHttpServer.h"
+#include "host/FormResources.h"
+#include "host/InputSynthesizer.h"
 #include "host/NetworkAccess.h"
 #include "host/PageSource.h"
 
@@ -116,4 +118,58 @@ TEST(NetworkAccess, CountsRequestsUntilTheyFinishOrAreDropped)
     EXPECT_EQ(network.requestsInFlight(), 0);
     delete manager->get(QNetworkRequest(QUrl(server.url("/x"))));
     EXPECT_EQ(network.requestsInFlight(), 0);
+}
+
+TEST(FormPictures, NamesAreFoundOnceAndReplacedOrDropped)
+{
+    const QByteArray form = R"(<ui version="4.0"><widget class="QWidget" name="w">
+<widget class="QPushButton" name="a"><property name="icon"><iconset>
+ <normaloff>icons/ok.png</normaloff><normalon>icons/on.png</normalon>icons/ok.png</iconset></property></widget>
+<widget class="QLabel" name="b"><property name="pixmap"><pixmap>/etc/secret.png</pixmap></property>
+ <property name="text"><string>icons/ok.png</string></property></widget>
+<widget class="QLabel" name="c"><property name="pixmap"><pixmap>:/builtin/logo.png</pixmap></property></widget>
+<widget class="QToolButton" name="d"><property name="icon"><iconset theme="edit-copy"/></property></widget>
+</widget></ui>)";
+    EXPECT_EQ(nxr::FormResources::references(form),
+              (QStringList{"icons/ok.png", "icons/on.png", "/etc/secret.png"}));
+    const QString out =
+        QString::fromUtf8(nxr::FormResources::rewritten(form, {{"icons/ok.png", "/private/picture1.png"}}));
+    // Named pictures point into the private folder, the others at nothing; texts, Qt's own
+    // resources and theme icons are left as they are.
+    EXPECT_EQ(out.count("/private/picture1.png"), 2) << qPrintable(out);
+    EXPECT_TRUE(out.contains("<normalon></normalon>")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("<pixmap></pixmap>")) << qPrintable(out);
+    EXPECT_FALSE(out.contains("secret")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("<string>icons/ok.png</string>")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("<pixmap>:/builtin/logo.png</pixmap>")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("theme=\"edit-copy\"")) << qPrintable(out);
+}
+
+TEST(InputNames, ModifiersAndButtonsAreReadAsWritten)
+{
+    const struct
+    {
+        const char* text;
+        bool ok;
+        Qt::KeyboardModifiers modifiers;
+    } cases[] = {
+        {"", true, {}},
+        {"none", true, {}},
+        {"Shift", true, Qt::ShiftModifier},
+        {"ctrl+ALT", true, Qt::ControlModifier | Qt::AltModifier},
+        {" Control + Shift + Meta ", true, Qt::ControlModifier | Qt::ShiftModifier | Qt::MetaModifier},
+        {"Shift+", false, {}},
+        {"Hyper", false, {}},
+    };
+    for (const auto& c : cases) {
+        Qt::KeyboardModifiers m = Qt::KeypadModifier;
+        EXPECT_EQ(nxr::InputSynthesizer::parseModifiers(QString::fromLatin1(c.text), &m), c.ok) << c.text;
+        if (c.ok) {
+            EXPECT_EQ(m, c.modifiers) << c.text;
+        }
+    }
+    Qt::MouseButton b = Qt::NoButton;
+    EXPECT_TRUE(nxr::InputSynthesizer::parseButton("Right", &b));
+    EXPECT_EQ(b, Qt::RightButton);
+    EXPECT_FALSE(nxr::InputSynthesizer::parseButton("fourth", &b));
 }
