@@ -77,6 +77,16 @@ struct Shown
         const qreal dpr = gl()->devicePixelRatioF();
         return QPoint(int(wx), int(vp[3] - 1 - int(wy))) / dpr * dpr;
     }
+    // How many of the display lists first..last exist in the plot's context.
+    int liveLists(GLuint first, GLuint last) const
+    {
+        gl()->makeCurrent();
+        int n = 0;
+        for (GLuint l = first; l <= last; ++l)
+            n += glIsList(l) == GL_TRUE ? 1 : 0;
+        gl()->doneCurrent();
+        return n;
+    }
 };
 
 int countPixels(const QImage& img, QPoint centre, int half, const std::function<bool(QRgb)>& match)
@@ -145,13 +155,11 @@ TEST(Plot3DRender, StartUpStateAndFixedLists)
     EXPECT_EQ(i, GL_SRC_ALPHA);
     glGetIntegerv(GL_BLEND_DST, &i);
     EXPECT_EQ(i, GL_ONE_MINUS_SRC_ALPHA);
-    // The two ring lists and the font lists 1000..1126 exist; nothing of the scene yet.
-    EXPECT_TRUE(glIsList(1));
-    EXPECT_TRUE(glIsList(2));
-    EXPECT_TRUE(glIsList(1000));
-    EXPECT_TRUE(glIsList(1126));
-    EXPECT_FALSE(glIsList(101));
     s.gl()->doneCurrent();
+    // The two ring lists and the font lists 1000..1126 exist; nothing of the scene yet.
+    EXPECT_EQ(s.liveLists(1, 2), 2);
+    EXPECT_EQ(s.liveLists(1000, 1126), 127);
+    EXPECT_EQ(s.liveLists(101, 600), 0);
 }
 
 TEST(Plot3DRender, ListsAreNumberedFrom101And501AndDroppedWithTheFoundPoints)
@@ -165,23 +173,16 @@ TEST(Plot3DRender, ListsAreNumberedFrom101And501AndDroppedWithTheFoundPoints)
     EXPECT_EQ(r->referenceList(), 112u);
     EXPECT_EQ(r->offsetReferenceList(), 113u);
     EXPECT_EQ(r->labelListCount(), 2);
-    s.gl()->makeCurrent();
-    for (unsigned l = 101; l <= 115; ++l)
-        EXPECT_TRUE(glIsList(l)) << l;
-    EXPECT_FALSE(glIsList(116));
-    EXPECT_TRUE(glIsList(501));
-    EXPECT_TRUE(glIsList(502));
-    EXPECT_FALSE(glIsList(503));
-    s.gl()->doneCurrent();
+    EXPECT_EQ(s.liveLists(101, 115), 15);
+    EXPECT_EQ(s.liveLists(116, 500), 0);
+    EXPECT_EQ(s.liveLists(501, 502), 2);
+    EXPECT_EQ(s.liveLists(503, 600), 0);
 
     s.plot->ClearFoundPoints();
     EXPECT_EQ(s.plot->GetProperty("FoundPointCount"), "0");
     EXPECT_EQ(r->sceneListCount(), 10);
-    s.gl()->makeCurrent();
-    EXPECT_TRUE(glIsList(110));
-    EXPECT_FALSE(glIsList(111));
-    EXPECT_FALSE(glIsList(501));
-    s.gl()->doneCurrent();
+    EXPECT_EQ(s.liveLists(101, 110), 10);
+    EXPECT_EQ(s.liveLists(111, 600), 0);
 
     // New found points compile after the cameras again.
     s.plot->AddFoundPoint(0, 0, 0, 0, 1, 1, 1, 0, 0, 600, 1, 1, -599);
@@ -191,10 +192,8 @@ TEST(Plot3DRender, ListsAreNumberedFrom101And501AndDroppedWithTheFoundPoints)
 
     s.plot->InitializeDrawing();
     EXPECT_EQ(r->sceneListCount(), 0);
-    s.gl()->makeCurrent();
-    EXPECT_FALSE(glIsList(101));
-    EXPECT_TRUE(glIsList(1));
-    s.gl()->doneCurrent();
+    EXPECT_EQ(s.liveLists(101, 600), 0);
+    EXPECT_EQ(s.liveLists(1, 2), 2);
 }
 
 TEST(Plot3DRender, EndingThePlotDeletesEveryList)

@@ -121,12 +121,9 @@ TEST_F(TreeView, RelationshipsPlaceNodes)
         tree->AddNode(c.relative, c.relationship, "", "N");
         ASSERT_EQ(errors->count(), 0) << tree->LastErrorString().toStdString();
         QStringList order;
-        if (underP) {
-            for (int i = 0; i < item("P")->childCount(); ++i)
-                order << item("P")->child(i)->text(0);
-        } else {
-            for (int i = 0; i < item("P")->childCount(); ++i)
-                order << item("P")->child(i)->text(0);
+        for (int i = 0; i < item("P")->childCount(); ++i)
+            order << item("P")->child(i)->text(0);
+        if (!underP) {
             QTreeWidgetItem* n = item("N");
             ASSERT_EQ(n->parent(), nullptr);
             const int at = tree->treeWidget()->indexOfTopLevelItem(n);
