@@ -176,10 +176,7 @@ void replay(QPainter& p, const std::vector<Bare>& calls, const QFont& font, doub
 nxr::ScreenMapping mappingFor(double zoom)
 {
     nxr::ViewMaths maths;
-    maths.setUsableArea(kView);
-    maths.setImageSize(kImage);
-    maths.setZoom(float(zoom));
-    maths.setScrollPosition(maths.scrollMaximum() / 2);
+    nxr::bench::viewTheMiddle(maths, kImage, float(zoom));
     const QSize visible = maths.visibleSize();
     return nxr::ScreenMapping{maths.scale(), QPointF(maths.origin()), 1.0,
                               QRectF(0, 0, visible.width(), visible.height())};

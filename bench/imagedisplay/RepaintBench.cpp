@@ -33,15 +33,10 @@ void Repaint(benchmark::State& state)
 {
     const bool grey = state.range(0) == 0;
     const float zoom = float(state.range(1)) / 100.0f;
-    static const QImage greyImage = nxr::bench::cameraPattern(true);
-    static const QImage rgbImage = nxr::bench::cameraPattern(false);
-    const QImage& image = grey ? greyImage : rgbImage;
+    const QImage& image = nxr::bench::cameraPattern(grey);
 
     nxr::ViewMaths maths;
-    maths.setUsableArea(QSize(1024, 768));
-    maths.setImageSize(image.size());
-    maths.setZoom(zoom);
-    maths.setScrollPosition(maths.scrollMaximum() / 2);
+    nxr::bench::viewTheMiddle(maths, image.size(), zoom);
     const QRect area(QPoint(0, 0), maths.visibleSize());
     const QRectF source = maths.visibleSourceRect();
     const QRectF dest = maths.toScreen(source);

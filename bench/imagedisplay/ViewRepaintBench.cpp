@@ -52,15 +52,10 @@ public:
 void ViewRepaint(benchmark::State& state)
 {
     const bool grey = state.range(0) == 0;
-    static const QImage greyImage = nxr::bench::cameraPattern(true);
-    static const QImage rgbImage = nxr::bench::cameraPattern(false);
-    const QImage& image = grey ? greyImage : rgbImage;
+    const QImage& image = nxr::bench::cameraPattern(grey);
 
     nxr::ViewMaths maths;
-    maths.setUsableArea(QSize(1024, 768));
-    maths.setImageSize(image.size());
-    maths.setZoom(100.0f);
-    maths.setScrollPosition(maths.scrollMaximum() / 2);
+    nxr::bench::viewTheMiddle(maths, image.size(), 100.0f);
     const QSize size = maths.visibleSize();
 
     nxr::RasterView view;

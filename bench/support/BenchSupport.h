@@ -1,6 +1,8 @@
 #pragma once
 // Timing helpers and test pictures shared by the benchmarks.
 
+#include "imagedisplay/ViewMaths.h"
+
 #include <QImage>
 
 #include <algorithm>
@@ -38,7 +40,7 @@ template <typename Unit, typename F> double timeOnce(F&& f)
 }
 
 // A camera-sized 2592 x 1944 picture with detail everywhere, 8-bit grey or RGB.
-inline QImage cameraPattern(bool grey)
+inline QImage makeCameraPattern(bool grey)
 {
     QImage img(2592, 1944, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
     for (int y = 0; y < img.height(); ++y) {
@@ -53,6 +55,22 @@ inline QImage cameraPattern(bool grey)
         }
     }
     return img;
+}
+
+// The pattern of each kind, made once.
+inline const QImage& cameraPattern(bool grey)
+{
+    static const QImage greyImage = makeCameraPattern(true), rgbImage = makeCameraPattern(false);
+    return grey ? greyImage : rgbImage;
+}
+
+// The image view's maths for `image` in a 1024 x 768 view at `zoom` %, scrolled to the middle.
+inline void viewTheMiddle(ViewMaths& maths, QSize image, float zoom)
+{
+    maths.setUsableArea(QSize(1024, 768));
+    maths.setImageSize(image);
+    maths.setZoom(zoom);
+    maths.setScrollPosition(maths.scrollMaximum() / 2);
 }
 
 } // namespace nxr::bench
