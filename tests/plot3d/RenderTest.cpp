@@ -89,6 +89,14 @@ struct Shown
     }
 };
 
+// A mouse event the test helpers do not make: moves with buttons held, a second button pressed.
+void sendMouse(QWidget* w, QEvent::Type type, QPointF at, Qt::MouseButton button, Qt::MouseButtons held,
+               Qt::KeyboardModifiers mods = {})
+{
+    QMouseEvent e(type, at, w->mapToGlobal(at), button, held, mods);
+    QCoreApplication::sendEvent(w, &e);
+}
+
 int countPixels(const QImage& img, QPoint centre, int half, const std::function<bool(QRgb)>& match)
 {
     int n = 0;
@@ -308,18 +316,14 @@ TEST(Plot3DRender, MouseTurnsMovesZoomsAndRecentres)
     s.plot->SetProperty("Elevation", "0");
     QTest::mousePress(gl, Qt::RightButton, {}, QPoint(100, 200));
     EXPECT_EQ(s.plot->GetProperty("MouseMode"), "1");
-    QMouseEvent move(QEvent::MouseMove, QPointF(100 + h / 4, 200), gl->mapToGlobal(QPointF(100 + h / 4, 200)),
-                     Qt::NoButton, Qt::RightButton, {});
-    QCoreApplication::sendEvent(gl, &move);
+    sendMouse(gl, QEvent::MouseMove, QPointF(100 + h / 4, 200), Qt::NoButton, Qt::RightButton);
     QTest::mouseRelease(gl, Qt::RightButton, {}, QPoint(100 + h / 4, 200));
     EXPECT_NEAR(s.plot->GetProperty("Azimuth").toDouble(), (h / 4) * 180.0 / h, 1e-9);
 
     // Pan with Ctrl and the right button.
     QTest::mousePress(gl, Qt::RightButton, Qt::ControlModifier, QPoint(100, 100));
     EXPECT_EQ(s.plot->GetProperty("MouseMode"), "2");
-    QMouseEvent pan(QEvent::MouseMove, QPointF(110, 100), gl->mapToGlobal(QPointF(110, 100)), Qt::NoButton,
-                    Qt::RightButton, Qt::ControlModifier);
-    QCoreApplication::sendEvent(gl, &pan);
+    sendMouse(gl, QEvent::MouseMove, QPointF(110, 100), Qt::NoButton, Qt::RightButton, Qt::ControlModifier);
     QTest::mouseRelease(gl, Qt::RightButton, Qt::ControlModifier, QPoint(110, 100));
     EXPECT_GT(s.plot->GetProperty("PanX").toDouble(), 0);
 
@@ -327,25 +331,21 @@ TEST(Plot3DRender, MouseTurnsMovesZoomsAndRecentres)
     const double r = s.plot->scene().radius();
     const double eye0 = s.plot->view().projection(r, 1, 1).eyeDistance;
     QTest::mousePress(gl, Qt::LeftButton, {}, QPoint(100, 100));
-    QMouseEvent both(QEvent::MouseButtonPress, QPointF(100, 100), gl->mapToGlobal(QPointF(100, 100)),
-                     Qt::RightButton, Qt::LeftButton | Qt::RightButton, {});
-    QCoreApplication::sendEvent(gl, &both);
+    sendMouse(gl, QEvent::MouseButtonPress, QPointF(100, 100), Qt::RightButton,
+              Qt::LeftButton | Qt::RightButton);
     EXPECT_EQ(s.plot->GetProperty("MouseMode"), "3");
-    QMouseEvent up(QEvent::MouseMove, QPointF(100, 90), gl->mapToGlobal(QPointF(100, 90)), Qt::NoButton,
-                   Qt::LeftButton | Qt::RightButton, {});
-    QCoreApplication::sendEvent(gl, &up);
+    sendMouse(gl, QEvent::MouseMove, QPointF(100, 90), Qt::NoButton, Qt::LeftButton | Qt::RightButton);
     EXPECT_NEAR(s.plot->view().projection(r, 1, 1).eyeDistance, eye0 * std::pow(0.98, 10), 1e-6);
     QTest::mouseRelease(gl, Qt::RightButton, {}, QPoint(100, 90));
     QTest::mouseRelease(gl, Qt::LeftButton, {}, QPoint(100, 90));
     EXPECT_EQ(s.plot->GetProperty("MouseMode"), "0");
 
     // The wheel zooms in.
-    const double before = s.plot->view().projection(s.plot->scene().radius(), 1, 1).eyeDistance;
+    const double before = s.plot->view().projection(r, 1, 1).eyeDistance;
     QWheelEvent wheel(QPointF(50, 50), gl->mapToGlobal(QPointF(50, 50)), QPoint(), QPoint(0, 120),
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(gl, &wheel);
-    EXPECT_NEAR(s.plot->view().projection(s.plot->scene().radius(), 1, 1).eyeDistance,
-                before * std::pow(0.98, 5), 1e-6);
+    EXPECT_NEAR(s.plot->view().projection(r, 1, 1).eyeDistance, before * std::pow(0.98, 5), 1e-6);
 
     // A double click on a calibration point turns the view about it.
     s.grab();
