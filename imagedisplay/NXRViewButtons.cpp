@@ -2,6 +2,7 @@
 
 #include "frame/ClassRegistry.h"
 #include "frame/Globals.h"
+#include "frame/SettingKeys.h"
 #include "frame/Trace.h"
 #include "imagedisplay/ViewButtonIcons.h"
 
@@ -126,12 +127,7 @@ QAbstractButton* NXRViewButtons::buttonControl(int button) const
 
 template <typename Body> void NXRViewButtons::applying(const QString& key, Body&& body)
 {
-    try {
-        body();
-    } catch (const Failure& f) {
-        core().reportError(kSetProperty, QStringLiteral("Error setting ") + key +
-                                             QStringLiteral(" property: ") + f.description());
-    }
+    nxr::applySettingKey(core(), key, std::forward<Body>(body));
 }
 
 bool NXRViewButtons::parseButtonValue(const QString& key, const QString& value, int* button, bool* flag)
@@ -183,7 +179,7 @@ bool NXRViewButtons::visibleFlag(int button) const
 void NXRViewButtons::addKeys()
 {
     auto boolKey = [this](const QString& key, std::function<void(bool)> apply) {
-        return [this, key, apply](const QString& v) { applying(key, [&] { apply(nxr::toBool(v)); }); };
+        return nxr::boolSettingKey(core(), key, std::move(apply));
     };
     auto buttonKey = [this](const QString& key, void (NXRViewButtons::*apply)(int, bool)) {
         return [this, key, apply](const QString& v) {
@@ -219,20 +215,10 @@ void NXRViewButtons::addKeys()
             QStringLiteral("LaserOn"),
             [this](const QString& v) { buttonControl(vvb_LaserOn)->setChecked(v == QLatin1String("True")); },
             [this] { return fromBool(buttonControl(vvb_LaserOn)->isChecked()); })
-        .addWriteOnly(QStringLiteral("HourglassCursor"), boolKey(QStringLiteral("HourglassCursor"),
-                                                                 [this](bool on) {
-                                                                     if (on)
-                                                                         setCursor(Qt::WaitCursor);
-                                                                     else
-                                                                         unsetCursor();
-                                                                 }))
-        .addWriteOnly(QStringLiteral("ProgressCursor"), boolKey(QStringLiteral("ProgressCursor"),
-                                                                [this](bool on) {
-                                                                    if (on)
-                                                                        setCursor(Qt::BusyCursor);
-                                                                    else
-                                                                        unsetCursor();
-                                                                }))
+        .addWriteOnly(QStringLiteral("HourglassCursor"),
+                      nxr::cursorSettingKey(core(), *this, QStringLiteral("HourglassCursor"), Qt::WaitCursor))
+        .addWriteOnly(QStringLiteral("ProgressCursor"),
+                      nxr::cursorSettingKey(core(), *this, QStringLiteral("ProgressCursor"), Qt::BusyCursor))
         .add(
             QStringLiteral("ActiveMouseCursor"),
             [this](const QString& v) {

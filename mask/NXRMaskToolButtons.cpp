@@ -2,6 +2,7 @@
 
 #include "frame/ClassRegistry.h"
 #include "frame/Globals.h"
+#include "frame/SettingKeys.h"
 #include "frame/Trace.h"
 #include "mask/MaskToolIcons.h"
 
@@ -226,12 +227,7 @@ void NXRMaskToolButtons::applyBackColor(qint32 color)
 
 template <typename Body> void NXRMaskToolButtons::applying(const QString& key, Body&& body)
 {
-    try {
-        body();
-    } catch (const Failure& f) {
-        core().reportError(kSetProperty, QStringLiteral("Error setting ") + key +
-                                             QStringLiteral(" property: ") + f.description());
-    }
+    nxr::applySettingKey(core(), key, std::forward<Body>(body));
 }
 
 void NXRMaskToolButtons::setCommandEnabled(const QString& value)
@@ -261,7 +257,7 @@ void NXRMaskToolButtons::setCommandEnabled(const QString& value)
 void NXRMaskToolButtons::addKeys()
 {
     auto boolKey = [this](const QString& key, std::function<void(bool)> apply) {
-        return [this, key, apply](const QString& v) { applying(key, [&] { apply(nxr::toBool(v)); }); };
+        return nxr::boolSettingKey(core(), key, std::move(apply));
     };
     properties()
         .addWriteOnly(QStringLiteral("BackColor"),
@@ -277,20 +273,10 @@ void NXRMaskToolButtons::addKeys()
                                   for (QAbstractButton* b : m_sizeButtons)
                                       b->setEnabled(on);
                               }))
-        .addWriteOnly(QStringLiteral("HourglassCursor"), boolKey(QStringLiteral("HourglassCursor"),
-                                                                 [this](bool on) {
-                                                                     if (on)
-                                                                         setCursor(Qt::WaitCursor);
-                                                                     else
-                                                                         unsetCursor();
-                                                                 }))
-        .addWriteOnly(QStringLiteral("ProgressCursor"), boolKey(QStringLiteral("ProgressCursor"),
-                                                                [this](bool on) {
-                                                                    if (on)
-                                                                        setCursor(Qt::BusyCursor);
-                                                                    else
-                                                                        unsetCursor();
-                                                                }))
+        .addWriteOnly(QStringLiteral("HourglassCursor"),
+                      nxr::cursorSettingKey(core(), *this, QStringLiteral("HourglassCursor"), Qt::WaitCursor))
+        .addWriteOnly(QStringLiteral("ProgressCursor"),
+                      nxr::cursorSettingKey(core(), *this, QStringLiteral("ProgressCursor"), Qt::BusyCursor))
         .addReadOnly(QStringLiteral("SelectedTool"), [this] { return QString::number(selectedTool()); })
         .addReadOnly(QStringLiteral("SelectedToolSize"),
                      [this] { return QString::number(selectedToolSize()); })

@@ -9,6 +9,12 @@ double radians(double degrees)
 {
     return degrees * std::numbers::pi / 180.0;
 }
+
+// One row of m times (p, w): w = 1 for a point, 0 for a direction.
+double rowTimes(const Mat4& m, int row, const Vec3& p, double w)
+{
+    return m.at(row, 0) * p.x + m.at(row, 1) * p.y + m.at(row, 2) * p.z + m.at(row, 3) * w;
+}
 } // namespace
 
 Vec3 operator+(const Vec3& a, const Vec3& b)
@@ -45,37 +51,33 @@ Mat4 Mat4::translation(double x, double y, double z)
     return t;
 }
 
-Mat4 Mat4::rotationX(double degrees)
+namespace {
+// A turn of `degrees` that carries axis i towards axis j (right-handed for (1,2), (2,0), (0,1)).
+Mat4 planeRotation(int i, int j, double degrees)
 {
     const double c = std::cos(radians(degrees)), s = std::sin(radians(degrees));
     Mat4 t;
-    t.at(1, 1) = c;
-    t.at(1, 2) = -s;
-    t.at(2, 1) = s;
-    t.at(2, 2) = c;
+    t.at(i, i) = c;
+    t.at(i, j) = -s;
+    t.at(j, i) = s;
+    t.at(j, j) = c;
     return t;
+}
+} // namespace
+
+Mat4 Mat4::rotationX(double degrees)
+{
+    return planeRotation(1, 2, degrees);
 }
 
 Mat4 Mat4::rotationY(double degrees)
 {
-    const double c = std::cos(radians(degrees)), s = std::sin(radians(degrees));
-    Mat4 t;
-    t.at(0, 0) = c;
-    t.at(0, 2) = s;
-    t.at(2, 0) = -s;
-    t.at(2, 2) = c;
-    return t;
+    return planeRotation(2, 0, degrees);
 }
 
 Mat4 Mat4::rotationZ(double degrees)
 {
-    const double c = std::cos(radians(degrees)), s = std::sin(radians(degrees));
-    Mat4 t;
-    t.at(0, 0) = c;
-    t.at(0, 1) = -s;
-    t.at(1, 0) = s;
-    t.at(1, 1) = c;
-    return t;
+    return planeRotation(0, 1, degrees);
 }
 
 Mat4 Mat4::scaling(double s)
@@ -133,18 +135,14 @@ Mat4 Mat4::operator*(const Mat4& o) const
 
 Vec3 Mat4::transformPoint(const Vec3& p) const
 {
-    const double x = at(0, 0) * p.x + at(0, 1) * p.y + at(0, 2) * p.z + at(0, 3);
-    const double y = at(1, 0) * p.x + at(1, 1) * p.y + at(1, 2) * p.z + at(1, 3);
-    const double z = at(2, 0) * p.x + at(2, 1) * p.y + at(2, 2) * p.z + at(2, 3);
-    const double w = at(3, 0) * p.x + at(3, 1) * p.y + at(3, 2) * p.z + at(3, 3);
+    const double x = rowTimes(*this, 0, p, 1), y = rowTimes(*this, 1, p, 1), z = rowTimes(*this, 2, p, 1);
+    const double w = rowTimes(*this, 3, p, 1);
     return w != 0.0 ? Vec3{x / w, y / w, z / w} : Vec3{x, y, z};
 }
 
 Vec3 Mat4::transformDirection(const Vec3& d) const
 {
-    return {at(0, 0) * d.x + at(0, 1) * d.y + at(0, 2) * d.z,
-            at(1, 0) * d.x + at(1, 1) * d.y + at(1, 2) * d.z,
-            at(2, 0) * d.x + at(2, 1) * d.y + at(2, 2) * d.z};
+    return {rowTimes(*this, 0, d, 0), rowTimes(*this, 1, d, 0), rowTimes(*this, 2, d, 0)};
 }
 
 Mat4 Mat4::rigidInverse() const
@@ -170,10 +168,8 @@ bool project(const Vec3& point, const Mat4& modelView, const Mat4& projection, i
              int viewportHeight, Vec3* window)
 {
     const Mat4 all = projection * modelView;
-    const double cx = all.at(0, 0) * point.x + all.at(0, 1) * point.y + all.at(0, 2) * point.z + all.at(0, 3);
-    const double cy = all.at(1, 0) * point.x + all.at(1, 1) * point.y + all.at(1, 2) * point.z + all.at(1, 3);
-    const double cz = all.at(2, 0) * point.x + all.at(2, 1) * point.y + all.at(2, 2) * point.z + all.at(2, 3);
-    const double cw = all.at(3, 0) * point.x + all.at(3, 1) * point.y + all.at(3, 2) * point.z + all.at(3, 3);
+    const double cx = rowTimes(all, 0, point, 1), cy = rowTimes(all, 1, point, 1);
+    const double cz = rowTimes(all, 2, point, 1), cw = rowTimes(all, 3, point, 1);
     if (cw <= 0.0)
         return false;
     window->x = (cx / cw * 0.5 + 0.5) * viewportWidth;

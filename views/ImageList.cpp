@@ -35,6 +35,30 @@ void ImageList::add(const QIcon& icon, const QString& key)
     m_icons.insert(stored, icon);
 }
 
+namespace {
+template <typename Source> QString addOrDescribe(ImageList& list, const Source& source, const QString& key)
+{
+    try {
+        list.add(source, key);
+        return QString();
+    } catch (const ImageList::Error& e) {
+        return (e.step == ImageList::Step::Load ? QStringLiteral("Error in LoadPicture: ")
+                                                : QStringLiteral("Error adding ListImage: ")) +
+               e.description;
+    }
+}
+} // namespace
+
+QString ImageList::tryAdd(const QString& path, const QString& key)
+{
+    return addOrDescribe(*this, path, key);
+}
+
+QString ImageList::tryAdd(const QIcon& icon, const QString& key)
+{
+    return addOrDescribe(*this, icon, key);
+}
+
 bool ImageList::contains(const QString& key) const
 {
     return m_icons.contains(Globals::collectionKey(key));

@@ -27,6 +27,9 @@ public:
     void add(const QString& path, const QString& key);
     // Files an icon directly (C++ callers).
     void add(const QIcon& icon, const QString& key);
+    // add() for the views' AddListImage: the error text the page sees, empty on success.
+    QString tryAdd(const QString& path, const QString& key);
+    QString tryAdd(const QIcon& icon, const QString& key);
 
     bool contains(const QString& key) const;
     QIcon icon(const QString& key) const;

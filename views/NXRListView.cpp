@@ -5,6 +5,7 @@
 #include "frame/Trace.h"
 #include "views/ListModel.h"
 #include "views/ListSorting.h"
+#include "views/ViewWidgets.h"
 
 #include <QApplication>
 #include <QHeaderView>
@@ -186,24 +187,14 @@ void NXRListView::AddListImage(const QString& vstrImagePath, const QString& vstr
 {
     NXR_TRACE(kClass, QStringLiteral("AddListImage"),
               QStringLiteral("enter, path=") + vstrImagePath + QStringLiteral(", key=") + vstrImageKey);
-    try {
-        m_images.add(vstrImagePath, vstrImageKey);
-    } catch (const ImageList::Error& e) {
-        core().reportError(QStringLiteral("AddListImage"),
-                           (e.step == ImageList::Step::Load ? QStringLiteral("Error in LoadPicture: ")
-                                                            : QStringLiteral("Error adding ListImage: ")) +
-                               e.description);
-    }
+    if (const QString error = m_images.tryAdd(vstrImagePath, vstrImageKey); !error.isEmpty())
+        core().reportError(QStringLiteral("AddListImage"), error);
 }
 
 void NXRListView::addIcon(const QIcon& icon, const QString& key)
 {
-    try {
-        m_images.add(icon, key);
-    } catch (const ImageList::Error& e) {
-        core().reportError(QStringLiteral("AddListImage"),
-                           QStringLiteral("Error adding ListImage: ") + e.description);
-    }
+    if (const QString error = m_images.tryAdd(icon, key); !error.isEmpty())
+        core().reportError(QStringLiteral("AddListImage"), error);
 }
 
 void NXRListView::AddColumn(const QString& vstr_ColumnHeaderText, int vlng_Position, int vlng_WidthPixels)
@@ -262,14 +253,8 @@ void NXRListView::applyHeaderWidths()
 
 void NXRListView::SetFont(const QString& vstr_FontName, int vlng_FontSize)
 {
-    core().guard(QStringLiteral("SetFont"), [&] {
-        if (vlng_FontSize <= 0)
-            throw Failure(QStringLiteral("Invalid property value"));
-        QFont f = font();
-        f.setFamily(vstr_FontName);
-        f.setPointSize(vlng_FontSize);
-        setFont(f);
-    });
+    core().guard(QStringLiteral("SetFont"),
+                 [&] { nxr::views::applyFont(*this, vstr_FontName, vlng_FontSize); });
 }
 
 void NXRListView::SetListItemColor(const QString& vstr_ListItemName, int vlng_Color)
@@ -295,10 +280,7 @@ void NXRListView::setPxHeight(int value)
 void NXRListView::setHourglassCursor(bool value)
 {
     m_hourglass = value;
-    if (value)
-        setCursor(Qt::WaitCursor);
-    else
-        unsetCursor();
+    nxr::views::applyWaitCursor(*this, value);
 }
 
 // ---- selection and sorting

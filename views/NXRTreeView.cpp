@@ -4,6 +4,7 @@
 #include "frame/Globals.h"
 #include "frame/Trace.h"
 #include "views/ItemColors.h"
+#include "views/ViewWidgets.h"
 
 #include <QApplication>
 #include <QHeaderView>
@@ -257,36 +258,20 @@ void NXRTreeView::AddListImage(const QString& vstrImagePath, const QString& vstr
 {
     NXR_TRACE(kClass, QStringLiteral("AddListImage"),
               QStringLiteral("enter, path=") + vstrImagePath + QStringLiteral(", key=") + vstrImageKey);
-    try {
-        m_images.add(vstrImagePath, vstrImageKey);
-    } catch (const ImageList::Error& e) {
-        core().reportError(QStringLiteral("AddListImage"),
-                           (e.step == ImageList::Step::Load ? QStringLiteral("Error in LoadPicture: ")
-                                                            : QStringLiteral("Error adding ListImage: ")) +
-                               e.description);
-    }
+    if (const QString error = m_images.tryAdd(vstrImagePath, vstrImageKey); !error.isEmpty())
+        core().reportError(QStringLiteral("AddListImage"), error);
 }
 
 void NXRTreeView::addIcon(const QIcon& icon, const QString& key)
 {
-    try {
-        m_images.add(icon, key);
-    } catch (const ImageList::Error& e) {
-        core().reportError(QStringLiteral("AddListImage"),
-                           QStringLiteral("Error adding ListImage: ") + e.description);
-    }
+    if (const QString error = m_images.tryAdd(icon, key); !error.isEmpty())
+        core().reportError(QStringLiteral("AddListImage"), error);
 }
 
 void NXRTreeView::SetFont(const QString& vstr_FontName, int vlng_FontSize)
 {
-    nodeRoutine(QStringLiteral("SetFont"), [&] {
-        if (vlng_FontSize <= 0)
-            throw Failure(QStringLiteral("Invalid property value"));
-        QFont f = font();
-        f.setFamily(vstr_FontName);
-        f.setPointSize(vlng_FontSize);
-        setFont(f);
-    });
+    nodeRoutine(QStringLiteral("SetFont"),
+                [&] { nxr::views::applyFont(*this, vstr_FontName, vlng_FontSize); });
 }
 
 void NXRTreeView::SetNodeColor(const QString& vstr_NodeName, int vlng_Color)
@@ -364,10 +349,7 @@ void NXRTreeView::setPxHeight(int value)
 void NXRTreeView::setHourglassCursor(bool value)
 {
     m_hourglass = value;
-    if (value)
-        setCursor(Qt::WaitCursor);
-    else
-        unsetCursor();
+    nxr::views::applyWaitCursor(*this, value);
 }
 
 void NXRTreeView::setEditableLabels(bool value)

@@ -12,6 +12,7 @@
 //   drawn       items drawn (the rest are outside the view)
 // Outside: the same items all outside the view: the cost of skipping them.
 
+#include "bench/support/BenchSupport.h"
 #include "graphics/OverlayPainter.h"
 #include "imagedisplay/ViewMaths.h"
 
@@ -32,7 +33,8 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using nxr::bench::median;
+using nxr::bench::timeOnce;
 const QSize kImage(2592, 1944);
 const QSize kView(1024, 768);
 const qint32 kColors[] = {0x0000FF, 0x00FF00, 0xFF0000, 0x00FFFF, 0xFF00FF, 0x404040};
@@ -171,26 +173,10 @@ void replay(QPainter& p, const std::vector<Bare>& calls, const QFont& font, doub
     p.restore();
 }
 
-double median(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v[v.size() / 2];
-}
-
-template <typename F> double timeOnce(F&& f)
-{
-    const auto t0 = Clock::now();
-    f();
-    return std::chrono::duration<double, std::micro>(Clock::now() - t0).count();
-}
-
 nxr::ScreenMapping mappingFor(double zoom)
 {
     nxr::ViewMaths maths;
-    maths.setUsableArea(kView);
-    maths.setImageSize(kImage);
-    maths.setZoom(float(zoom));
-    maths.setScrollPosition(maths.scrollMaximum() / 2);
+    nxr::bench::viewTheMiddle(maths, kImage, float(zoom));
     const QSize visible = maths.visibleSize();
     return nxr::ScreenMapping{maths.scale(), QPointF(maths.origin()), 1.0,
                               QRectF(0, 0, visible.width(), visible.height())};
@@ -220,12 +206,12 @@ void Paint(benchmark::State& state)
 
     std::vector<double> overlay, bare;
     for (auto _ : state) {
-        overlay.push_back(timeOnce([&] {
+        overlay.push_back(timeOnce<std::micro>([&] {
             nxr::OverlayPainter op(painter, m, dirty);
             op.paint(items);
             drawn = op.drawnCount();
         }));
-        bare.push_back(timeOnce([&] { replay(painter, calls, font, ascent); }));
+        bare.push_back(timeOnce<std::micro>([&] { replay(painter, calls, font, ascent); }));
     }
     state.counters["overlay_us"] = median(overlay);
     state.counters["bare_us"] = median(bare);
@@ -245,7 +231,7 @@ void Outside(benchmark::State& state)
     std::vector<double> times;
     int drawn = -1;
     for (auto _ : state) {
-        times.push_back(timeOnce([&] {
+        times.push_back(timeOnce<std::micro>([&] {
             nxr::OverlayPainter op(painter, m, QRect(QPoint(0, 0), kView));
             op.paint(items);
             drawn = op.drawnCount();

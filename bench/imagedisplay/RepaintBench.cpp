@@ -12,6 +12,7 @@
 //   first_ms      the first paint of a new bitmap, with whatever it makes once (the reductions,
 //                 a grey bitmap's paint-ready colour copy)
 
+#include "bench/support/BenchSupport.h"
 #include "imagedisplay/RasterRenderer.h"
 #include "imagedisplay/ViewMaths.h"
 
@@ -21,57 +22,21 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <chrono>
 #include <vector>
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-QImage sourceImage(bool grey)
-{
-    QImage img(2592, 1944, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
-    for (int y = 0; y < img.height(); ++y) {
-        if (grey) {
-            uchar* line = img.scanLine(y);
-            for (int x = 0; x < img.width(); ++x)
-                line[x] = uchar((x * 7 + y * 3) ^ (x >> 3));
-        } else {
-            QRgb* line = reinterpret_cast<QRgb*>(img.scanLine(y));
-            for (int x = 0; x < img.width(); ++x)
-                line[x] = qRgb((x * 7) & 255, (y * 5) & 255, (x ^ y) & 255);
-        }
-    }
-    return img;
-}
-
-double median(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v[v.size() / 2];
-}
-
-template <typename F> double timeOnce(F&& f)
-{
-    const auto t0 = Clock::now();
-    f();
-    return std::chrono::duration<double, std::micro>(Clock::now() - t0).count();
-}
+using nxr::bench::median;
+using nxr::bench::timeOnce;
 
 void Repaint(benchmark::State& state)
 {
     const bool grey = state.range(0) == 0;
     const float zoom = float(state.range(1)) / 100.0f;
-    static const QImage greyImage = sourceImage(true);
-    static const QImage rgbImage = sourceImage(false);
-    const QImage& image = grey ? greyImage : rgbImage;
+    const QImage& image = nxr::bench::cameraPattern(grey);
 
     nxr::ViewMaths maths;
-    maths.setUsableArea(QSize(1024, 768));
-    maths.setImageSize(image.size());
-    maths.setZoom(zoom);
-    maths.setScrollPosition(maths.scrollMaximum() / 2);
+    nxr::bench::viewTheMiddle(maths, image.size(), zoom);
     const QRect area(QPoint(0, 0), maths.visibleSize());
     const QRectF source = maths.visibleSourceRect();
     const QRectF dest = maths.toScreen(source);
@@ -80,7 +45,7 @@ void Repaint(benchmark::State& state)
     QPainter painter(&target);
 
     nxr::RasterRenderer renderer;
-    const double reduceMs = timeOnce([&] {
+    const double reduceMs = timeOnce<std::micro>([&] {
                                 renderer.setImage(image);
                                 renderer.level(nxr::RasterRenderer::levelForZoom(zoom));
                             }) /
@@ -88,21 +53,23 @@ void Repaint(benchmark::State& state)
 
     nxr::RasterRenderer fresh;
     fresh.setImage(image);
-    const double firstMs = timeOnce([&] { fresh.paint(painter, area, zoom, maths.origin()); }) / 1000.0;
+    const double firstMs =
+        timeOnce<std::micro>([&] { fresh.paint(painter, area, zoom, maths.origin()); }) / 1000.0;
     const QRect imagePart = dest.toAlignedRect().intersected(area);
     std::vector<double> view, warm, bare, part;
     for (auto _ : state) {
         for (int i = 0; i < 15; ++i) {
-            bare.push_back(timeOnce([&] { painter.drawImage(dest, image, source); }));
-            view.push_back(timeOnce([&] {
+            bare.push_back(timeOnce<std::micro>([&] { painter.drawImage(dest, image, source); }));
+            view.push_back(timeOnce<std::micro>([&] {
                 renderer.discardBuffer();
                 renderer.paint(painter, area, zoom, maths.origin());
             }));
-            part.push_back(timeOnce([&] {
+            part.push_back(timeOnce<std::micro>([&] {
                 renderer.discardBuffer();
                 renderer.paint(painter, imagePart, zoom, maths.origin());
             }));
-            warm.push_back(timeOnce([&] { renderer.paint(painter, area, zoom, maths.origin()); }));
+            warm.push_back(
+                timeOnce<std::micro>([&] { renderer.paint(painter, area, zoom, maths.origin()); }));
         }
     }
     painter.end();

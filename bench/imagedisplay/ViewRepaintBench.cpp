@@ -9,55 +9,24 @@
 //   dirty64_us    the widget repainting a 64 x 64 device-pixel rectangle, with that layer
 //   full_over_dirty  view1_us / dirty64_us
 
+#include "bench/support/BenchSupport.h"
 #include "imagedisplay/RasterRenderer.h"
 #include "imagedisplay/RasterView.h"
 #include "imagedisplay/ViewMaths.h"
 #include "imagedisplay/edit/PaintLayer.h"
 
-#include <QApplication>
 #include <QImage>
 #include <QPainter>
 #include <QPolygonF>
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <chrono>
 #include <vector>
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-QImage sourceImage(bool grey)
-{
-    QImage img(2592, 1944, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
-    for (int y = 0; y < img.height(); ++y) {
-        if (grey) {
-            uchar* line = img.scanLine(y);
-            for (int x = 0; x < img.width(); ++x)
-                line[x] = uchar((x * 7 + y * 3) ^ (x >> 3));
-        } else {
-            QRgb* line = reinterpret_cast<QRgb*>(img.scanLine(y));
-            for (int x = 0; x < img.width(); ++x)
-                line[x] = qRgb((x * 7) & 255, (y * 5) & 255, (x ^ y) & 255);
-        }
-    }
-    return img;
-}
-
-double median(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v[v.size() / 2];
-}
-
-template <typename F> double timeOnce(F&& f)
-{
-    const auto t0 = Clock::now();
-    f();
-    return std::chrono::duration<double, std::micro>(Clock::now() - t0).count();
-}
+using nxr::bench::median;
+using nxr::bench::timeOnce;
 
 class ShapeLayer : public nxr::PaintLayer
 {
@@ -83,15 +52,10 @@ public:
 void ViewRepaint(benchmark::State& state)
 {
     const bool grey = state.range(0) == 0;
-    static const QImage greyImage = sourceImage(true);
-    static const QImage rgbImage = sourceImage(false);
-    const QImage& image = grey ? greyImage : rgbImage;
+    const QImage& image = nxr::bench::cameraPattern(grey);
 
     nxr::ViewMaths maths;
-    maths.setUsableArea(QSize(1024, 768));
-    maths.setImageSize(image.size());
-    maths.setZoom(100.0f);
-    maths.setScrollPosition(maths.scrollMaximum() / 2);
+    nxr::bench::viewTheMiddle(maths, image.size(), 100.0f);
     const QSize size = maths.visibleSize();
 
     nxr::RasterView view;
@@ -114,15 +78,16 @@ void ViewRepaint(benchmark::State& state)
     view.render(&target);
     for (auto _ : state) {
         for (int i = 0; i < 15; ++i) {
-            bare.push_back(timeOnce([&] {
+            bare.push_back(timeOnce<std::micro>([&] {
                 QPainter p(&target);
                 renderer.paint(p, area, maths.zoom(), maths.origin());
             }));
             view.removeLayer(&layer);
-            none.push_back(timeOnce([&] { view.render(&target); }));
+            none.push_back(timeOnce<std::micro>([&] { view.render(&target); }));
             view.addLayer(&layer);
-            one.push_back(timeOnce([&] { view.render(&target); }));
-            part.push_back(timeOnce([&] { view.render(&target, dirty.topLeft(), QRegion(dirty)); }));
+            one.push_back(timeOnce<std::micro>([&] { view.render(&target); }));
+            part.push_back(
+                timeOnce<std::micro>([&] { view.render(&target, dirty.topLeft(), QRegion(dirty)); }));
         }
     }
     state.counters["renderer_us"] = median(bare);
@@ -136,14 +101,3 @@ void ViewRepaint(benchmark::State& state)
 BENCHMARK(ViewRepaint)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(20);
 
 } // namespace
-
-int main(int argc, char** argv)
-{
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

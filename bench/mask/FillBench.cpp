@@ -3,26 +3,17 @@
 // with each; counters: ours_ms, opencv_ms and ratio (ours / opencv).
 
 #include "MaskScenario.h"
+#include "bench/support/BenchSupport.h"
 #include "mask/MaskFill.h"
 
 #include <benchmark/benchmark.h>
 #include <opencv2/imgproc.hpp>
 
 #include <chrono>
-#include <ctime>
 
 namespace {
 
-// Thread CPU time: the machine may be shared, and waiting for a core is not the code's cost.
-struct Clock
-{
-    static std::chrono::nanoseconds now()
-    {
-        timespec t{};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
-        return std::chrono::seconds(t.tv_sec) + std::chrono::nanoseconds(t.tv_nsec);
-    }
-};
+using Clock = nxr::bench::ThreadClock;
 
 void FillAgainstOpenCv(benchmark::State& state)
 {

@@ -4,25 +4,16 @@
 
 #include "HeapMeter.h"
 #include "MaskScenario.h"
+#include "bench/support/BenchSupport.h"
 #include "mask/MaskPainter.h"
 
 #include <benchmark/benchmark.h>
 
 #include <chrono>
-#include <ctime>
 
 namespace {
 
-// Thread CPU time: the machine may be shared, and waiting for a core is not the code's cost.
-struct Clock
-{
-    static std::chrono::nanoseconds now()
-    {
-        timespec t{};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
-        return std::chrono::seconds(t.tv_sec) + std::chrono::nanoseconds(t.tv_nsec);
-    }
-};
+using Clock = nxr::bench::ThreadClock;
 using nxr::MaskEditor;
 namespace bench = nxr::bench;
 

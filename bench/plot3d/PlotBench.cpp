@@ -17,6 +17,7 @@
 //
 // Needs an X display with GLX, for example: xvfb-run -a build/bench/plot3d/plot3d_bench
 
+#include "bench/support/BenchSupport.h"
 #include "plot3d/NXR3DPlot.h"
 #include "plot3d/PlotGLView.h"
 #include "plot3d/SceneRenderer.h"
@@ -44,21 +45,8 @@ using namespace nxr::plot3d;
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using nxr::bench::median;
 constexpr int kWidth = 800, kHeight = 600;
-
-double median(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v[v.size() / 2];
-}
-
-template <typename F> double msOnce(F&& f)
-{
-    const auto t0 = Clock::now();
-    f();
-    return std::chrono::duration<double, std::milli>(Clock::now() - t0).count();
-}
 
 void feedScene(NXR3DPlot& plot)
 {
@@ -179,7 +167,7 @@ struct Fixture
         auto fresh = std::make_unique<SceneRenderer>(PlotGLView::glutAvailable());
         fresh->initialize();
         glFinish();
-        const double ms = msOnce([&] {
+        const double ms = nxr::bench::timeOnce<std::milli>([&] {
             fresh->sync(plot->scene());
             glFinish();
         });
@@ -210,8 +198,8 @@ void RotateRedraw(benchmark::State& state)
     int step = 0;
     for (auto _ : state) {
         for (int i = 0; i < 40; ++i) {
-            bare.push_back(msOnce([&] { f.bareFrame(); }));
-            plot.push_back(msOnce([&] { f.dragFrame(++step); }));
+            bare.push_back(nxr::bench::timeOnce<std::milli>([&] { f.bareFrame(); }));
+            plot.push_back(nxr::bench::timeOnce<std::milli>([&] { f.dragFrame(++step); }));
         }
     }
     QTest::mouseRelease(f.gl, Qt::RightButton, {}, QPoint(200, 300));
@@ -234,7 +222,7 @@ void CompileScene(benchmark::State& state)
     std::vector<double> compile, feed;
     for (auto _ : state) {
         compile.push_back(f.compileOnce());
-        feed.push_back(msOnce([&] {
+        feed.push_back(nxr::bench::timeOnce<std::milli>([&] {
             feedScene(*f.plot);
             f.gl->makeCurrent();
             glFinish();

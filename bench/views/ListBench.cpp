@@ -10,6 +10,7 @@
 // ratio = list_ms / floor_ms, and the parts of the list's time: fill_ms and sort_ms (the sort
 // includes the views' update after it).
 
+#include "bench/support/BenchSupport.h"
 #include "views/NXRListView.h"
 #include "views/NXRTreeView.h"
 
@@ -24,24 +25,14 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ctime>
 #include <random>
 #include <vector>
 
 namespace {
 
-// Processor time of this thread: the machine is shared, and the wall clock would count the time
-// other processes take from it.
-struct Clock
-{
-    using time_point = std::chrono::nanoseconds;
-    static time_point now()
-    {
-        timespec t{};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
-        return std::chrono::seconds(t.tv_sec) + std::chrono::nanoseconds(t.tv_nsec);
-    }
-};
+using Clock = nxr::bench::ThreadClock;
+using nxr::bench::median;
+
 constexpr int kRows = 10000;
 
 struct Row
@@ -68,12 +59,6 @@ const std::vector<Row>& rows()
         return out;
     }();
     return data;
-}
-
-double median(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v[v.size() / 2];
 }
 
 double msSince(Clock::time_point t0)
@@ -234,14 +219,3 @@ void TreeFill(benchmark::State& state)
 BENCHMARK(TreeFill)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 } // namespace
-
-int main(int argc, char** argv)
-{
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

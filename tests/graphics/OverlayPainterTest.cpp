@@ -259,33 +259,25 @@ TEST(OverlayPainter, TextHaloTakesTheContrastColour)
 TEST(OverlayPainter, TextNearTheRightEdgeStaysInside)
 {
     const QRectF visible(0, 0, 200, 150);
+    const auto result = [](const View& v, double x, const QRectF& area) {
+        return paintView(
+            v, [&](OverlayPainter& p) { p.drawText(kRed, x, 40, "Result 12345"); }, QSize(320, 150), area);
+    };
     for (double ratio : {1.0, 1.5}) {
         const View v{100, {0, 0}, ratio};
         for (double x : {150.0, 185.0, 199.0}) {
-            const QImage img = paintView(
-                v, [&](OverlayPainter& p) { p.drawText(kRed, x, 40, "Result 12345"); }, QSize(320, 150),
-                visible);
-            const QRect halo = inkOf(img, qRgb(0, 0, 0));
+            const QRect halo = inkOf(result(v, x, visible), qRgb(0, 0, 0));
             ASSERT_FALSE(halo.isEmpty()) << x;
             EXPECT_LT(halo.right(), 200) << "x " << x << " ratio " << ratio;
             EXPECT_GE(halo.left(), 0);
         }
         // Away from the edge the text is where it was put.
-        const QImage img = paintView(
-            v, [&](OverlayPainter& p) { p.drawText(kRed, 10, 40, "Result 12345"); }, QSize(320, 150),
-            visible);
-        EXPECT_LE(inkOf(img, kRedRgb).left(), int(16 * ratio));
+        EXPECT_LE(inkOf(result(v, 10, visible), kRedRgb).left(), int(16 * ratio));
     }
     // Text whose point lies right of the visible area stays out of view.
-    const QImage beyond = paintView(
-        {100, {0, 0}}, [&](OverlayPainter& p) { p.drawText(kRed, 230, 40, "Result 12345"); }, QSize(320, 150),
-        visible);
-    EXPECT_GE(inkOf(beyond, kRedRgb).left(), 230);
+    EXPECT_GE(inkOf(result({100, {0, 0}}, 230, visible), kRedRgb).left(), 230);
     // Without a visible area the text runs on past 200: the rule above is what moved it.
-    const QImage free = paintView(
-        {100, {0, 0}}, [&](OverlayPainter& p) { p.drawText(kRed, 185, 40, "Result 12345"); },
-        QSize(320, 150));
-    EXPECT_GT(inkOf(free, kRedRgb).right(), 220);
+    EXPECT_GT(inkOf(result({100, {0, 0}}, 185, QRectF()), kRedRgb).right(), 220);
 }
 
 TEST(OverlayPainter, TextIsNinePointsOnTheScreenAtAnyPixelRatio)

@@ -77,7 +77,25 @@ struct Shown
         const qreal dpr = gl()->devicePixelRatioF();
         return QPoint(int(wx), int(vp[3] - 1 - int(wy))) / dpr * dpr;
     }
+    // How many of the display lists first..last exist in the plot's context.
+    int liveLists(GLuint first, GLuint last) const
+    {
+        gl()->makeCurrent();
+        int n = 0;
+        for (GLuint l = first; l <= last; ++l)
+            n += glIsList(l) == GL_TRUE ? 1 : 0;
+        gl()->doneCurrent();
+        return n;
+    }
 };
+
+// A mouse event the test helpers do not make: moves with buttons held, a second button pressed.
+void sendMouse(QWidget* w, QEvent::Type type, QPointF at, Qt::MouseButton button, Qt::MouseButtons held,
+               Qt::KeyboardModifiers mods = {})
+{
+    QMouseEvent e(type, at, w->mapToGlobal(at), button, held, mods);
+    QCoreApplication::sendEvent(w, &e);
+}
 
 int countPixels(const QImage& img, QPoint centre, int half, const std::function<bool(QRgb)>& match)
 {
@@ -145,13 +163,11 @@ TEST(Plot3DRender, StartUpStateAndFixedLists)
     EXPECT_EQ(i, GL_SRC_ALPHA);
     glGetIntegerv(GL_BLEND_DST, &i);
     EXPECT_EQ(i, GL_ONE_MINUS_SRC_ALPHA);
-    // The two ring lists and the font lists 1000..1126 exist; nothing of the scene yet.
-    EXPECT_TRUE(glIsList(1));
-    EXPECT_TRUE(glIsList(2));
-    EXPECT_TRUE(glIsList(1000));
-    EXPECT_TRUE(glIsList(1126));
-    EXPECT_FALSE(glIsList(101));
     s.gl()->doneCurrent();
+    // The two ring lists and the font lists 1000..1126 exist; nothing of the scene yet.
+    EXPECT_EQ(s.liveLists(1, 2), 2);
+    EXPECT_EQ(s.liveLists(1000, 1126), 127);
+    EXPECT_EQ(s.liveLists(101, 600), 0);
 }
 
 TEST(Plot3DRender, ListsAreNumberedFrom101And501AndDroppedWithTheFoundPoints)
@@ -165,23 +181,16 @@ TEST(Plot3DRender, ListsAreNumberedFrom101And501AndDroppedWithTheFoundPoints)
     EXPECT_EQ(r->referenceList(), 112u);
     EXPECT_EQ(r->offsetReferenceList(), 113u);
     EXPECT_EQ(r->labelListCount(), 2);
-    s.gl()->makeCurrent();
-    for (unsigned l = 101; l <= 115; ++l)
-        EXPECT_TRUE(glIsList(l)) << l;
-    EXPECT_FALSE(glIsList(116));
-    EXPECT_TRUE(glIsList(501));
-    EXPECT_TRUE(glIsList(502));
-    EXPECT_FALSE(glIsList(503));
-    s.gl()->doneCurrent();
+    EXPECT_EQ(s.liveLists(101, 115), 15);
+    EXPECT_EQ(s.liveLists(116, 500), 0);
+    EXPECT_EQ(s.liveLists(501, 502), 2);
+    EXPECT_EQ(s.liveLists(503, 600), 0);
 
     s.plot->ClearFoundPoints();
     EXPECT_EQ(s.plot->GetProperty("FoundPointCount"), "0");
     EXPECT_EQ(r->sceneListCount(), 10);
-    s.gl()->makeCurrent();
-    EXPECT_TRUE(glIsList(110));
-    EXPECT_FALSE(glIsList(111));
-    EXPECT_FALSE(glIsList(501));
-    s.gl()->doneCurrent();
+    EXPECT_EQ(s.liveLists(101, 110), 10);
+    EXPECT_EQ(s.liveLists(111, 600), 0);
 
     // New found points compile after the cameras again.
     s.plot->AddFoundPoint(0, 0, 0, 0, 1, 1, 1, 0, 0, 600, 1, 1, -599);
@@ -191,10 +200,8 @@ TEST(Plot3DRender, ListsAreNumberedFrom101And501AndDroppedWithTheFoundPoints)
 
     s.plot->InitializeDrawing();
     EXPECT_EQ(r->sceneListCount(), 0);
-    s.gl()->makeCurrent();
-    EXPECT_FALSE(glIsList(101));
-    EXPECT_TRUE(glIsList(1));
-    s.gl()->doneCurrent();
+    EXPECT_EQ(s.liveLists(101, 600), 0);
+    EXPECT_EQ(s.liveLists(1, 2), 2);
 }
 
 TEST(Plot3DRender, EndingThePlotDeletesEveryList)
@@ -309,18 +316,14 @@ TEST(Plot3DRender, MouseTurnsMovesZoomsAndRecentres)
     s.plot->SetProperty("Elevation", "0");
     QTest::mousePress(gl, Qt::RightButton, {}, QPoint(100, 200));
     EXPECT_EQ(s.plot->GetProperty("MouseMode"), "1");
-    QMouseEvent move(QEvent::MouseMove, QPointF(100 + h / 4, 200), gl->mapToGlobal(QPointF(100 + h / 4, 200)),
-                     Qt::NoButton, Qt::RightButton, {});
-    QCoreApplication::sendEvent(gl, &move);
+    sendMouse(gl, QEvent::MouseMove, QPointF(100 + h / 4, 200), Qt::NoButton, Qt::RightButton);
     QTest::mouseRelease(gl, Qt::RightButton, {}, QPoint(100 + h / 4, 200));
     EXPECT_NEAR(s.plot->GetProperty("Azimuth").toDouble(), (h / 4) * 180.0 / h, 1e-9);
 
     // Pan with Ctrl and the right button.
     QTest::mousePress(gl, Qt::RightButton, Qt::ControlModifier, QPoint(100, 100));
     EXPECT_EQ(s.plot->GetProperty("MouseMode"), "2");
-    QMouseEvent pan(QEvent::MouseMove, QPointF(110, 100), gl->mapToGlobal(QPointF(110, 100)), Qt::NoButton,
-                    Qt::RightButton, Qt::ControlModifier);
-    QCoreApplication::sendEvent(gl, &pan);
+    sendMouse(gl, QEvent::MouseMove, QPointF(110, 100), Qt::NoButton, Qt::RightButton, Qt::ControlModifier);
     QTest::mouseRelease(gl, Qt::RightButton, Qt::ControlModifier, QPoint(110, 100));
     EXPECT_GT(s.plot->GetProperty("PanX").toDouble(), 0);
 
@@ -328,25 +331,21 @@ TEST(Plot3DRender, MouseTurnsMovesZoomsAndRecentres)
     const double r = s.plot->scene().radius();
     const double eye0 = s.plot->view().projection(r, 1, 1).eyeDistance;
     QTest::mousePress(gl, Qt::LeftButton, {}, QPoint(100, 100));
-    QMouseEvent both(QEvent::MouseButtonPress, QPointF(100, 100), gl->mapToGlobal(QPointF(100, 100)),
-                     Qt::RightButton, Qt::LeftButton | Qt::RightButton, {});
-    QCoreApplication::sendEvent(gl, &both);
+    sendMouse(gl, QEvent::MouseButtonPress, QPointF(100, 100), Qt::RightButton,
+              Qt::LeftButton | Qt::RightButton);
     EXPECT_EQ(s.plot->GetProperty("MouseMode"), "3");
-    QMouseEvent up(QEvent::MouseMove, QPointF(100, 90), gl->mapToGlobal(QPointF(100, 90)), Qt::NoButton,
-                   Qt::LeftButton | Qt::RightButton, {});
-    QCoreApplication::sendEvent(gl, &up);
+    sendMouse(gl, QEvent::MouseMove, QPointF(100, 90), Qt::NoButton, Qt::LeftButton | Qt::RightButton);
     EXPECT_NEAR(s.plot->view().projection(r, 1, 1).eyeDistance, eye0 * std::pow(0.98, 10), 1e-6);
     QTest::mouseRelease(gl, Qt::RightButton, {}, QPoint(100, 90));
     QTest::mouseRelease(gl, Qt::LeftButton, {}, QPoint(100, 90));
     EXPECT_EQ(s.plot->GetProperty("MouseMode"), "0");
 
     // The wheel zooms in.
-    const double before = s.plot->view().projection(s.plot->scene().radius(), 1, 1).eyeDistance;
+    const double before = s.plot->view().projection(r, 1, 1).eyeDistance;
     QWheelEvent wheel(QPointF(50, 50), gl->mapToGlobal(QPointF(50, 50)), QPoint(), QPoint(0, 120),
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(gl, &wheel);
-    EXPECT_NEAR(s.plot->view().projection(s.plot->scene().radius(), 1, 1).eyeDistance,
-                before * std::pow(0.98, 5), 1e-6);
+    EXPECT_NEAR(s.plot->view().projection(r, 1, 1).eyeDistance, before * std::pow(0.98, 5), 1e-6);
 
     // A double click on a calibration point turns the view about it.
     s.grab();

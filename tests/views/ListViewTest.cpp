@@ -19,6 +19,8 @@
 #include <memory>
 
 using nxr::test::clickAt;
+using nxr::test::expectEachFails;
+using nxr::test::FailingCall;
 
 namespace {
 
@@ -102,22 +104,14 @@ TEST_F(ListView, EveryFailureReportsItsTextAndLeavesTheListAsItWas)
 {
     QTemporaryDir dir;
     list->AddListImage(nxr::test::writePicture(QDir(dir.path()), "ok.png", Qt::green), "ok");
-    struct Case
-    {
-        std::function<void()> call;
-        QString text;
-    };
-    const Case emptyList[] = {
+    const FailingCall emptyList[] = {
         {[&] { list->SetProperty("SelectedByText", "x"); },
          "Error setting SelectedByText property: No items in ListView (x)"},
     };
-    for (const Case& c : emptyList) {
-        c.call();
-        EXPECT_EQ(list->LastErrorString(), c.text);
-    }
+    expectEachFails(*list, *errors, emptyList, [&] { return list->itemCount(); });
     fillResults();
     list->SetProperty("Selected", "2");
-    const Case cases[] = {
+    const FailingCall cases[] = {
         {[&] { list->AddToList("", "part2"); },
          "Error adding to list: 35602, Key is not unique in collection"},
         {[&] { list->AddToList("", ""); }, "Error adding to list: 35603, Invalid key"},
@@ -160,15 +154,7 @@ TEST_F(ListView, EveryFailureReportsItsTextAndLeavesTheListAsItWas)
         }
         return s << list->GetProperty("NumColumns") << list->GetProperty("View");
     };
-    const QStringList before = snapshot();
-    for (const Case& c : cases) {
-        const int errorsBefore = errors->count();
-        c.call();
-        EXPECT_EQ(list->LastErrorString(), c.text);
-        EXPECT_EQ(list->GetProperty("LastErrorString"), c.text);
-        EXPECT_EQ(errors->count(), errorsBefore + 1) << c.text.toStdString();
-        EXPECT_EQ(snapshot(), before) << c.text.toStdString();
-    }
+    expectEachFails(*list, *errors, cases, snapshot);
 }
 
 TEST_F(ListView, HeaderClicksSortByKindAndToggleDirection)

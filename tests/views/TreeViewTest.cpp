@@ -121,12 +121,9 @@ TEST_F(TreeView, RelationshipsPlaceNodes)
         tree->AddNode(c.relative, c.relationship, "", "N");
         ASSERT_EQ(errors->count(), 0) << tree->LastErrorString().toStdString();
         QStringList order;
-        if (underP) {
-            for (int i = 0; i < item("P")->childCount(); ++i)
-                order << item("P")->child(i)->text(0);
-        } else {
-            for (int i = 0; i < item("P")->childCount(); ++i)
-                order << item("P")->child(i)->text(0);
+        for (int i = 0; i < item("P")->childCount(); ++i)
+            order << item("P")->child(i)->text(0);
+        if (!underP) {
             QTreeWidgetItem* n = item("N");
             ASSERT_EQ(n->parent(), nullptr);
             const int at = tree->treeWidget()->indexOfTopLevelItem(n);
@@ -145,12 +142,7 @@ TEST_F(TreeView, EveryFailureReportsItsTextAndLeavesTheTreeAsItWas)
     tree->SetNodeExpanded("CAMERA", false);
     tree->SetNodeEnabled("TOOLS", false);
     tree->SetProperty("Selected", "12");
-    struct Case
-    {
-        std::function<void()> call;
-        QString text;
-    };
-    const Case cases[] = {
+    const nxr::test::FailingCall cases[] = {
         {[&] { tree->AddNode("", NXRTreeView::tvwChild, "", "NEW"); },
          "Error: no parent defined for child node (NEW)"},
         {[&] { tree->AddNode("NOPE", NXRTreeView::tvwChild, "", "NEW"); },
@@ -186,16 +178,8 @@ TEST_F(TreeView, EveryFailureReportsItsTextAndLeavesTheTreeAsItWas)
          "Error adding ListImage: Key is not unique in collection"},
         {[&] { tree->AddListImage(dir.filePath("folder.png"), ""); }, "Error adding ListImage: Invalid key"},
     };
-    const QStringList before = shape();
-    for (const Case& c : cases) {
-        const int errorsBefore = errors->count();
-        c.call();
-        EXPECT_EQ(tree->LastErrorString(), c.text);
-        EXPECT_EQ(tree->GetProperty("LastErrorString"), c.text);
-        EXPECT_EQ(errors->count(), errorsBefore + 1) << c.text.toStdString();
-        EXPECT_EQ(shape(), before) << c.text.toStdString();
-        EXPECT_EQ(tree->GetProperty("Selected"), "12");
-    }
+    nxr::test::expectEachFails(*tree, *errors, cases,
+                               [&] { return shape() << tree->GetProperty("Selected"); });
     tree->treeWidget()->clearSelection();
     tree->GetProperty("Selected");
     EXPECT_EQ(tree->LastErrorString(), "Error getting Selected property: No node is selected");
