@@ -37,8 +37,7 @@ EditSession::EditSession(QWidget* barParent, Links links) : QObject(barParent), 
     row->addWidget(m_ok);
     row->addWidget(m_cancel);
     m_bar->hide();
-    m_label->setText(
-        Globals::Caption{QT_TRANSLATE_NOOP("Caption", "Finish editing:")}.pick());
+    m_label->setText(Globals::Caption{QT_TRANSLATE_NOOP("Caption", "Finish editing:")}.pick());
     m_ok->setText(Globals::Caption{QT_TRANSLATE_NOOP("Caption", "OK")}.pick());
     m_cancel->setText(Globals::Caption{QT_TRANSLATE_NOOP("Caption", "Cancel")}.pick());
 
