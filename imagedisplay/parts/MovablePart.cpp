@@ -12,7 +12,10 @@
 #include "imagedisplay/edit/EditHost.h"
 #include "imagedisplay/edit/EditSession.h"
 
+#include <QKeyEvent>
 #include <QScreen>
+
+#include <functional>
 
 namespace nxr {
 
@@ -43,6 +46,22 @@ EditorPointer pointerOf(const PointerEvent& e)
     return p;
 }
 
+// Calls `onKey` for each key pressed on the watched widget; a true answer takes the key.
+class KeyFilter : public QObject
+{
+public:
+    explicit KeyFilter(std::function<bool(int)> onKey) : m_onKey(std::move(onKey)) {}
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::KeyPress && m_onKey(static_cast<QKeyEvent*>(event)->key()))
+            return true;
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    std::function<bool(int)> m_onKey;
+};
+
 bool pointerMode(const PointerEvent& e)
 {
     return e.mouseMode == MouseDispatcher::Pointer;
@@ -61,11 +80,24 @@ MovablePart::MovablePart(EditHost& host, NXRImageDisplay& display, clsOverlayCol
         if (m_shapes.isEditing())
             m_shapes.editor().leave();
     });
+    m_keys = std::make_unique<KeyFilter>([this](int key) {
+        if (!m_shapes.isEditing() || m_host.session().editor() != this)
+            return false;
+        if (key == Qt::Key_Return || key == Qt::Key_Enter)
+            m_host.session().accept();
+        else if (key == Qt::Key_Escape)
+            m_host.session().cancel();
+        else
+            return false;
+        return true;
+    });
+    m_display.installEventFilter(m_keys.get());
 }
 
 MovablePart::~MovablePart()
 {
     QObject::disconnect(m_left);
+    m_display.removeEventFilter(m_keys.get());
     if (m_shapes.isEditing())
         m_shapes.finishEdit(false);
     m_host.session().leave(*this);

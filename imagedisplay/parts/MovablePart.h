@@ -7,7 +7,8 @@
 // density given to the editor first, so the grab distance stays 5 screen pixels at every zoom.
 // OK and Cancel end the edit through the session (finishEdit), the window reset button puts the
 // edited shape back, "MinPairWidth" and "MaxPairWidth" set the pair's limits, and the pointer
-// shows what a press would grab (pointer 99, the turning arrow, included).
+// shows what a press would grab (pointer 99, the turning arrow, included). Enter and Escape
+// accept and cancel also when the display itself has the keyboard.
 
 #include "frame/Export.h"
 #include "graphics/MovableHost.h"
@@ -17,6 +18,10 @@
 
 #include <QMetaObject>
 #include <QSize>
+
+#include <memory>
+
+class QObject;
 
 class NXRImageDisplay;
 
@@ -73,6 +78,8 @@ private:
     // The mouse mode the shapes last asked for (given back when an edit ends).
     int m_mode = 1;
     QMetaObject::Connection m_left;
+    // Enter and Escape on the display itself (not only on the image) end a shape's edit.
+    std::unique_ptr<QObject> m_keys;
 };
 
 } // namespace nxr
