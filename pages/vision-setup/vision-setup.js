@@ -320,13 +320,16 @@ function demoRound() {
     showResult(lastResult);
     shot("4-results");
 
-    // Teach the search window: move it by a drag from its middle, keep it with Enter (OK).
+    // Teach the search window: move it by a drag from its middle, keep it with Enter (OK). A pending
+    // timer keeps the host from taking the page for idle while the drag runs the event loop.
+    var keepAlive = setInterval(function () {}, 1000);
     teachSearchWindow();
     var before = windowOnDisplay();
     host.drag(display, display.width / 2, display.height / 2, display.width / 2 + 40, display.height / 2 + 25);
     var moved = windowOnDisplay();
     host.key(display, "Return");
     host.wait(100);
+    clearInterval(keepAlive);
     shot("5-search-window");
     var taught = moved.left > before.left && moved.top > before.top && searchWindow !== null &&
                  searchWindow.left === moved.left && statusLine.text.indexOf("stored on the controller") >= 0;
