@@ -654,6 +654,7 @@ bool NXRFileTransferObject::WriteCachedTextFile(const QString& vstr_CachedFilena
         if (bytes.size() > kMaxCachedText)
             throw Failure(QStringLiteral("text longer than %1 bytes").arg(kMaxCachedText));
         const QString local = localPathFor(QString(), vstr_CachedFilename);
+        nxr::TransferCache::requireRoom(); // the cache's quota holds for a page's texts too
         QDir().mkpath(QFileInfo(local).absolutePath());
         QSaveFile file(local);
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())

@@ -73,7 +73,7 @@ public:
                                       const QString& vstr_FTPPassword);
     // Writes a small text (UTF-8, at most kMaxCachedText bytes) into the cache folder under a plain
     // file name, replacing a file of that name; the page's way to make what UploadCachedFile sends
-    // (settings, results). True when written.
+    // (settings, results); refused once the cache is at its quota. True when written.
     Q_INVOKABLE bool WriteCachedTextFile(const QString& vstr_CachedFilename, const QString& vstr_Text);
     static constexpr int kMaxCachedText = 64 * 1024;
 

@@ -168,6 +168,10 @@ function run() {
         round(zooms[i], 0);
     }
     expect(display.LastErrorString === "", "no error (" + display.LastErrorString + ")");
+    // Script arrays: a text without its X is skipped, and said so.
+    display.DrawTextArray(["a", "b", "c"], [10, 20], [10, 20, 30], [255, 255, 255]);
+    expect(display.LastErrorString.indexOf("Error in DrawTextArray: 1 of 3 texts skipped") === 0,
+           "DrawTextArray with a short X array (" + display.LastErrorString + ")");
     clearInterval(keepAlive);
     if (failures.length > 0) {
         console.log("movable drags FAILED:\n  " + failures.join("\n  "));
