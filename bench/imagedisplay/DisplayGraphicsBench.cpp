@@ -18,6 +18,8 @@
 //     dirty_us    the same move, repainting only what it asked to repaint (the event loop's
 //                 partial update, as on screen)
 //     over_image  move_us / image_us
+//     ev_us       the mouse move alone (hit state, drag, the item replaced, the repaint asked for)
+//     rp_us       a full repaint of the view during the drag alone (image, graphics, handles)
 
 #include "imagedisplay/ImageViewport.h"
 #include "imagedisplay/NXRImageDisplay.h"
@@ -270,7 +272,7 @@ void DragMove(benchmark::State& state)
     };
     send(QEvent::MouseButtonPress, press);
     QApplication::processEvents();
-    std::vector<double> plain, move, dirty;
+    std::vector<double> plain, move, dirty, ev, rp;
     int step = 0;
     for (auto _ : state) {
         for (int i = 0; i < 10; ++i) {
@@ -280,6 +282,8 @@ void DragMove(benchmark::State& state)
                 send(QEvent::MouseMove, to);
                 lead->repaint();
             }));
+            ev.push_back(timeOnce([&] { send(QEvent::MouseMove, press + QPoint(step % 3, 1)); }));
+            rp.push_back(timeOnce([&] { lead->repaint(); }));
             const QPoint back = press + QPoint((++step % 2) ? 3 : -3, (step % 4) < 2 ? 2 : -2);
             dirty.push_back(timeOnce([&] {
                 send(QEvent::MouseMove, back);
@@ -292,6 +296,8 @@ void DragMove(benchmark::State& state)
     state.counters["image_us"] = p;
     state.counters["move_us"] = m;
     state.counters["dirty_us"] = median(dirty);
+    state.counters["ev_us"] = median(ev);
+    state.counters["rp_us"] = median(rp);
     state.counters["over_image"] = m / p;
     state.SetLabel(angle == 0 ? "straight window" : "turned window");
 }
