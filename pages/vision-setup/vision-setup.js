@@ -248,10 +248,12 @@ function restoreSearchWindow() {
     var request = new XMLHttpRequest();
     request.open("GET", controllerUrl("/" + controller.searchWindowPath.replace(":", "").replace(/\\/g, "/")), false);
     request.send();
-    if (request.status !== 200)
+    // A controller answers a missing file with an error page (HTML), not with a failure status.
+    var body = String(request.responseText).trim();
+    if (request.status !== 200 || body.charAt(0) !== "{")
         return;
     try {
-        var w = JSON.parse(String(request.responseText));
+        var w = JSON.parse(body);
         display.SetMovableWindow(w.top, w.left, w.height, w.width, w.angle, true);
         display.ShowMovableWindow(kWindowColour);
         searchWindow = windowOnDisplay();
@@ -315,8 +317,9 @@ function demoRound() {
     display.AbortLiveMode();
     host.wait(300);
     var restored = searchWindow;
-    // The crosshair from the tool bar (its button beside the zoom buttons), and the results.
+    // The crosshair from the tool bar (the button after the zoom buttons), and the results.
     display.ZoomTo(0, 0, display.ImageHeight, display.ImageWidth);
+    host.click(display, 248, 31);
     showResult(lastResult);
     shot("4-results");
 
