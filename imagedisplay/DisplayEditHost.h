@@ -13,6 +13,8 @@ class NXR_EXPORT DisplayEditHost : public EditHost
 {
 public:
     explicit DisplayEditHost(NXRImageDisplay& display) : m_display(display) {}
+    // The display itself, for the display's own adapters (imagedisplay/parts) that need more of it.
+    NXRImageDisplay& display() const { return m_display; }
 
     const ViewMaths& maths() const override;
     double screenPixel() const override;

@@ -153,8 +153,8 @@ void MouseDispatcher::updateCursor(const PointerEvent& e)
     if (!view)
         return;
     if (m_interaction) {
-        if (const std::optional<Qt::CursorShape> shape = m_interaction->cursorAt(e)) {
-            view->setCursor(*shape);
+        if (const std::optional<QCursor> cursor = m_interaction->pointerAt(e)) {
+            view->setCursor(*cursor);
             return;
         }
     }

@@ -10,8 +10,10 @@
 #include "transfer/ListingParser.h"
 #include "transfer/TransferCache.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 
 using nxr::ControllerClient;
 using nxr::Failure;
@@ -641,4 +643,22 @@ bool NXRFileTransferObject::UploadCachedFile(const QString& vstr_FileServer,
         core().reportError(QStringLiteral("UploadCachedFile"), f.text);
     }
     return done;
+}
+
+bool NXRFileTransferObject::WriteCachedTextFile(const QString& vstr_CachedFilename, const QString& vstr_Text)
+{
+    const QString routine = QStringLiteral("WriteCachedTextFile");
+    trace(routine, QStringLiteral("Entered, file=") + vstr_CachedFilename);
+    return core().guardValue(routine, false, [&] {
+        const QByteArray bytes = vstr_Text.toUtf8();
+        if (bytes.size() > kMaxCachedText)
+            throw Failure(QStringLiteral("text longer than %1 bytes").arg(kMaxCachedText));
+        const QString local = localPathFor(QString(), vstr_CachedFilename);
+        nxr::TransferCache::requireRoom(); // the cache's quota holds for a page's texts too
+        QDir().mkpath(QFileInfo(local).absolutePath());
+        QSaveFile file(local);
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+            throw Failure(QStringLiteral("cannot write ") + vstr_CachedFilename);
+        return true;
+    });
 }

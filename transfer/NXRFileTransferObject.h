@@ -71,6 +71,11 @@ public:
     Q_INVOKABLE bool UploadCachedFile(const QString& vstr_FileServer, const QString& vstr_CachedFilename,
                                       const QString& vstr_FilePath, const QString& vstr_FTPUserName,
                                       const QString& vstr_FTPPassword);
+    // Writes a small text (UTF-8, at most kMaxCachedText bytes) into the cache folder under a plain
+    // file name, replacing a file of that name; the page's way to make what UploadCachedFile sends
+    // (settings, results); refused once the cache is at its quota. True when written.
+    Q_INVOKABLE bool WriteCachedTextFile(const QString& vstr_CachedFilename, const QString& vstr_Text);
+    static constexpr int kMaxCachedText = 64 * 1024;
 
     QString VersionID() const;
     void setVersionID(const QString& value);

@@ -11,6 +11,7 @@
 
 #include "frame/Export.h"
 
+#include <QCursor>
 #include <QPointF>
 
 #include <optional>
@@ -53,6 +54,13 @@ public:
     virtual bool key(int /*key*/, Qt::KeyboardModifiers) { return false; }
     // The pointer shape over a point; nothing for the mouse mode's own shape.
     virtual std::optional<Qt::CursorShape> cursorAt(const PointerEvent&) { return std::nullopt; }
+    // The same as a full cursor, for pointers with a picture of their own; by default cursorAt().
+    virtual std::optional<QCursor> pointerAt(const PointerEvent& e)
+    {
+        if (const std::optional<Qt::CursorShape> shape = cursorAt(e))
+            return QCursor(*shape);
+        return std::nullopt;
+    }
     // Before every press: the hit tolerance in image pixels (always 5 screen pixels).
     virtual void setHitTolerance(double /*imagePixels*/) {}
     // Drops a gesture in progress and any hit state: a pan began, the mouse mode changed or the

@@ -167,6 +167,7 @@ void ImageLoader::resetAndShowListImage(bool noWait, bool fit)
         m_core.trace(kShowListImage, QStringLiteral("restore zoom/pan"));
         m_surface.restoreView(oldZoom, oldScroll);
     }
+    emit imageShown();
 
     if (noWait) {
         m_refreshTimer->start(); // repaints and switches repainting back on right after

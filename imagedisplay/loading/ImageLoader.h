@@ -76,6 +76,8 @@ public:
 Q_SIGNALS:
     // The display's zoom changed because a new image of another size was fitted.
     void zoomChanged(float newZoom);
+    // A new image is in the main raster view (before its repaint), with its zoom and scroll set.
+    void imageShown();
 
 private:
     struct Request

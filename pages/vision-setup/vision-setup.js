@@ -20,6 +20,13 @@
 // image opened from the log, the shown image saved to MC: (dialogSavePath=), a screenshot of the
 // dialog at each step.
 //
+// Results: after each picture from the simulator's camera the page asks where the camera drew the
+// flange (/__sim/result) and draws the found rim and bore, the centre cross turned by the part's
+// angle, an arrow to the keyway and a label over the image; the tool bar's crosshair marks the
+// image centre. The search window: "Search window..." lets the operator place and turn it on the
+// image (the status line follows it), OK stores it on the controller (searchWindowPath,
+// MC:\VISION\SEARCHWIN.TXT by default) and the next page load brings it back.
+//
 // With --script-arg check=1 the page checks itself headless: it zooms with the wheel and the
 // tool bar, verifies the display's answers and ends the run with exit code 0 (or 1 and the
 // reason on the console). With a controller as well, the check snaps a picture and runs the mask
@@ -63,7 +70,13 @@ var controller = args.server ? {
     logIndex: args.logIndex ? String(args.logIndex) : "MCV:\\LOG\\INDEX.TXT",
     dialogSavePath: args.dialogSavePath ? String(args.dialogSavePath) : "MC:\\DIALOG.PNG",
     size: args.size ? String(args.size) : "1280x1024",
+    searchWindowPath: args.searchWindowPath ? String(args.searchWindowPath) : "MC:\\VISION\\SEARCHWIN.TXT",
 } : null;
+
+var kRimColour = 0x00FF00, kBoreColour = 0x00FFFF, kKeywayColour = 0xFF8000, kWindowColour = 0x00C0FF;
+var lastResult = null;
+var searchWindow = null; // {top, left, height, width, angle} once placed or restored
+var windowWatch = null;
 
 var zoomEvents = [];
 var pageButtons = [];
@@ -172,6 +185,7 @@ function snap() {
     var before = display.LastErrorString;
     display.LoadImage(controller.server, path, controller.user, controller.password);
     ++frames;
+    requestResult(path);
     if (display.LastErrorString === before || display.GetProperty("LiveMode") === "True") {
         if (display.GetProperty("LiveMode") !== "True" || frames % 25 === 0)
             status((display.GetProperty("LiveMode") === "True" ? "Live: " : "Snapped ") + path + " (" +
@@ -179,6 +193,142 @@ function snap() {
                    display.Zoom.toFixed(1) + "%)");
     }
 }
+
+function controllerUrl(path) {
+    return "http://" + controller.server + ":" + controller.httpPort + path;
+}
+
+// Asks where the camera drew the flange in the picture at `path` and shows it when the answer
+// comes (the request does not wait: in live mode the next picture may be asked for meanwhile).
+function requestResult(path) {
+    if (!controller || args.cameraUrl)
+        return;
+    var request = new XMLHttpRequest();
+    request.onreadystatechange = function () {
+        if (request.readyState !== 4)
+            return;
+        var result = null;
+        if (request.status === 200) {
+            try {
+                result = JSON.parse(String(request.responseText));
+            } catch (e) {
+                result = null;
+            }
+        }
+        showResult(result);
+    };
+    request.open("GET", controllerUrl("/__sim/result?path=" + encodeURIComponent(path)), true);
+    request.send();
+}
+
+// The found part over the picture. The window being edited keeps its place in the graphics, so
+// the list is only emptied outside an edit; the keyed items replace themselves.
+function showResult(result) {
+    lastResult = result;
+    var editing = display.GetProperty("EditingWindow") === "True";
+    if (!editing) {
+        display.ClearGraphics();
+        if (searchWindow)
+            display.ShowMovableWindow(kWindowColour);
+    }
+    if (!result || !result.found) {
+        display.RefreshDisplay();
+        return;
+    }
+    var cx = result.center[0], cy = result.center[1];
+    display.DrawCircle(cx, cy, result.radius, kRimColour, "rim");
+    display.DrawCircle(cx, cy, result.bore_radius, kBoreColour, "bore");
+    display.DrawCross(cx, cy, result.angle, kRimColour, "centre");
+    var k = result.keyway_angle * Math.PI / 180;
+    display.DrawArrow(cx, cy, cx + Math.cos(k) * result.radius * 0.8, cy - Math.sin(k) * result.radius * 0.8,
+                      kKeywayColour, 8, "keyway");
+    if (!editing)
+        display.DrawText("Flange " + result.angle.toFixed(1) + "\u00b0 at " + cx.toFixed(1) + ", " + cy.toFixed(1),
+                         Math.round(cx - result.radius), Math.round(cy - result.radius - 18), kRimColour);
+}
+
+function windowText(w) {
+    return "left " + w.left.toFixed(1) + ", top " + w.top.toFixed(1) + ", " + w.width.toFixed(1) + " x " +
+           w.height.toFixed(1) + ", angle " + w.angle.toFixed(1) + "\u00b0";
+}
+function windowOnDisplay() {
+    return {top: display.MovableWindowTop, left: display.MovableWindowLeft, height: display.MovableWindowHeight,
+            width: display.MovableWindowWidth, angle: display.MovableWindowAngle};
+}
+
+// The search window: placed by the operator, kept on the controller.
+function teachSearchWindow() {
+    if (display.ImageWidth === 0) {
+        status("Take a picture first: the search window is placed on the image");
+        return;
+    }
+    if (!searchWindow)
+        display.SetMovableWindow(display.ImageHeight / 4, display.ImageWidth / 4, display.ImageHeight / 2,
+                                 display.ImageWidth / 2, 0, true);
+    display.ShowMovableWindow(kWindowColour);
+    display.EditMovableWindow();
+    status("Search window: drag it, its edges or the handle on its right edge; OK stores it");
+    windowWatch = setInterval(function () {
+        status("Search window: " + windowText(windowOnDisplay()) + " (OK stores it, Cancel keeps the old one)");
+    }, 100);
+}
+
+display.OnExitMovableWindowEditMode.connect(function (accepted) {
+    if (windowWatch !== null)
+        clearInterval(windowWatch);
+    windowWatch = null;
+    if (!accepted) {
+        status(searchWindow ? "Search window kept: " + windowText(searchWindow) : "No search window");
+        if (!searchWindow)
+            display.MovableWindowVisible = false;
+        return;
+    }
+    searchWindow = windowOnDisplay();
+    storeSearchWindow();
+});
+
+function transferObject() {
+    var transfer = createObject("NXRFileTransferObject");
+    if (args.ftpPort)
+        transfer.FTPPortNo = Number(args.ftpPort);
+    transfer.HTTPPortNo = Number(controller.httpPort);
+    return transfer;
+}
+
+function storeSearchWindow() {
+    if (!controller) {
+        status("Search window: " + windowText(searchWindow) + " (no controller to keep it)");
+        return;
+    }
+    var transfer = transferObject();
+    var ok = transfer.WriteCachedTextFile("searchwin.txt", JSON.stringify(searchWindow)) &&
+             transfer.UploadCachedFile(controller.server, "searchwin.txt", controller.searchWindowPath,
+                                       controller.user, controller.password);
+    status(ok ? "Search window stored on the controller: " + windowText(searchWindow)
+              : "Error: the search window was not stored: " + transfer.LastErrorString);
+}
+
+// The search window the controller keeps, shown from the start.
+function restoreSearchWindow() {
+    var request = new XMLHttpRequest();
+    request.open("GET", controllerUrl("/" + controller.searchWindowPath.replace(":", "").replace(/\\/g, "/")), false);
+    request.send();
+    // A controller answers a missing file with an error page (HTML), not with a failure status.
+    var body = String(request.responseText).trim();
+    if (request.status !== 200 || body.charAt(0) !== "{")
+        return;
+    try {
+        var w = JSON.parse(body);
+        display.SetMovableWindow(w.top, w.left, w.height, w.width, w.angle, true);
+        display.ShowMovableWindow(kWindowColour);
+        searchWindow = windowOnDisplay();
+        console.log("search window restored: " + windowText(searchWindow));
+    } catch (e) {
+        console.warn("the stored search window is not readable: " + e);
+    }
+}
+
+teachButton.clicked.connect(teachSearchWindow);
 
 function save() {
     var before = display.LastErrorString;
@@ -195,6 +345,7 @@ if (controller) {
         display.SetProperty("FTPPortNo", String(args.ftpPort));
     display.SetProperty("HTTPPortNo", controller.httpPort);
     status("Controller " + controller.server + ": Snap takes a picture, Live streams them");
+    restoreSearchWindow();
 } else {
     display.LoadLocalImage(sampleImagePath());
 }
@@ -234,10 +385,10 @@ function maskRound() {
     host.drag(display, w * 0.25, h * 0.40, w * 0.45, h * 0.42);
     host.drag(display, w * 0.25, h * 0.60, w * 0.45, h * 0.62);
     host.wait(100);
-    shot("5-mask-painted");
+    shot("7-mask-painted");
     host.key(display, "Ctrl+Z");
     host.wait(100);
-    shot("6-mask-undone");
+    shot("8-mask-undone");
     host.key(display, "Return");
     host.wait(200);
     if (exits.length !== 1 || exits[0] !== -1)
@@ -254,7 +405,7 @@ function maskRound() {
         problems.push("no upload of " + maskPath + " in the controller's log");
     display.ShowMask = 1;
     host.wait(100);
-    shot("7-mask-shown");
+    shot("9-mask-shown");
     status(problems.length ? "Mask round: " + problems.join("; ") : "The mask went back to the controller as " + maskPath);
     return problems;
 }
@@ -294,12 +445,35 @@ function demoRound() {
     // End live mode (the operator presses Snap, which ends it once the running load is done).
     display.AbortLiveMode();
     host.wait(300);
+    var restored = searchWindow;
+    // The crosshair from the tool bar (the button after the zoom buttons), and the results.
+    display.ZoomTo(0, 0, display.ImageHeight, display.ImageWidth);
+    host.click(display, 248, 31);
+    showResult(lastResult);
+    shot("4-results");
+
+    // Teach the search window: move it by a drag from its middle, keep it with Enter (OK). A pending
+    // timer keeps the host from taking the page for idle while the drag runs the event loop.
+    var keepAlive = setInterval(function () {}, 1000);
+    teachSearchWindow();
+    var before = windowOnDisplay();
+    host.drag(display, display.width / 2, display.height / 2, display.width / 2 + 40, display.height / 2 + 25);
+    var moved = windowOnDisplay();
+    host.key(display, "Return");
+    host.wait(100);
+    clearInterval(keepAlive);
+    shot("5-search-window");
+    var taught = moved.left > before.left && moved.top > before.top && searchWindow !== null &&
+                 searchWindow.left === moved.left && statusLine.text.indexOf("stored on the controller") >= 0;
+    console.log("search window " + (taught ? "stored" : "NOT stored") + ": " + windowText(windowOnDisplay()) +
+                (restored ? " (restored at load: " + windowText(restored) + ")" : ""));
     save();
     host.wait(100);
-    shot("4-saved");
+    shot("6-saved");
     var saved = display.LastErrorString === "";
     var maskProblems = maskRound();
-    var ok = liveFrames > 3 && display.GetProperty("LiveMode") === "False" && saved && maskProblems.length === 0;
+    var ok = liveFrames > 3 && taught && lastResult !== null && display.GetProperty("LiveMode") === "False" &&
+             saved && maskProblems.length === 0;
     console.log("vision-setup demo " + (ok ? "done" : "FAILED") + ": " + liveFrames + " pictures, last error '" +
                 display.LastErrorString + "'" + (maskProblems.length ? ", mask: " + maskProblems.join("; ") : ""));
     console.log("screenshots: " + shots.join(", "));

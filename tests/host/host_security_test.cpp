@@ -400,7 +400,8 @@ console.log("told " + (t.LastErrorString.indexOf("127.0.0.2 is not a trusted con
                                       90000, QStringLiteral(NEXARO_PAGE));
     EXPECT_RUN(vision, 0);
     EXPECT_TRUE(vision.out.contains("vision-setup demo done")) << qPrintable(vision.out);
-    for (const char* name : {"1-snap", "2-live-zoomed", "3-live-panned", "4-saved"})
+    for (const char* name :
+         {"1-snap", "2-live-zoomed", "3-live-panned", "4-results", "5-search-window", "6-saved"})
         EXPECT_FALSE(QImage(shots + QString("/vision-setup-%1.png").arg(name)).isNull()) << name;
     EXPECT_FALSE(QImage::fromData(sim.readFile("MC:\\CAMERA\\SAVED.PNG")).isNull());
 }

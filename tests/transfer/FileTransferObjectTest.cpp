@@ -7,6 +7,7 @@
 #include "transfer/NXRFileTransferObject.h"
 #include "transfer/TransferCache.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTimer>
@@ -394,6 +395,18 @@ TEST_F(FileTransferObjectTest, ScriptMembersReportInsteadOfThrowing)
         << o.LastErrorString().toStdString();
     EXPECT_EQ(errors.count(), 3);
     EXPECT_TRUE(sim->readFile("TD:\\X.TXT").isEmpty());
+
+    // A page's own text goes into the cache under a plain name only, and at most 64 KiB of it.
+    EXPECT_TRUE(
+        o.WriteCachedTextFile("settings.txt", QString::fromUtf8("{\"angle\": 12.5, \"name\": \"\u00e9\"}")));
+    EXPECT_TRUE(uploadCached("settings.txt", "TD:\\SETTINGS.TXT"));
+    EXPECT_EQ(QString::fromUtf8(sim->readFile("TD:\\SETTINGS.TXT")),
+              QString::fromUtf8("{\"angle\": 12.5, \"name\": \"\u00e9\"}"));
+    EXPECT_FALSE(o.WriteCachedTextFile("../escape.txt", "x"));
+    EXPECT_TRUE(o.LastErrorString().startsWith("Error in WriteCachedTextFile: Invalid local file name"));
+    EXPECT_FALSE(o.WriteCachedTextFile("big.txt", QString(NXRFileTransferObject::kMaxCachedText + 1, 'x')));
+    EXPECT_FALSE(QFileInfo::exists(o.localPathFor(QString(), "big.txt")));
+    EXPECT_EQ(errors.count(), 5);
 }
 
 TEST_F(FileTransferObjectTest, MembersThatNeedNoSession)
