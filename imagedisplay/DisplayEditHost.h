@@ -29,9 +29,6 @@ public:
     void raiseEvent(const char* eventName, int value) override;
     void reportError(const QString& routine, const QString& text) override;
 
-    // For the display's own adapters in imagedisplay/parts (never for other subsystems).
-    NXRImageDisplay& display() const { return m_display; }
-
 private:
     NXRImageDisplay& m_display;
 };
