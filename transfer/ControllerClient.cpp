@@ -1,5 +1,6 @@
 #include "transfer/ControllerClient.h"
 
+#include "frame/SyncCall.h"
 #include "frame/Trace.h"
 
 #include <QAbstractSocket>
@@ -420,10 +421,25 @@ void ControllerClient::run(Transfer& t, int& busy)
     m_active.insert(&t);
     updateKick();
     if (!t.done) {
+        // The objects whose routines wait for this transfer: when one of them is destroyed, the
+        // transfer ends at once and the call unwinds without touching it.
+        QList<QMetaObject::Connection> watches;
+        for (const QPointer<QObject>& owner : CallEntry::chain()) {
+            if (owner)
+                watches.append(connect(owner, &QObject::destroyed, this,
+                                       [this, &t] { cancel(t, "The calling object was destroyed"); }));
+        }
+        NestedWait wait;
         QEventLoop loop;
         t.loop = &loop;
         loop.exec();
         t.loop = nullptr;
+        for (const QMetaObject::Connection& c : watches)
+            disconnect(c);
+        // The loop was ended from outside (the application is quitting): the transfer ends here,
+        // with an error, and leaves nothing behind in the transfer library.
+        if (!t.done)
+            cancel(t, "The transfer was cancelled");
     }
     busy = qMax(0, busy - 1);
     if (m_closeWhenIdle && m_active.empty())
@@ -431,6 +447,23 @@ void ControllerClient::run(Transfer& t, int& busy)
             if (keep->m_closeWhenIdle && keep->m_active.empty())
                 keep->CloseConnections();
         });
+    if (CallEntry::chainBroken())
+        throw CallAbandoned{};
+}
+
+void ControllerClient::cancel(Transfer& t, const char* why)
+{
+    if (t.done)
+        return;
+    if (m_multi && m_active.count(&t))
+        curl_multi_remove_handle(static_cast<CURLM*>(m_multi), t.easy);
+    m_active.erase(&t);
+    t.code = CURLE_ABORTED_BY_CALLBACK;
+    qstrncpy(t.errorBuffer, why, sizeof t.errorBuffer);
+    t.done = true;
+    if (t.loop)
+        t.loop->quit();
+    updateKick();
 }
 
 void ControllerClient::closeWhenIdle()

@@ -128,6 +128,7 @@ private:
     void abortAll();
     void* newEasy(Transfer& t, const Session& session, bool ftp, const QString& url);
     void run(Transfer& t, int& busy);
+    void cancel(Transfer& t, const char* why);
     [[noreturn]] void fail(const Transfer& t, const Session& session, bool ftp) const;
     void finish(Transfer& t, Session& session, bool ftp);
     void download(Session& session, bool ftp, const QString& url, const QString& localPath, int overwrite);
