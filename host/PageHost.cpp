@@ -1,5 +1,6 @@
 #include "host/PageHost.h"
 
+#include "frame/SyncCall.h"
 #include "host/FormLoader.h"
 #include "host/HostAutomation.h"
 #include "host/PageSource.h"
@@ -285,7 +286,7 @@ void PageHost::note(const QString& text)
 bool PageHost::isIdle() const
 {
     return m_scriptsDone && !m_timers->hasPending() && m_network.requestsInFlight() == 0 &&
-           m_automation->waitDepth() == 0;
+           m_automation->waitDepth() == 0 && NestedWait::depth() == 0; // a call in progress is activity
 }
 
 void PageHost::checkIdle()

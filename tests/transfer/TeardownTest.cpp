@@ -114,3 +114,17 @@ TEST_F(TeardownTest, EndingTheRunDuringACallEndsCleanly)
         EXPECT_FALSE(run.out.contains("copied true"));
     }
 }
+
+// A headless run waits for a call that is still moving data, however long it takes.
+TEST_F(TeardownTest, HeadlessRunWaitsForACallInProgress)
+{
+    ASSERT_TRUE(sim.setFault("rate", 100000)); // the 640x480 image takes well over a second
+    PageRunner pages;
+    const QByteArray form = PageRunner::form(320, 240, "");
+    // The call starts from a timer, after the page's scripts have run.
+    const PageRun run =
+        pages.runPage("slow", form, "setTimeout(function () {" + kCopyScript + "}, 0);", pageArgs());
+    EXPECT_FALSE(run.crashed) << run.err.toStdString();
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.out.contains("copied true")) << run.out.toStdString() << run.err.toStdString();
+}
