@@ -82,6 +82,8 @@ struct ControllerClient::Transfer
     QByteArray trackedReply;
     bool trackedSent = false;
     long responseCode = 0;
+    curl_off_t announcedBytes = -1; // the length the server announced, -1 when it announced none
+    curl_off_t receivedBytes = 0;
     curl_socket_t activeSocket = CURL_SOCKET_BAD;
     curl_slist* quote = nullptr;
 
@@ -506,6 +508,8 @@ void ControllerClient::processDone()
         if (curl_easy_getinfo(t->easy, CURLINFO_ACTIVESOCKET, &active) == CURLE_OK)
             t->activeSocket = active;
         curl_easy_getinfo(t->easy, CURLINFO_RESPONSE_CODE, &t->responseCode);
+        curl_easy_getinfo(t->easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &t->announcedBytes);
+        curl_easy_getinfo(t->easy, CURLINFO_SIZE_DOWNLOAD_T, &t->receivedBytes);
         curl_multi_remove_handle(static_cast<CURLM*>(m_multi), t->easy);
         m_active.erase(t);
         t->done = true;
@@ -727,6 +731,15 @@ void ControllerClient::download(Session& session, bool ftp, const QString& url, 
         if (!ftp)
             curl_easy_setopt(t.easy, CURLOPT_FAILONERROR, 1L);
         run(t, ftp ? m_busyFtp : m_busyHttp);
+        if (!ftp && t.code == CURLE_OK) {
+            // Only a success answer carries the file: a redirect or any other answer is a failed
+            // download (redirects are not followed, not even on the same controller, whose
+            // files are served where their paths say), and so is a body shorter than announced.
+            if (t.responseCode < 200 || t.responseCode > 299)
+                t.code = CURLE_HTTP_RETURNED_ERROR;
+            else if (t.announcedBytes >= 0 && t.receivedBytes != t.announcedBytes)
+                t.code = CURLE_PARTIAL_FILE;
+        }
         ok = t.code == CURLE_OK;
         if (::close(fd) != 0 && ok) {
             ok = false;

@@ -93,8 +93,9 @@ public:
     long HttpState();
     // Opens the HTTP session (one HEAD request; any HTTP answer counts).
     void HttpConnect(const QString& host, const QString& user, const QString& password, quint16 port);
-    // Downloads a URL path ("/MC/A/B.PNG") by HTTP; an HTTP error status is an error. The local
-    // file appears complete or not at all.
+    // Downloads a URL path ("/MC/A/B.PNG") by HTTP. Any answer but a success (2xx) is an error,
+    // redirects included (they are not followed), and so is a body shorter than its announced
+    // length. The local file appears complete or not at all.
     void HttpGetFile(const QString& remoteUrlPath, const QString& localPath, int overwrite = -1);
 
     void setProbePorts(quint16 ftpPort, quint16 httpPort);
