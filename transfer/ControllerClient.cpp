@@ -287,6 +287,17 @@ ControllerClient::~ControllerClient()
     resetMulti();
 }
 
+void ControllerClient::checkLength(const QString& text, const char* what)
+{
+    const qsizetype bytes = text.toUtf8().size();
+    if (bytes > kMaxLineBytes)
+        throw TransferError(CURLE_URL_MALFORMAT,
+                            QStringLiteral("Refused: the %1 is too long (%2 bytes; at most %3)")
+                                .arg(QLatin1String(what))
+                                .arg(bytes)
+                                .arg(kMaxLineBytes));
+}
+
 void ControllerClient::checkLine(const QString& text, const char* what)
 {
     for (const QChar c : text) {
@@ -567,8 +578,11 @@ void ControllerClient::fail(const Transfer& t, const Session& session, bool ftp)
     QString text;
     const QByteArray reply = !t.trackedReply.isEmpty() ? t.trackedReply : t.lastReply;
     const int replyCode = reply.left(3).toInt();
-    if (ftp && replyCode >= 400 && t.code != CURLE_OPERATION_TIMEDOUT &&
-        t.code != CURLE_ABORTED_BY_CALLBACK) {
+    // The transfer library reports a 421 ("closing the connection") as a timeout; that reply,
+    // like any refusal that ended the transfer, is told in the server's own words.
+    const bool replyEnded =
+        replyCode == 421 || (t.code != CURLE_OPERATION_TIMEDOUT && t.code != CURLE_ABORTED_BY_CALLBACK);
+    if (ftp && replyCode >= 400 && replyEnded) {
         number = replyCode;
         text = QString::fromUtf8(reply);
     } else if (!ftp && t.code == CURLE_HTTP_RETURNED_ERROR && t.responseCode > 0) {
@@ -768,6 +782,7 @@ void ControllerClient::FtpGetFile(const QString& remotePath, const QString& loca
 {
     auto keep = shared_from_this();
     checkLine(remotePath, "controller path");
+    checkLength(remotePath, "controller path");
     checkLine(localPath, "local path");
     if (!m_ftp.configured)
         throw TransferError(CURLE_FAILED_INIT, QStringLiteral("The FTP session is not open"));
@@ -780,6 +795,7 @@ void ControllerClient::HttpGetFile(const QString& remoteUrlPath, const QString& 
 {
     auto keep = shared_from_this();
     checkLine(remoteUrlPath, "URL path");
+    checkLength(remoteUrlPath, "URL path");
     checkLine(localPath, "local path");
     if (!m_http.configured)
         throw TransferError(CURLE_FAILED_INIT, QStringLiteral("The HTTP session is not open"));
@@ -798,6 +814,7 @@ void ControllerClient::FtpCommand(const QString& commandLine, int /*type*/, int 
     if (command.endsWith(QStringLiteral("\r\n")))
         command.chop(2);
     checkLine(command, "command");
+    checkLength(command, "command");
     if (command.trimmed().isEmpty())
         throw TransferError(CURLE_URL_MALFORMAT, QStringLiteral("No command given"));
     if (!m_ftp.configured)
@@ -837,6 +854,7 @@ void ControllerClient::FtpPutFile(const QString& localPath, const QString& remot
     auto keep = shared_from_this();
     checkLine(localPath, "local path");
     checkLine(remotePath, "controller path");
+    checkLength(remotePath, "controller path");
     if (!m_ftp.configured)
         throw TransferError(CURLE_FAILED_INIT, QStringLiteral("The FTP session is not open"));
     if (remotePath.isEmpty())

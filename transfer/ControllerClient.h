@@ -106,6 +106,10 @@ public:
 
     // Refuses text holding CR, LF or NUL (what = "path", "command", ...).
     static void checkLine(const QString& text, const char* what);
+    // Command lines and the paths in them are refused past this length (in UTF-8 bytes), before
+    // anything is sent: no controller takes longer lines.
+    static constexpr int kMaxLineBytes = 4096;
+    static void checkLength(const QString& text, const char* what);
 
 private:
     struct Transfer;
