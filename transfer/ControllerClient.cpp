@@ -2,6 +2,7 @@
 
 #include "frame/SyncCall.h"
 #include "frame/Trace.h"
+#include "frame/UserSettings.h"
 
 #include <QAbstractSocket>
 #include <QByteArray>
@@ -21,6 +22,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <mutex>
+#include <optional>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -30,7 +32,18 @@ namespace nxr {
 
 namespace {
 
-ControllerClient::Timeouts g_defaultTimeouts;
+std::optional<ControllerClient::Timeouts> g_defaultTimeouts;
+
+const QString kSettingsSection = QStringLiteral("Transfer");
+
+// A time limit from the user settings: whole milliseconds within [lowest, highest], else the
+// built-in default.
+int settingMs(const QString& key, int fallback, int lowest, int highest)
+{
+    bool ok = false;
+    const int value = UserSettings::get(kSettingsSection, key).trimmed().toInt(&ok);
+    return ok && value >= lowest && value <= highest ? value : fallback;
+}
 
 // Byte buffers for downloads: bigger than the library's default, so a fast link needs fewer
 // rounds through the event loop.
@@ -231,7 +244,12 @@ struct ControllerClientCallbacks
 
 ControllerClient::Timeouts ControllerClient::defaultTimeouts()
 {
-    return g_defaultTimeouts;
+    if (g_defaultTimeouts)
+        return *g_defaultTimeouts;
+    Timeouts t;
+    t.connectMs = settingMs(QStringLiteral("ConnectTimeoutMs"), t.connectMs, 100, 600000);
+    t.stallMs = settingMs(QStringLiteral("StallTimeoutMs"), t.stallMs, 1000, 600000);
+    return t;
 }
 
 void ControllerClient::setDefaultTimeouts(const Timeouts& timeouts)
@@ -244,7 +262,7 @@ std::shared_ptr<ControllerClient> ControllerClient::create()
     return std::shared_ptr<ControllerClient>(new ControllerClient());
 }
 
-ControllerClient::ControllerClient() : m_timeouts(g_defaultTimeouts)
+ControllerClient::ControllerClient() : m_timeouts(defaultTimeouts())
 {
     globalInit();
     m_timer.setSingleShot(true);

@@ -46,13 +46,17 @@ class NXR_EXPORT ControllerClient : public QObject, public std::enable_shared_fr
     Q_OBJECT
 
 public:
+    // The time limits of a transfer. The defaults keep one call against a controller that went
+    // silent (HTTP first, then the FTP fallback) well under 20 s; users change them in the
+    // user settings, section "Transfer": "ConnectTimeoutMs" (100 to 600000) and
+    // "StallTimeoutMs" (1000 to 600000, counted in whole seconds).
     struct Timeouts
     {
-        int connectMs = 10000; // TCP connect (and name lookup) of a session
-        int stallMs = 20000;   // no byte moving, or no reply to a command, for this long
-        int pingMs = 2000;     // reachability probe
+        int connectMs = 4000; // TCP connect (and name lookup) of a session
+        int stallMs = 6000;   // no byte moving, or no reply to a command, for this long
+        int pingMs = 2000;    // reachability probe
     };
-    // Used by clients created afterwards.
+    // Used by clients created afterwards: those set here, else the user settings.
     static Timeouts defaultTimeouts();
     static void setDefaultTimeouts(const Timeouts& timeouts);
 

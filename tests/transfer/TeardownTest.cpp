@@ -4,6 +4,7 @@
 #include "ControllerSimulator.h"
 #include "PageRunner.h"
 #include "frame/Globals.h"
+#include "frame/UserSettings.h"
 #include "transfer/ConnectionPool.h"
 #include "transfer/NXRFileTransferObject.h"
 
@@ -20,6 +21,12 @@ namespace {
 class TeardownTest : public ::testing::Test
 {
 protected:
+    static void SetUpTestSuite()
+    {
+        // The user settings of this process live in a folder of its own.
+        static QTemporaryDir config;
+        qputenv("XDG_CONFIG_HOME", config.path().toUtf8());
+    }
     void SetUp() override
     {
         qputenv("TMPDIR", temp.path().toUtf8());
@@ -127,4 +134,32 @@ TEST_F(TeardownTest, HeadlessRunWaitsForACallInProgress)
     EXPECT_FALSE(run.crashed) << run.err.toStdString();
     EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
     EXPECT_TRUE(run.out.contains("copied true")) << run.out.toStdString() << run.err.toStdString();
+}
+
+// A controller that goes silent holds a call up for bounded times: with the defaults one copy
+// (HTTP, then the FTP fallback) ends well under 20 s; users shorten or lengthen the limits in
+// their settings.
+TEST_F(TeardownTest, StalledControllerHoldsACallForBoundedTimes)
+{
+    ASSERT_TRUE(sim.setFault("stall_after", 0));
+    const struct
+    {
+        const char* stallSetting;
+        qint64 lowestMs;
+        qint64 highestMs;
+    } cases[] = {{"", 4000, 20000}, {"1000", 1000, 5000}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.stallSetting);
+        nxr::UserSettings::set("Transfer", "StallTimeoutMs", c.stallSetting);
+        nxr::ConnectionPool::instance().clear();
+        NXRFileTransferObject object;
+        object.setFTPPortNo(sim.ftpPort());
+        object.setHTTPPortNo(sim.httpPort());
+        QElapsedTimer clock;
+        clock.start();
+        EXPECT_FALSE(object.CopyFile(sim.host(), "MC:\\VISION\\GREY640.PNG", sim.user(), sim.password(), ""));
+        EXPECT_GE(clock.elapsed(), c.lowestMs);
+        EXPECT_LT(clock.elapsed(), c.highestMs);
+    }
+    nxr::UserSettings::set("Transfer", "StallTimeoutMs", "");
 }
