@@ -127,6 +127,10 @@ void ViewMaths::setZoom(float zoom)
 
 float ViewMaths::maximumZoom() const
 {
+    // Without an image there is nothing to measure against: the zoom stays what was chosen (the
+    // neutral 100 until then), however small the display is while it is being laid out.
+    if (m_image.isEmpty())
+        return kZoomLimit;
     // 100 times the visible height at that zoom (where the scroll bars are shown).
     const double candidate = std::min(100.0 * std::max(1, m_area.height()), double(kZoomLimit));
     const Bars b = barsAt(m_image.width() * candidate / 100.0, m_image.height() * candidate / 100.0);

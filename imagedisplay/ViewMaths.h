@@ -65,7 +65,8 @@ public:
     // Sets the zoom as given (only limited to kZoomLimit) and keeps the origin inside the scroll
     // limits.
     void setZoom(float zoom);
-    // The zoom that setSafeZoom would set: at least 1, at most 100 times the visible height.
+    // The zoom that setSafeZoom would set: at least 1, at most 100 times the visible height
+    // (while an image is held; without one only kZoomLimit applies).
     float safeZoom(double zoom) const;
     float setSafeZoom(double zoom);
     float maximumZoom() const;
