@@ -49,6 +49,9 @@ int settingMs(const QString& key, int fallback, int lowest, int highest)
 // rounds through the event loop.
 constexpr long kBufferSize = 128 * 1024;
 
+// How often transfers waiting on their sockets are run for the library's time checks.
+constexpr int kTimeCheckMs = 1000;
+
 void globalInit()
 {
     static std::once_flag once;
@@ -112,7 +115,7 @@ struct ControllerClient::Transfer
 // The C callbacks handed to libcurl.
 struct ControllerClientCallbacks
 {
-    static int socket(CURL*, curl_socket_t s, int what, void* userp, void*)
+    static int socket(CURL* easy, curl_socket_t s, int what, void* userp, void*)
     {
         auto* self = static_cast<ControllerClient*>(userp);
         auto& watches = self->m_watches;
@@ -132,6 +135,7 @@ struct ControllerClientCallbacks
         if (it == watches.end())
             it = watches.emplace(s, ControllerClient::Watch{}).first;
         ControllerClient::Watch& w = it->second;
+        w.easy = easy;
         const bool wantRead = what == CURL_POLL_IN || what == CURL_POLL_INOUT;
         const bool wantWrite = what == CURL_POLL_OUT || what == CURL_POLL_INOUT;
         if (wantRead && !w.read) {
@@ -266,20 +270,25 @@ ControllerClient::ControllerClient() : m_timeouts(defaultTimeouts())
 {
     globalInit();
     m_timer.setSingleShot(true);
+    m_kick.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, [this] { socketAction(CURL_SOCKET_TIMEOUT, 0); });
     connect(&m_kick, &QTimer::timeout, this, [this] { kick(); });
 }
 
-// The transfer library at times moves an FTP transfer into a state (opening the data connection
-// right after the passive-mode reply) in which it watches no socket and asks for no early timer,
-// and would sit there until its connect timeout. While transfers run, it is therefore also run
-// over all its transfers now and then: often while it watches no socket, rarely otherwise.
+// The transfer library (at least up to 7.88) sets up an FTP data connection lazily: when the
+// passive-mode reply has been read, it leaves the transfer in a state in which it watches no
+// socket of it and asks only for its connect timeout, and the data connection is opened on the
+// transfer's next run, which no socket event and no timer brings. A transfer that the library
+// left watching no socket is therefore run once more at once (then after 1, 2, 4 ... ms while it
+// stays so, at most every 100 ms); a transfer that waits on a socket is driven by that socket's
+// events and the library's timer, and once a second for the library's time checks.
 void ControllerClient::kick()
 {
     if (!m_multi || m_active.empty()) {
         m_kick.stop();
         return;
     }
+    ++m_extraRuns;
     int running = 0;
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -289,15 +298,44 @@ void ControllerClient::kick()
     updateKick();
 }
 
+bool ControllerClient::hasUnwatchedTransfer() const
+{
+    for (const Transfer* t : m_active) {
+        bool watched = false;
+        for (const auto& [socket, watch] : m_watches) {
+            if (watch.easy == t->easy &&
+                ((watch.read && watch.read->isEnabled()) || (watch.write && watch.write->isEnabled()))) {
+                watched = true;
+                break;
+            }
+        }
+        if (!watched)
+            return true;
+    }
+    return false;
+}
+
 void ControllerClient::updateKick()
 {
     if (!m_multi || m_active.empty()) {
         m_kick.stop();
+        m_kickDelayMs = 0;
         return;
     }
-    const int interval = m_watches.empty() ? 5 : 50;
-    if (!m_kick.isActive() || m_kick.interval() != interval)
-        m_kick.start(interval);
+    if (!hasUnwatchedTransfer()) {
+        // The library's own time checks (no progress, no reply) are not always backed by its
+        // timer while it waits on a socket: they get one run a second.
+        m_kickDelayMs = 0;
+        if (!m_kick.isActive() || m_kick.interval() != kTimeCheckMs)
+            m_kick.start(kTimeCheckMs);
+        return;
+    }
+    if (m_kick.isActive() && m_kick.interval() == kTimeCheckMs)
+        m_kick.stop();
+    if (m_kick.isActive())
+        return;
+    m_kick.start(m_kickDelayMs);
+    m_kickDelayMs = qBound(1, m_kickDelayMs * 2, 100);
 }
 
 ControllerClient::~ControllerClient()

@@ -104,6 +104,10 @@ public:
 
     void setProbePorts(quint16 ftpPort, quint16 httpPort);
 
+    // How often transfers were run other than by a socket event or the transfer library's timer
+    // (see kick()): a measure of polling, for tests and benchmarks.
+    long extraRuns() const { return m_extraRuns; }
+
     // Set by the pool when it replaced this client by a fresh one.
     bool isRetired() const { return m_retired; }
     void setRetired(bool retired) { m_retired = retired; }
@@ -148,16 +152,20 @@ private:
     void processDone();
     void kick();
     void updateKick();
+    bool hasUnwatchedTransfer() const;
 
     friend struct ControllerClientCallbacks;
 
     void* m_multi = nullptr;
     QTimer m_timer;
     QTimer m_kick;
+    int m_kickDelayMs = 0;
+    long m_extraRuns = 0;
     struct Watch
     {
         QSocketNotifier* read = nullptr;
         QSocketNotifier* write = nullptr;
+        void* easy = nullptr; // the transfer the socket was last asked for
     };
     std::unordered_map<long long, Watch> m_watches;
     std::set<Transfer*> m_active;

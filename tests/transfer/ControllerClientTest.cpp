@@ -241,3 +241,23 @@ TEST_F(ControllerClientTest, ErrorsSayWhatHappened)
         }
     }
 }
+
+// Transfers are driven by their sockets' events and the library's timer: waiting on a silent
+// server or moving data, they are run only once a second for the time checks; only the moment the library
+// leaves an FTP data connection unopened costs a few extra runs.
+TEST_F(ControllerClientTest, TransfersAreNotPolled)
+{
+    connectBoth();
+    ASSERT_TRUE(sim->writeFile("MC:\\BIG\\ONE.BIN", QByteArray(4 << 20, 'b')));
+    const long before = client->extraRuns();
+    for (int i = 0; i < 10; ++i)
+        client->FtpGetFile("MC:\\BIG\\ONE.BIN", localFile("one.bin"));
+    EXPECT_LE(client->extraRuns() - before, 10 * 3);
+    EXPECT_EQ(QFileInfo(localFile("one.bin")).size(), 4 << 20);
+
+    ASSERT_TRUE(sim->setFault("stall_after", 0)); // RETR gets no answer: the call waits
+    client->setTimeouts({3000, 2000, 1000});
+    const long waiting = client->extraRuns();
+    EXPECT_THROW(client->FtpGetFile("MC:\\BIG\\ONE.BIN", localFile("two.bin")), TransferError);
+    EXPECT_LE(client->extraRuns() - waiting, 4) << "polled while waiting on a watched socket";
+}
