@@ -214,17 +214,17 @@ QPoint ViewMaths::scrollPosition() const
 
 void ViewMaths::setScrollPosition(const QPoint& position)
 {
-    setOriginClamped(-position.x(), -position.y());
+    setOriginClamped(-double(position.x()), -double(position.y()));
 }
 
 void ViewMaths::setScrollX(int x)
 {
-    setOriginClamped(-x, m_origin.y());
+    setOriginClamped(-double(x), m_origin.y());
 }
 
 void ViewMaths::setScrollY(int y)
 {
-    setOriginClamped(m_origin.x(), -y);
+    setOriginClamped(m_origin.x(), -double(y));
 }
 
 void ViewMaths::panBy(const QPoint& delta)
