@@ -54,10 +54,32 @@ QString scrubCredentials(QString text, const QStringList& secrets)
     return text;
 }
 
+QString escapeControlCharacters(const QString& text)
+{
+    QString result;
+    result.reserve(text.size());
+    for (const QChar c : text) {
+        const char16_t u = c.unicode();
+        if (u == '\r')
+            result += QStringLiteral("<CR>");
+        else if (u == '\n')
+            result += QStringLiteral("<LF>");
+        else if (u == 0)
+            result += QStringLiteral("<NUL>");
+        else if (u < 0x20 || u == 0x7f || c.category() == QChar::Separator_Line ||
+                 c.category() == QChar::Separator_Paragraph)
+            result += QStringLiteral("<%1>").arg(int(u), u > 0xff ? 4 : 2, 16, QLatin1Char('0')).toUpper();
+        else
+            result += c;
+    }
+    return result;
+}
+
 QString errorTraceLine(const QString& className, const QString& routine, const QString& message)
 {
-    return QLatin1Char('[') + className + QLatin1Char('.') + routine + QStringLiteral("] ") +
-           scrubCredentials(message) + QStringLiteral("\r\n");
+    return QLatin1Char('[') + escapeControlCharacters(className) + QLatin1Char('.') +
+           escapeControlCharacters(routine) + QStringLiteral("] ") +
+           escapeControlCharacters(scrubCredentials(message)) + QStringLiteral("\r\n");
 }
 
 void debugOutput(const QString& text) noexcept

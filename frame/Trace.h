@@ -30,7 +30,12 @@ NXR_EXPORT Q_DECLARE_LOGGING_CATEGORY(lcNxrTrace)
     NXR_EXPORT void errorTrace(const QString& className, const QString& routine,
                                const QString& message) noexcept;
 
-    // The exact line the error trace writes (without the logging machinery), credentials scrubbed.
+    // Control characters as visible marks ("<CR>", "<LF>", "<NUL>", "<1B>"), so that a text
+    // stays on one line whatever names it carries.
+    NXR_EXPORT QString escapeControlCharacters(const QString& text);
+
+    // The exact line the error trace writes (without the logging machinery), credentials
+    // scrubbed, control characters escaped: always one line ending in CR LF.
     NXR_EXPORT QString errorTraceLine(const QString& className, const QString& routine,
                                       const QString& message);
 

@@ -2,6 +2,7 @@
 
 #include "frame/PageTrust.h"
 #include "host/ErrorBanner.h"
+#include "frame/SyncCall.h"
 #include "host/FormLoader.h"
 #include "host/FormResources.h"
 #include "host/HostAutomation.h"
@@ -501,7 +502,7 @@ void PageHost::note(const QString& text)
 bool PageHost::isIdle() const
 {
     return m_scriptsDone && !m_timers->hasPending() && m_network.requestsInFlight() == 0 &&
-           m_automation->waitDepth() == 0;
+           m_automation->waitDepth() == 0 && NestedWait::depth() == 0; // a call in progress is activity
 }
 
 void PageHost::checkIdle()

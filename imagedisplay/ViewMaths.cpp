@@ -8,10 +8,20 @@ namespace nxr {
 namespace {
 
 // Scaled sizes are compared in whole device pixels; the tiny slack keeps 2592 * 33.33333 / 100
-// from counting as one pixel more than it shows.
+// from counting as one pixel more than it shows. Sizes past the pixel limit count as the limit,
+// so that sums and differences of sizes and positions stay well inside int.
 int wholePixels(double scaled)
 {
-    return int(std::ceil(scaled - 1e-6));
+    if (!(scaled > 0.0)) // also NaN
+        return 0;
+    return int(std::min(std::ceil(scaled - 1e-6), double(ViewMaths::kPixelLimit)));
+}
+
+double limitedPosition(double value)
+{
+    if (std::isnan(value))
+        return 0.0;
+    return std::clamp(value, -double(ViewMaths::kPixelLimit), double(ViewMaths::kPixelLimit));
 }
 
 } // namespace
@@ -111,17 +121,21 @@ void ViewMaths::setZoom(float zoom)
 {
     if (!(zoom > 0.0f) || !std::isfinite(zoom))
         return;
-    m_zoom = zoom;
+    m_zoom = std::min(zoom, kZoomLimit);
     setOriginClamped(m_origin.x(), m_origin.y());
 }
 
 float ViewMaths::maximumZoom() const
 {
+    // Without an image there is nothing to measure against: the zoom stays what was chosen (the
+    // neutral 100 until then), however small the display is while it is being laid out.
+    if (m_image.isEmpty())
+        return kZoomLimit;
     // 100 times the visible height at that zoom (where the scroll bars are shown).
-    const double candidate = 100.0 * std::max(1, m_area.height());
+    const double candidate = std::min(100.0 * std::max(1, m_area.height()), double(kZoomLimit));
     const Bars b = barsAt(m_image.width() * candidate / 100.0, m_image.height() * candidate / 100.0);
     const int visible = m_area.height() - (b.horizontal ? m_barExtent : 0);
-    return std::max(1.0f, 100.0f * float(visible));
+    return std::clamp(100.0f * float(visible), 1.0f, kZoomLimit);
 }
 
 float ViewMaths::safeZoom(double zoom) const
@@ -200,17 +214,17 @@ QPoint ViewMaths::scrollPosition() const
 
 void ViewMaths::setScrollPosition(const QPoint& position)
 {
-    setOriginClamped(-position.x(), -position.y());
+    setOriginClamped(-double(position.x()), -double(position.y()));
 }
 
 void ViewMaths::setScrollX(int x)
 {
-    setOriginClamped(-x, m_origin.y());
+    setOriginClamped(-double(x), m_origin.y());
 }
 
 void ViewMaths::setScrollY(int y)
 {
-    setOriginClamped(m_origin.x(), -y);
+    setOriginClamped(m_origin.x(), -double(y));
 }
 
 void ViewMaths::panBy(const QPoint& delta)
@@ -225,8 +239,8 @@ void ViewMaths::setOriginClamped(double left, double top)
     auto clampAxis = [](double value, int scaled, int visible) {
         if (scaled <= visible) // the whole image fits: keep it centred, no scrolling
             return (visible - scaled) / 2;
-        const double low = double(visible - scaled);
-        return int(std::lround(std::clamp(value, low, 0.0)));
+        const double low = double(visible) - double(scaled);
+        return int(std::lround(std::clamp(limitedPosition(value), low, 0.0)));
     };
     m_origin = QPoint(clampAxis(left, wholePixels(s.width()), v.width()),
                       clampAxis(top, wholePixels(s.height()), v.height()));

@@ -28,6 +28,10 @@ public:
     // The image size assumed by optimalZoom() while no bitmap is held.
     static constexpr int kAssumedImageWidth = 512;
     static constexpr int kAssumedImageHeight = 480;
+    // The largest zoom held (10,000 screen pixels per image pixel); larger ones count as this.
+    static constexpr float kZoomLimit = 1e6f;
+    // Scaled sizes, positions and scroll ranges saturate at this many device pixels.
+    static constexpr int kPixelLimit = 1 << 30;
 
     // Snaps a wanted zoom to one at which image pixels map to whole screen pixels: 100 / k at
     // or below 100, a multiple of 100 above it. nearest rounds to the closest such zoom,
@@ -58,9 +62,11 @@ public:
 
     float zoom() const { return m_zoom; }
     double scale() const { return double(m_zoom) / 100.0; }
-    // Sets the zoom as given (no clamping) and keeps the origin inside the scroll limits.
+    // Sets the zoom as given (only limited to kZoomLimit) and keeps the origin inside the scroll
+    // limits.
     void setZoom(float zoom);
-    // The zoom that setSafeZoom would set: at least 1, at most 100 times the visible height.
+    // The zoom that setSafeZoom would set: at least 1, at most 100 times the visible height
+    // (while an image is held; without one only kZoomLimit applies).
     float safeZoom(double zoom) const;
     float setSafeZoom(double zoom);
     float maximumZoom() const;

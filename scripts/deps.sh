@@ -9,7 +9,7 @@ packages=(
   libcurl4-openssl-dev libgif-dev libgl-dev libglu1-mesa-dev freeglut3-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth fonts-dejavu-core libgl1-mesa-dri libglx-mesa0
-  python3 python3-pyftpdlib python3-pil curl vsftpd
+  python3 python3-pyftpdlib python3-pil curl vsftpd lighttpd
 )
 
 missing=()

@@ -1,6 +1,8 @@
 #include "transfer/ControllerClient.h"
 
+#include "frame/SyncCall.h"
 #include "frame/Trace.h"
+#include "frame/UserSettings.h"
 
 #include <QAbstractSocket>
 #include <QByteArray>
@@ -20,6 +22,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <mutex>
+#include <optional>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -29,11 +32,25 @@ namespace nxr {
 
 namespace {
 
-ControllerClient::Timeouts g_defaultTimeouts;
+std::optional<ControllerClient::Timeouts> g_defaultTimeouts;
+
+const QString kSettingsSection = QStringLiteral("Transfer");
+
+// A time limit from the user settings: whole milliseconds within [lowest, highest], else the
+// built-in default.
+int settingMs(const QString& key, int fallback, int lowest, int highest)
+{
+    bool ok = false;
+    const int value = UserSettings::get(kSettingsSection, key).trimmed().toInt(&ok);
+    return ok && value >= lowest && value <= highest ? value : fallback;
+}
 
 // Byte buffers for downloads: bigger than the library's default, so a fast link needs fewer
 // rounds through the event loop.
 constexpr long kBufferSize = 128 * 1024;
+
+// How often transfers waiting on their sockets are run for the library's time checks.
+constexpr int kTimeCheckMs = 1000;
 
 void globalInit()
 {
@@ -81,6 +98,8 @@ struct ControllerClient::Transfer
     QByteArray trackedReply;
     bool trackedSent = false;
     long responseCode = 0;
+    curl_off_t announcedBytes = -1; // the length the server announced, -1 when it announced none
+    curl_off_t receivedBytes = 0;
     curl_socket_t activeSocket = CURL_SOCKET_BAD;
     curl_slist* quote = nullptr;
 
@@ -96,7 +115,7 @@ struct ControllerClient::Transfer
 // The C callbacks handed to libcurl.
 struct ControllerClientCallbacks
 {
-    static int socket(CURL*, curl_socket_t s, int what, void* userp, void*)
+    static int socket(CURL* easy, curl_socket_t s, int what, void* userp, void*)
     {
         auto* self = static_cast<ControllerClient*>(userp);
         auto& watches = self->m_watches;
@@ -116,6 +135,7 @@ struct ControllerClientCallbacks
         if (it == watches.end())
             it = watches.emplace(s, ControllerClient::Watch{}).first;
         ControllerClient::Watch& w = it->second;
+        w.easy = easy;
         const bool wantRead = what == CURL_POLL_IN || what == CURL_POLL_INOUT;
         const bool wantWrite = what == CURL_POLL_OUT || what == CURL_POLL_INOUT;
         if (wantRead && !w.read) {
@@ -228,7 +248,12 @@ struct ControllerClientCallbacks
 
 ControllerClient::Timeouts ControllerClient::defaultTimeouts()
 {
-    return g_defaultTimeouts;
+    if (g_defaultTimeouts)
+        return *g_defaultTimeouts;
+    Timeouts t;
+    t.connectMs = settingMs(QStringLiteral("ConnectTimeoutMs"), t.connectMs, 100, 600000);
+    t.stallMs = settingMs(QStringLiteral("StallTimeoutMs"), t.stallMs, 1000, 600000);
+    return t;
 }
 
 void ControllerClient::setDefaultTimeouts(const Timeouts& timeouts)
@@ -241,24 +266,29 @@ std::shared_ptr<ControllerClient> ControllerClient::create()
     return std::shared_ptr<ControllerClient>(new ControllerClient());
 }
 
-ControllerClient::ControllerClient() : m_timeouts(g_defaultTimeouts)
+ControllerClient::ControllerClient() : m_timeouts(defaultTimeouts())
 {
     globalInit();
     m_timer.setSingleShot(true);
+    m_kick.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, [this] { socketAction(CURL_SOCKET_TIMEOUT, 0); });
     connect(&m_kick, &QTimer::timeout, this, [this] { kick(); });
 }
 
-// The transfer library at times moves an FTP transfer into a state (opening the data connection
-// right after the passive-mode reply) in which it watches no socket and asks for no early timer,
-// and would sit there until its connect timeout. While transfers run, it is therefore also run
-// over all its transfers now and then: often while it watches no socket, rarely otherwise.
+// The transfer library (at least up to 7.88) sets up an FTP data connection lazily: when the
+// passive-mode reply has been read, it leaves the transfer in a state in which it watches no
+// socket of it and asks only for its connect timeout, and the data connection is opened on the
+// transfer's next run, which no socket event and no timer brings. A transfer that the library
+// left watching no socket is therefore run once more at once (then after 1, 2, 4 ... ms while it
+// stays so, at most every 100 ms); a transfer that waits on a socket is driven by that socket's
+// events and the library's timer, and once a second for the library's time checks.
 void ControllerClient::kick()
 {
     if (!m_multi || m_active.empty()) {
         m_kick.stop();
         return;
     }
+    ++m_extraRuns;
     int running = 0;
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -268,20 +298,60 @@ void ControllerClient::kick()
     updateKick();
 }
 
+bool ControllerClient::hasUnwatchedTransfer() const
+{
+    for (const Transfer* t : m_active) {
+        bool watched = false;
+        for (const auto& [socket, watch] : m_watches) {
+            if (watch.easy == t->easy &&
+                ((watch.read && watch.read->isEnabled()) || (watch.write && watch.write->isEnabled()))) {
+                watched = true;
+                break;
+            }
+        }
+        if (!watched)
+            return true;
+    }
+    return false;
+}
+
 void ControllerClient::updateKick()
 {
     if (!m_multi || m_active.empty()) {
         m_kick.stop();
+        m_kickDelayMs = 0;
         return;
     }
-    const int interval = m_watches.empty() ? 5 : 50;
-    if (!m_kick.isActive() || m_kick.interval() != interval)
-        m_kick.start(interval);
+    if (!hasUnwatchedTransfer()) {
+        // The library's own time checks (no progress, no reply) are not always backed by its
+        // timer while it waits on a socket: they get one run a second.
+        m_kickDelayMs = 0;
+        if (!m_kick.isActive() || m_kick.interval() != kTimeCheckMs)
+            m_kick.start(kTimeCheckMs);
+        return;
+    }
+    if (m_kick.isActive() && m_kick.interval() == kTimeCheckMs)
+        m_kick.stop();
+    if (m_kick.isActive())
+        return;
+    m_kick.start(m_kickDelayMs);
+    m_kickDelayMs = qBound(1, m_kickDelayMs * 2, 100);
 }
 
 ControllerClient::~ControllerClient()
 {
     resetMulti();
+}
+
+void ControllerClient::checkLength(const QString& text, const char* what)
+{
+    const qsizetype bytes = text.toUtf8().size();
+    if (bytes > kMaxLineBytes)
+        throw TransferError(CURLE_URL_MALFORMAT,
+                            QStringLiteral("Refused: the %1 is too long (%2 bytes; at most %3)")
+                                .arg(QLatin1String(what))
+                                .arg(bytes)
+                                .arg(kMaxLineBytes));
 }
 
 void ControllerClient::checkLine(const QString& text, const char* what)
@@ -420,10 +490,25 @@ void ControllerClient::run(Transfer& t, int& busy)
     m_active.insert(&t);
     updateKick();
     if (!t.done) {
+        // The objects whose routines wait for this transfer: when one of them is destroyed, the
+        // transfer ends at once and the call unwinds without touching it.
+        QList<QMetaObject::Connection> watches;
+        for (const QPointer<QObject>& owner : CallEntry::chain()) {
+            if (owner)
+                watches.append(connect(owner, &QObject::destroyed, this,
+                                       [this, &t] { cancel(t, "The calling object was destroyed"); }));
+        }
+        NestedWait wait;
         QEventLoop loop;
         t.loop = &loop;
         loop.exec();
         t.loop = nullptr;
+        for (const QMetaObject::Connection& c : watches)
+            disconnect(c);
+        // The loop was ended from outside (the application is quitting): the transfer ends here,
+        // with an error, and leaves nothing behind in the transfer library.
+        if (!t.done)
+            cancel(t, "The transfer was cancelled");
     }
     busy = qMax(0, busy - 1);
     if (m_closeWhenIdle && m_active.empty())
@@ -431,6 +516,23 @@ void ControllerClient::run(Transfer& t, int& busy)
             if (keep->m_closeWhenIdle && keep->m_active.empty())
                 keep->CloseConnections();
         });
+    if (CallEntry::chainBroken())
+        throw CallAbandoned{};
+}
+
+void ControllerClient::cancel(Transfer& t, const char* why)
+{
+    if (t.done)
+        return;
+    if (m_multi && m_active.count(&t))
+        curl_multi_remove_handle(static_cast<CURLM*>(m_multi), t.easy);
+    m_active.erase(&t);
+    t.code = CURLE_ABORTED_BY_CALLBACK;
+    qstrncpy(t.errorBuffer, why, sizeof t.errorBuffer);
+    t.done = true;
+    if (t.loop)
+        t.loop->quit();
+    updateKick();
 }
 
 void ControllerClient::closeWhenIdle()
@@ -473,6 +575,8 @@ void ControllerClient::processDone()
         if (curl_easy_getinfo(t->easy, CURLINFO_ACTIVESOCKET, &active) == CURLE_OK)
             t->activeSocket = active;
         curl_easy_getinfo(t->easy, CURLINFO_RESPONSE_CODE, &t->responseCode);
+        curl_easy_getinfo(t->easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &t->announcedBytes);
+        curl_easy_getinfo(t->easy, CURLINFO_SIZE_DOWNLOAD_T, &t->receivedBytes);
         curl_multi_remove_handle(static_cast<CURLM*>(m_multi), t->easy);
         m_active.erase(t);
         t->done = true;
@@ -530,8 +634,11 @@ void ControllerClient::fail(const Transfer& t, const Session& session, bool ftp)
     QString text;
     const QByteArray reply = !t.trackedReply.isEmpty() ? t.trackedReply : t.lastReply;
     const int replyCode = reply.left(3).toInt();
-    if (ftp && replyCode >= 400 && t.code != CURLE_OPERATION_TIMEDOUT &&
-        t.code != CURLE_ABORTED_BY_CALLBACK) {
+    // The transfer library reports a 421 ("closing the connection") as a timeout; that reply,
+    // like any refusal that ended the transfer, is told in the server's own words.
+    const bool replyEnded =
+        replyCode == 421 || (t.code != CURLE_OPERATION_TIMEDOUT && t.code != CURLE_ABORTED_BY_CALLBACK);
+    if (ftp && replyCode >= 400 && replyEnded) {
         number = replyCode;
         text = QString::fromUtf8(reply);
     } else if (!ftp && t.code == CURLE_HTTP_RETURNED_ERROR && t.responseCode > 0) {
@@ -694,6 +801,15 @@ void ControllerClient::download(Session& session, bool ftp, const QString& url, 
         if (!ftp)
             curl_easy_setopt(t.easy, CURLOPT_FAILONERROR, 1L);
         run(t, ftp ? m_busyFtp : m_busyHttp);
+        if (!ftp && t.code == CURLE_OK) {
+            // Only a success answer carries the file: a redirect or any other answer is a failed
+            // download (redirects are not followed, not even on the same controller, whose
+            // files are served where their paths say), and so is a body shorter than announced.
+            if (t.responseCode < 200 || t.responseCode > 299)
+                t.code = CURLE_HTTP_RETURNED_ERROR;
+            else if (t.announcedBytes >= 0 && t.receivedBytes != t.announcedBytes)
+                t.code = CURLE_PARTIAL_FILE;
+        }
         ok = t.code == CURLE_OK;
         if (::close(fd) != 0 && ok) {
             ok = false;
@@ -722,6 +838,7 @@ void ControllerClient::FtpGetFile(const QString& remotePath, const QString& loca
 {
     auto keep = shared_from_this();
     checkLine(remotePath, "controller path");
+    checkLength(remotePath, "controller path");
     checkLine(localPath, "local path");
     if (!m_ftp.configured)
         throw TransferError(CURLE_FAILED_INIT, QStringLiteral("The FTP session is not open"));
@@ -734,6 +851,7 @@ void ControllerClient::HttpGetFile(const QString& remoteUrlPath, const QString& 
 {
     auto keep = shared_from_this();
     checkLine(remoteUrlPath, "URL path");
+    checkLength(remoteUrlPath, "URL path");
     checkLine(localPath, "local path");
     if (!m_http.configured)
         throw TransferError(CURLE_FAILED_INIT, QStringLiteral("The HTTP session is not open"));
@@ -752,6 +870,7 @@ void ControllerClient::FtpCommand(const QString& commandLine, int /*type*/, int 
     if (command.endsWith(QStringLiteral("\r\n")))
         command.chop(2);
     checkLine(command, "command");
+    checkLength(command, "command");
     if (command.trimmed().isEmpty())
         throw TransferError(CURLE_URL_MALFORMAT, QStringLiteral("No command given"));
     if (!m_ftp.configured)
@@ -791,6 +910,7 @@ void ControllerClient::FtpPutFile(const QString& localPath, const QString& remot
     auto keep = shared_from_this();
     checkLine(localPath, "local path");
     checkLine(remotePath, "controller path");
+    checkLength(remotePath, "controller path");
     if (!m_ftp.configured)
         throw TransferError(CURLE_FAILED_INIT, QStringLiteral("The FTP session is not open"));
     if (remotePath.isEmpty())

@@ -46,13 +46,17 @@ class NXR_EXPORT ControllerClient : public QObject, public std::enable_shared_fr
     Q_OBJECT
 
 public:
+    // The time limits of a transfer. The defaults keep one call against a controller that went
+    // silent (HTTP first, then the FTP fallback) well under 20 s; users change them in the
+    // user settings, section "Transfer": "ConnectTimeoutMs" (100 to 600000) and
+    // "StallTimeoutMs" (1000 to 600000, counted in whole seconds).
     struct Timeouts
     {
-        int connectMs = 10000; // TCP connect (and name lookup) of a session
-        int stallMs = 20000;   // no byte moving, or no reply to a command, for this long
-        int pingMs = 2000;     // reachability probe
+        int connectMs = 4000; // TCP connect (and name lookup) of a session
+        int stallMs = 6000;   // no byte moving, or no reply to a command, for this long
+        int pingMs = 2000;    // reachability probe
     };
-    // Used by clients created afterwards.
+    // Used by clients created afterwards: those set here, else the user settings.
     static Timeouts defaultTimeouts();
     static void setDefaultTimeouts(const Timeouts& timeouts);
 
@@ -93,11 +97,16 @@ public:
     long HttpState();
     // Opens the HTTP session (one HEAD request; any HTTP answer counts).
     void HttpConnect(const QString& host, const QString& user, const QString& password, quint16 port);
-    // Downloads a URL path ("/MC/A/B.PNG") by HTTP; an HTTP error status is an error. The local
-    // file appears complete or not at all.
+    // Downloads a URL path ("/MC/A/B.PNG") by HTTP. Any answer but a success (2xx) is an error,
+    // redirects included (they are not followed), and so is a body shorter than its announced
+    // length. The local file appears complete or not at all.
     void HttpGetFile(const QString& remoteUrlPath, const QString& localPath, int overwrite = -1);
 
     void setProbePorts(quint16 ftpPort, quint16 httpPort);
+
+    // How often transfers were run other than by a socket event or the transfer library's timer
+    // (see kick()): a measure of polling, for tests and benchmarks.
+    long extraRuns() const { return m_extraRuns; }
 
     // Set by the pool when it replaced this client by a fresh one.
     bool isRetired() const { return m_retired; }
@@ -105,6 +114,10 @@ public:
 
     // Refuses text holding CR, LF or NUL (what = "path", "command", ...).
     static void checkLine(const QString& text, const char* what);
+    // Command lines and the paths in them are refused past this length (in UTF-8 bytes), before
+    // anything is sent: no controller takes longer lines.
+    static constexpr int kMaxLineBytes = 4096;
+    static void checkLength(const QString& text, const char* what);
 
 private:
     struct Transfer;
@@ -128,6 +141,7 @@ private:
     void abortAll();
     void* newEasy(Transfer& t, const Session& session, bool ftp, const QString& url);
     void run(Transfer& t, int& busy);
+    void cancel(Transfer& t, const char* why);
     [[noreturn]] void fail(const Transfer& t, const Session& session, bool ftp) const;
     void finish(Transfer& t, Session& session, bool ftp);
     void download(Session& session, bool ftp, const QString& url, const QString& localPath, int overwrite);
@@ -138,16 +152,20 @@ private:
     void processDone();
     void kick();
     void updateKick();
+    bool hasUnwatchedTransfer() const;
 
     friend struct ControllerClientCallbacks;
 
     void* m_multi = nullptr;
     QTimer m_timer;
     QTimer m_kick;
+    int m_kickDelayMs = 0;
+    long m_extraRuns = 0;
     struct Watch
     {
         QSocketNotifier* read = nullptr;
         QSocketNotifier* write = nullptr;
+        void* easy = nullptr; // the transfer the socket was last asked for
     };
     std::unordered_map<long long, Watch> m_watches;
     std::set<Transfer*> m_active;

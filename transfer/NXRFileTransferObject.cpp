@@ -4,6 +4,7 @@
 #include "frame/Conversions.h"
 #include "frame/Globals.h"
 #include "frame/PageTrust.h"
+#include "frame/SyncCall.h"
 #include "frame/Trace.h"
 #include "transfer/ConnectionPool.h"
 #include "transfer/ControllerPaths.h"
@@ -138,31 +139,35 @@ bool NXRFileTransferObject::CheckVNUM(int vlng_VNUMtoCheck)
 
 void NXRFileTransferObject::setHTTPPortNo(int value)
 {
-    const QString routine = QStringLiteral("HTTPPortNo");
-    trace(routine, QStringLiteral("entered, port=") + QString::number(value));
-    core().guard(routine, [&] {
-        checkedPort(value);
-        if (value == m_httpPort)
-            return;
-        m_httpPort = value;
-        reconnectForPorts();
+    nxr::CallEntry::run(this, [&] {
+        const QString routine = QStringLiteral("HTTPPortNo");
+        trace(routine, QStringLiteral("entered, port=") + QString::number(value));
+        core().guard(routine, [&] {
+            checkedPort(value);
+            if (value == m_httpPort)
+                return;
+            m_httpPort = value;
+            reconnectForPorts();
+        });
+        trace(routine, QStringLiteral("done"));
     });
-    trace(routine, QStringLiteral("done"));
 }
 
 void NXRFileTransferObject::setFTPPortNo(int value)
 {
-    const QString routine = QStringLiteral("FTPPortNo");
-    trace(routine, QStringLiteral("port=") + QString::number(value));
-    core().guard(routine, [&] {
-        checkedPort(value);
-        if (value == m_ftpPort)
-            return;
-        m_ftpPort = value;
-        trace(routine, QStringLiteral("Set port number ") + QString::number(value));
-        reconnectForPorts();
+    nxr::CallEntry::run(this, [&] {
+        const QString routine = QStringLiteral("FTPPortNo");
+        trace(routine, QStringLiteral("port=") + QString::number(value));
+        core().guard(routine, [&] {
+            checkedPort(value);
+            if (value == m_ftpPort)
+                return;
+            m_ftpPort = value;
+            trace(routine, QStringLiteral("Set port number ") + QString::number(value));
+            reconnectForPorts();
+        });
+        trace(routine, QStringLiteral("done"));
     });
-    trace(routine, QStringLiteral("done"));
 }
 
 void NXRFileTransferObject::reconnectForPorts()
@@ -215,27 +220,30 @@ bool NXRFileTransferObject::CopyFile(const QString& vstr_FileServer, const QStri
                                      const QString& vstr_FTPUserName, const QString& vstr_FTPPassword,
                                      const QString& vstr_NewFilename)
 {
-    const QString routine = QStringLiteral("CopyFile");
-    trace(routine, QStringLiteral("Entered"));
-    trace(routine, QStringLiteral("From: ") + vstr_FilePath + QStringLiteral(", to: ") + vstr_NewFilename +
-                       QStringLiteral(", server:") + vstr_FileServer);
-    bool ok = false;
-    try {
-        core().guard(routine, [&] {
-            ok = copyFileBody(vstr_FileServer, vstr_FilePath, vstr_FTPUserName, vstr_FTPPassword,
-                              vstr_NewFilename);
-        });
-    } catch (const FixedTextFailure& f) {
-        core().reportError(routine, f.text);
-    }
-    if (m_poolKey == kExternal) {
-        nxr::gsub_FreeFTPObject(kExternal, m_slotServer.isEmpty() ? vstr_FileServer : m_slotServer, false);
-        m_client.reset();
-        m_slotServer.clear();
-        m_poolKey.clear();
-    }
-    trace(routine, QStringLiteral("Done"));
-    return ok;
+    return nxr::CallEntry::run(this, false, [&]() -> bool {
+        const QString routine = QStringLiteral("CopyFile");
+        trace(routine, QStringLiteral("Entered"));
+        trace(routine, QStringLiteral("From: ") + vstr_FilePath + QStringLiteral(", to: ") +
+                           vstr_NewFilename + QStringLiteral(", server:") + vstr_FileServer);
+        bool ok = false;
+        try {
+            core().guard(routine, [&] {
+                ok = copyFileBody(vstr_FileServer, vstr_FilePath, vstr_FTPUserName, vstr_FTPPassword,
+                                  vstr_NewFilename);
+            });
+        } catch (const FixedTextFailure& f) {
+            core().reportError(routine, f.text);
+        }
+        if (m_poolKey == kExternal) {
+            nxr::gsub_FreeFTPObject(kExternal, m_slotServer.isEmpty() ? vstr_FileServer : m_slotServer,
+                                    false);
+            m_client.reset();
+            m_slotServer.clear();
+            m_poolKey.clear();
+        }
+        trace(routine, QStringLiteral("Done"));
+        return ok;
+    });
 }
 
 bool NXRFileTransferObject::copyFileBody(const QString& server, const QString& filePath, const QString& user,
@@ -317,13 +325,15 @@ bool NXRFileTransferObject::httpDownload(const QString& remote, const QString& l
 bool NXRFileTransferObject::ConnectRobot(const QString& poolKey, const QString& server, const QString& user,
                                          const QString& password)
 {
-    const QString routine = QStringLiteral("ConnectRobot");
-    bool result = false;
-    QString error;
-    core().guard(routine, [&] { result = connectRobotImpl(poolKey, server, user, password, &error); });
-    if (!result && !error.isEmpty())
-        core().reportError(routine, error);
-    return result;
+    return nxr::CallEntry::run(this, false, [&]() -> bool {
+        const QString routine = QStringLiteral("ConnectRobot");
+        bool result = false;
+        QString error;
+        core().guard(routine, [&] { result = connectRobotImpl(poolKey, server, user, password, &error); });
+        if (!result && !error.isEmpty())
+            core().reportError(routine, error);
+        return result;
+    });
 }
 
 bool NXRFileTransferObject::connectRobotImpl(const QString& poolKey, const QString& server,
@@ -464,22 +474,24 @@ bool NXRFileTransferObject::UploadFile(const QString& poolKey, const QString& pa
                                        const QString& pathB, const QString& user, const QString& password,
                                        int retries)
 {
-    const QString routine = QStringLiteral("UploadFile");
-    trace(routine, QStringLiteral("Entered, from: ") + pathA + QStringLiteral(", to: ") + pathB +
-                       QStringLiteral(", server:") + server + QStringLiteral(", retries=") +
-                       QString::number(retries));
-    ControllerClient::checkLine(pathA, "local path");
-    ControllerClient::checkLine(pathB, "controller path");
-    nxr::PageTrust::requireServer(server);
-    if (!m_client || m_poolKey.isEmpty())
-        m_poolKey = poolKey;
-    m_server = server;
-    m_user = user;
-    m_password = password;
-    const bool done = withRetry(routine, QStringLiteral("Error on Put: "), retries, server, user, password,
-                                false, [&] { m_client->FtpPutFile(pathA, pathB, 2); });
-    trace(routine, QStringLiteral("Done"));
-    return done;
+    return nxr::CallEntry::run(this, false, [&]() -> bool {
+        const QString routine = QStringLiteral("UploadFile");
+        trace(routine, QStringLiteral("Entered, from: ") + pathA + QStringLiteral(", to: ") + pathB +
+                           QStringLiteral(", server:") + server + QStringLiteral(", retries=") +
+                           QString::number(retries));
+        ControllerClient::checkLine(pathA, "local path");
+        ControllerClient::checkLine(pathB, "controller path");
+        nxr::PageTrust::requireServer(server);
+        if (!m_client || m_poolKey.isEmpty())
+            m_poolKey = poolKey;
+        m_server = server;
+        m_user = user;
+        m_password = password;
+        const bool done = withRetry(routine, QStringLiteral("Error on Put: "), retries, server, user,
+                                    password, false, [&] { m_client->FtpPutFile(pathA, pathB, 2); });
+        trace(routine, QStringLiteral("Done"));
+        return done;
+    });
 }
 
 QString NXRFileTransferObject::mfstr_GetDirectoryList(const QString& path, bool longForm, int retries)
@@ -588,61 +600,69 @@ void NXRFileTransferObject::forScript(const QString& routine, const QString& ser
 QStringList NXRFileTransferObject::ListFiles(const QString& vstr_FileServer, const QString& vstr_Path,
                                              const QString& vstr_FTPUserName, const QString& vstr_FTPPassword)
 {
-    QStringList result;
-    try {
-        forScript(QStringLiteral("ListFiles"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
-                  [&] { result = FileListing(vstr_Path); });
-    } catch (const FixedTextFailure& f) {
-        core().reportError(QStringLiteral("ListFiles"), f.text);
-    }
-    return result;
+    return nxr::CallEntry::run(this, QStringList(), [&]() -> QStringList {
+        QStringList result;
+        try {
+            forScript(QStringLiteral("ListFiles"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
+                      [&] { result = FileListing(vstr_Path); });
+        } catch (const FixedTextFailure& f) {
+            core().reportError(QStringLiteral("ListFiles"), f.text);
+        }
+        return result;
+    });
 }
 
 QStringList NXRFileTransferObject::ListFolders(const QString& vstr_FileServer, const QString& vstr_Path,
                                                const QString& vstr_FTPUserName,
                                                const QString& vstr_FTPPassword)
 {
-    QStringList result;
-    try {
-        forScript(QStringLiteral("ListFolders"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
-                  [&] { result = FolderListing(vstr_Path); });
-    } catch (const FixedTextFailure& f) {
-        core().reportError(QStringLiteral("ListFolders"), f.text);
-    }
-    return result;
+    return nxr::CallEntry::run(this, QStringList(), [&]() -> QStringList {
+        QStringList result;
+        try {
+            forScript(QStringLiteral("ListFolders"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
+                      [&] { result = FolderListing(vstr_Path); });
+        } catch (const FixedTextFailure& f) {
+            core().reportError(QStringLiteral("ListFolders"), f.text);
+        }
+        return result;
+    });
 }
 
 QString NXRFileTransferObject::ListDrives(const QString& vstr_FileServer, const QString& vstr_FTPUserName,
                                           const QString& vstr_FTPPassword)
 {
-    QString result;
-    try {
-        forScript(QStringLiteral("ListDrives"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
-                  [&] { result = DriveList(); });
-    } catch (const FixedTextFailure& f) {
-        core().reportError(QStringLiteral("ListDrives"), f.text);
-    }
-    return result;
+    return nxr::CallEntry::run(this, QString(), [&]() -> QString {
+        QString result;
+        try {
+            forScript(QStringLiteral("ListDrives"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
+                      [&] { result = DriveList(); });
+        } catch (const FixedTextFailure& f) {
+            core().reportError(QStringLiteral("ListDrives"), f.text);
+        }
+        return result;
+    });
 }
 
 bool NXRFileTransferObject::UploadCachedFile(const QString& vstr_FileServer,
                                              const QString& vstr_CachedFilename, const QString& vstr_FilePath,
                                              const QString& vstr_FTPUserName, const QString& vstr_FTPPassword)
 {
-    bool done = false;
-    try {
-        forScript(QStringLiteral("UploadCachedFile"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
-                  [&] {
-                      const QString local = localPathFor(QString(), vstr_CachedFilename);
-                      if (!QFileInfo(local).isFile())
-                          throw Failure(QStringLiteral("The cache holds no file ") + vstr_CachedFilename);
-                      done = UploadFile(m_poolKey, local, vstr_FileServer, vstr_FilePath, vstr_FTPUserName,
-                                        vstr_FTPPassword, -1);
-                  });
-    } catch (const FixedTextFailure& f) {
-        core().reportError(QStringLiteral("UploadCachedFile"), f.text);
-    }
-    return done;
+    return nxr::CallEntry::run(this, false, [&]() -> bool {
+        bool done = false;
+        try {
+            forScript(QStringLiteral("UploadCachedFile"), vstr_FileServer, vstr_FTPUserName, vstr_FTPPassword,
+                      [&] {
+                          const QString local = localPathFor(QString(), vstr_CachedFilename);
+                          if (!QFileInfo(local).isFile())
+                              throw Failure(QStringLiteral("The cache holds no file ") + vstr_CachedFilename);
+                          done = UploadFile(m_poolKey, local, vstr_FileServer, vstr_FilePath,
+                                            vstr_FTPUserName, vstr_FTPPassword, -1);
+                      });
+        } catch (const FixedTextFailure& f) {
+            core().reportError(QStringLiteral("UploadCachedFile"), f.text);
+        }
+        return done;
+    });
 }
 
 bool NXRFileTransferObject::WriteCachedTextFile(const QString& vstr_CachedFilename, const QString& vstr_Text)

@@ -1,6 +1,7 @@
 #include "imagedisplay/loading/DisplayLoading.h"
 
 #include "imagedisplay/DisplayState.h"
+#include "frame/SyncCall.h"
 #include "imagedisplay/MouseDispatcher.h"
 #include "imagedisplay/NXEViewButtons.h"
 #include "imagedisplay/NXRImageDisplay.h"
@@ -76,15 +77,20 @@ void DisplayLoading::setHttpPort(int port)
 void DisplayLoading::LoadImage(const QString& server, const QString& path, const QString& userName,
                                const QString& password)
 {
-    m_display.setHostName(server);
-    m_loader.loadImage(server, path, userName, password);
-    m_display.setOriginalFilename(m_loader.originalFilename());
+    // The display may be destroyed while the image is on its way (the page closes): the call
+    // then ends without touching it.
+    CallEntry::run(&m_display, [&] {
+        m_display.setHostName(server);
+        m_loader.loadImage(server, path, userName, password);
+        m_display.setOriginalFilename(m_loader.originalFilename());
+    });
 }
 
 void DisplayLoading::SaveCurrentImage(const QString& server, const QString& path, const QString& userName,
                                       const QString& password)
 {
-    m_loader.saveImage(server, path, userName, password, ImageList::kCurrent);
+    CallEntry::run(&m_display,
+                   [&] { m_loader.saveImage(server, path, userName, password, ImageList::kCurrent); });
 }
 
 void DisplayLoading::AbortLiveMode()

@@ -73,8 +73,13 @@ bool bmpComplete(const QByteArray& d)
     const quint32 compression = le32(d, 30);
     if (compression != 0 && compression != 3)
         return true; // run-length data: its decoder checks its own end
-    const qint64 stride = ((qAbs(width) * bits + 31) / 32) * 4;
-    return d.size() >= qint64(offset) + stride * qAbs(height);
+    // No products of header fields: rows times stride can exceed 64 bits.
+    const qint64 stride = ((qAbs(width) * bits + 31) / 32) * 4; // below 2^48
+    const qint64 rows = qAbs(height);
+    const qint64 available = d.size() - qint64(offset);
+    if (available < 0)
+        return false;
+    return stride == 0 || rows <= available / stride;
 }
 
 // A PNG file ends with the IEND chunk and its checksum.

@@ -156,6 +156,28 @@ TEST(ErrorTrace, CredentialsNeverReachTheLine)
     EXPECT_EQ(nxr::scrubCredentials("login as admin with hunter2", {"hunter2"}), "login as admin with ***");
 }
 
+TEST(ErrorTrace, ControlCharactersNeverBreakTheLine)
+{
+    const struct
+    {
+        QString routine;
+        QString message;
+        QString line;
+    } table[] = {
+        {"CopyFile", "MC:\\A\r\nB.PNG", "[X.CopyFile] MC:\\A<CR><LF>B.PNG\r\n"},
+        {"CopyFile", QString("cut") + QChar(0) + "here", "[X.CopyFile] cut<NUL>here\r\n"},
+        {"Copy\nFile", "tab\tand escape\x1b", "[X.Copy<LF>File] tab<09>and escape<1B>\r\n"},
+        {"CopyFile", QString("para") + QChar(0x2029) + "graph", "[X.CopyFile] para<2029>graph\r\n"},
+        {"CopyFile", "plain text, \\ and \u00e9 stay", "[X.CopyFile] plain text, \\ and \u00e9 stay\r\n"},
+    };
+    for (const auto& row : table) {
+        TraceCapture trace;
+        nxr::errorTrace("X", row.routine, row.message);
+        ASSERT_EQ(trace.lines().size(), 1);
+        EXPECT_EQ(trace.lines().front(), row.line);
+    }
+}
+
 } // namespace
 
 #include "protocol_test.moc"

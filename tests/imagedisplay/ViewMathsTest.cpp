@@ -8,7 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
+#include <limits>
 #include <tuple>
 
 using nxr::ViewMaths;
@@ -335,3 +337,49 @@ TEST(StatusBarText, ZoomFormat)
 }
 
 } // namespace
+
+// ---- extreme inputs ----
+
+// Any zoom a page can set, on any image the display can hold: the view stays consistent (a
+// larger image than the view has scroll bars, positions stay in their range) and nothing
+// overflows.
+TEST(ViewMathsLimits, ExtremeZoomsAndSizesKeepTheViewConsistent)
+{
+    const float zooms[] = {1e-6f, 0.01f, 1e4f, 1e6f, 1e7f, 1e12f, 1e30f, std::numeric_limits<float>::max()};
+    const QSize images[] = {QSize(1, 1), QSize(640, 480), QSize(60000, 3), QSize(1 << 28, 1)};
+    for (const float zoom : zooms) {
+        for (const QSize image : images) {
+            SCOPED_TRACE(testing::Message()
+                         << "zoom " << zoom << " image " << image.width() << "x" << image.height());
+            ViewMaths v = makeView(QSize(640, 480), QSize(400, 300), 100);
+            v.setZoom(zoom);
+            v.setImageSize(image); // the next load keeps the zoom
+            EXPECT_LE(v.zoom(), ViewMaths::kZoomLimit);
+            const QSizeF scaled = v.scaledSize();
+            const bool wider = scaled.width() > 400.0;
+            EXPECT_EQ(v.horizontalBarNeeded(), wider);
+            const QPoint max = v.scrollMaximum();
+            EXPECT_GE(max.x(), 0);
+            EXPECT_GE(max.y(), 0);
+            EXPECT_LE(max.x(), ViewMaths::kPixelLimit);
+            if (wider) {
+                EXPECT_GT(max.x(), 0);
+            }
+            for (const QPoint wanted : {QPoint(-5, -5), QPoint(INT_MAX, INT_MAX), QPoint(INT_MIN, INT_MIN)}) {
+                v.setScrollPosition(wanted);
+                const QPoint at = v.scrollPosition();
+                EXPECT_TRUE(at.x() >= 0 && at.x() <= max.x()) << at.x();
+                EXPECT_TRUE(at.y() >= 0 && at.y() <= max.y()) << at.y();
+            }
+            v.panBy(QPoint(INT_MAX, INT_MIN));
+            v.centreOn(image.width() / 2.0, image.height() / 2.0);
+            // Centred on the middle of the image: half way along the range (while the range is not
+            // cut at the pixel limit).
+            if (wider && scaled.width() < ViewMaths::kPixelLimit) {
+                EXPECT_NEAR(v.scrollPosition().x(), max.x() / 2.0, 2.0 + max.x() * 1e-6);
+            }
+            v.anchoredZoom(1e30, QPointF(200, 150));
+            EXPECT_LE(v.zoom(), ViewMaths::kZoomLimit);
+        }
+    }
+}

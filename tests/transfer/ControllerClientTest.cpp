@@ -5,6 +5,8 @@
 
 #include <QTimer>
 
+#include <curl/curl.h>
+
 #include <functional>
 #include <vector>
 
@@ -202,3 +204,60 @@ TEST_F(ControllerClientTest, PingProbesTheHost)
 }
 
 } // namespace
+
+// Errors say what happened: the server's own reply when there is one, not the transfer
+// library's reading of it.
+TEST_F(ControllerClientTest, ErrorsSayWhatHappened)
+{
+    const QString longPath = "MC:\\" + QString(100000, 'A');
+    QString response;
+    const struct
+    {
+        const char* name;
+        std::function<void()> call;
+        int number;
+        const char* text; // the error text starts with this
+    } cases[] = {
+        {"421 on a download",
+         [&] {
+             ASSERT_TRUE(sim->setFault("reply421", 1));
+             client->FtpGetFile("MC:\\VISION\\TOOLS.TXT", localFile("t.txt"));
+         },
+         421, "421 Service not available"},
+        {"100,000-character listing path", [&] { client->FtpCommand("LIST " + longPath, 2, -1, response); },
+         CURLE_URL_MALFORMAT, "Refused: the command is too long"},
+        {"100,000-character download path", [&] { client->FtpGetFile(longPath, localFile("t.txt")); },
+         CURLE_URL_MALFORMAT, "Refused: the controller path is too long"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        connectBoth();
+        try {
+            c.call();
+            ADD_FAILURE() << "no error";
+        } catch (const TransferError& e) {
+            EXPECT_EQ(e.number(), c.number) << e.description().toStdString();
+            EXPECT_TRUE(e.description().startsWith(c.text)) << e.description().toStdString();
+        }
+    }
+}
+
+// Transfers are driven by their sockets' events and the library's timer: waiting on a silent
+// server or moving data, they are run only once a second for the time checks; only the moment the library
+// leaves an FTP data connection unopened costs a few extra runs.
+TEST_F(ControllerClientTest, TransfersAreNotPolled)
+{
+    connectBoth();
+    ASSERT_TRUE(sim->writeFile("MC:\\BIG\\ONE.BIN", QByteArray(4 << 20, 'b')));
+    const long before = client->extraRuns();
+    for (int i = 0; i < 10; ++i)
+        client->FtpGetFile("MC:\\BIG\\ONE.BIN", localFile("one.bin"));
+    EXPECT_LE(client->extraRuns() - before, 10 * 3);
+    EXPECT_EQ(QFileInfo(localFile("one.bin")).size(), 4 << 20);
+
+    ASSERT_TRUE(sim->setFault("stall_after", 0)); // RETR gets no answer: the call waits
+    client->setTimeouts({3000, 2000, 1000});
+    const long waiting = client->extraRuns();
+    EXPECT_THROW(client->FtpGetFile("MC:\\BIG\\ONE.BIN", localFile("two.bin")), TransferError);
+    EXPECT_LE(client->extraRuns() - waiting, 4) << "polled while waiting on a watched socket";
+}
