@@ -1,8 +1,8 @@
 #include "host/PageHost.h"
 
 #include "frame/PageTrust.h"
-#include "host/ErrorBanner.h"
 #include "frame/SyncCall.h"
+#include "host/ErrorBanner.h"
 #include "host/FormLoader.h"
 #include "host/FormResources.h"
 #include "host/HostAutomation.h"

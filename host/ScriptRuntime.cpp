@@ -226,12 +226,15 @@ QString ScriptRuntime::bootstrapScript(const QString& runtimeName)
     return QStringLiteral(R"JS((function (rt) {
   var slice = Array.prototype.slice;
   // Stand-ins of Qt's widgets for a controller's page, and the widgets behind them; the widgets
-  // themselves never reach the page.
-  var behind = new WeakMap();
+  // themselves never reach the page. Plain maps: the engine's weak maps are not reliable once the
+  // widgets behind their entries are gone. One stand-in a widget keeps them from growing per call.
+  var behind = new Map();
+  var standIns = new Map();
   function unwrap(value) {
     return (value !== null && typeof value === "object" && behind.has(value)) ? behind.get(value) : value;
   }
   function wrap(raw, members) {
+    if (standIns.has(raw)) return standIns.get(raw);
     var standIn = {};
     members.readOnly.forEach(function (name) {
       Object.defineProperty(standIn, name, { enumerable: true, get: function () { return raw[name]; } });
@@ -249,6 +252,7 @@ QString ScriptRuntime::bootstrapScript(const QString& runtimeName)
     standIn.toString = function () { return members.className + "(name = \"" + raw.objectName + "\")"; };
     Object.freeze(standIn);
     behind.set(standIn, raw);
+    standIns.set(raw, standIn);
     return standIn;
   }
   function makeHost(raw, automation, window) {
@@ -269,6 +273,7 @@ QString ScriptRuntime::bootstrapScript(const QString& runtimeName)
       h.child = function (w, path) { return rt.handle(raw.child(unwrap(w), String(path))); };
       h.windows = function () { return raw.windows().map(function (w) { return rt.handle(w); }); };
       h.findWindow = function (name) { return rt.handle(raw.findWindow(String(name))); };
+      h.find = function (name) { return rt.handle(raw.find(String(name))); };
       h.screenshot = function () { return raw.screenshot.apply(raw, slice.call(arguments).map(unwrap)); };
       h.exit = function () { return raw.exit.apply(raw, arguments); };
     }

@@ -21,8 +21,8 @@
 #include "imagedisplay/edit/EditSession.h"
 #include "imagedisplay/loading/DisplayLoading.h"
 #include "imagedisplay/loading/ImageFile.h"
-#include "imagedisplay/parts/MaskPart.h"
 #include "imagedisplay/parts/GraphicsPart.h"
+#include "imagedisplay/parts/MaskPart.h"
 
 #include <QFileInfo>
 #include <QFrame>

@@ -1,7 +1,7 @@
 #include "imagedisplay/loading/DisplayLoading.h"
 
-#include "imagedisplay/DisplayState.h"
 #include "frame/SyncCall.h"
+#include "imagedisplay/DisplayState.h"
 #include "imagedisplay/MouseDispatcher.h"
 #include "imagedisplay/NXEViewButtons.h"
 #include "imagedisplay/NXRImageDisplay.h"

@@ -565,8 +565,10 @@ function dialogRound() {
         host.click(button, button.width / 2, button.height / 2);
     }
     function dialogShown() {
+        // host.find answers shown windows only; a controller's page sees the dialog as a handle
+        // without members, so its visibility is not asked again.
         var d = host.find("dlg_OpenSave");
-        return d !== null && d.visible;
+        return d !== null && d.visible !== false;
     }
     try {
         // 1. Open a reference image from the USB stick.
