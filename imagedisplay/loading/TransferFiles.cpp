@@ -4,8 +4,11 @@
 #include "transfer/ControllerClient.h"
 #include "transfer/NXRFileTransferObject.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
+
+#include <cstdio>
 
 namespace nxr {
 namespace {
@@ -65,8 +68,10 @@ bool TransferFiles::copyFromController(const QString& server, const QString& con
     if (!connect(server, userName, password, error))
         return false;
     NXRFileTransferObject& t = transfer();
-    const QString name =
-        QStringLiteral("display-download-") + QString::number(quintptr(this), 16) + QStringLiteral(".tmp");
+    // Named for this process and object: several displays (and page hosts) share the storage folder.
+    const QString name = QStringLiteral("display-download-%1-%2.tmp")
+                             .arg(QCoreApplication::applicationPid())
+                             .arg(quintptr(this), 0, 16);
     if (!t.CopyFile(server, controllerPath, userName, password, name)) {
         *error = t.LastErrorString();
         return false;
@@ -76,9 +81,10 @@ bool TransferFiles::copyFromController(const QString& server, const QString& con
         *error = QStringLiteral("the copy of ") + controllerPath + QStringLiteral(" did not arrive");
         return false;
     }
-    QFile::remove(localPath);
-    if (QFile::rename(downloaded, localPath))
+    // Replace in one step, so another process writing the same file never sees it missing.
+    if (std::rename(QFile::encodeName(downloaded).constData(), QFile::encodeName(localPath).constData()) == 0)
         return true;
+    QFile::remove(localPath);
     // Another file system: copy, then drop the download.
     const bool copied = QFile::copy(downloaded, localPath);
     QFile::remove(downloaded);

@@ -1,8 +1,9 @@
-# cmake -DLUPDATE=lupdate -DSOURCE=root -DFOLDERS="frame;imagedisplay;..." -DTS=file.ts -P check_translations.cmake
+# cmake -DLUPDATE=lupdate -DSOURCE=root -DFOLDERS=frame,imagedisplay,... -DTS=file.ts -P check_translations.cmake
 string(RANDOM LENGTH 8 suffix)
 set(copy "${CMAKE_CURRENT_BINARY_DIR}/captions-${suffix}.ts")
 file(COPY_FILE "${TS}" "${copy}")
 set(folders "")
+string(REPLACE "," ";" FOLDERS "${FOLDERS}")
 foreach(folder IN LISTS FOLDERS)
   if(EXISTS "${SOURCE}/${folder}")
     list(APPEND folders "${SOURCE}/${folder}")
