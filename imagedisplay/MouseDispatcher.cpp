@@ -90,6 +90,7 @@ PointerEvent MouseDispatcher::event(RasterView* view, Qt::MouseButton changed, Q
     e.image = m_viewport.maths().toImage(device);
     e.mouseMode = m_mode;
     e.view = view;
+    e.touch = view && view->pressFromTouch();
     return e;
 }
 

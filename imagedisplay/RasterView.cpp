@@ -198,6 +198,9 @@ void RasterView::paintEvent(QPaintEvent* event)
 
 void RasterView::mousePressEvent(QMouseEvent* event)
 {
+    // Qt turns an unhandled touch into mouse events; the device tells where the press came from.
+    m_pressFromTouch =
+        event->pointingDevice() && event->pointingDevice()->type() == QInputDevice::DeviceType::TouchScreen;
     Q_EMIT mousePressed(event->button(), event->modifiers(), devicePosition(event->position()));
 }
 

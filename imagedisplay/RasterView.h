@@ -56,6 +56,8 @@ public:
     void setView(float zoom, const QPoint& origin);
 
     bool autoRepaint() const { return m_autoRepaint; }
+    // Whether the last mouse press came from a touch screen (a finger, not a mouse).
+    bool pressFromTouch() const { return m_pressFromTouch; }
     // Switching it on repaints at once.
     void setAutoRepaint(bool on);
     // Repaints now, whatever the auto-repaint setting.
@@ -121,6 +123,7 @@ private:
     float m_zoom = 100.0f;
     QPoint m_origin;
     bool m_autoRepaint = true;
+    bool m_pressFromTouch = false;
     const ViewMaths* m_maths = nullptr;
     struct Layer
     {

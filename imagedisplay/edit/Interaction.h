@@ -33,6 +33,7 @@ struct PointerEvent
     QPointF image;     // image pixels (fractional)
     int mouseMode = 1; // 1 pointer, 2 pan, 3 zoom in, 4 zoom out
     const RasterView* view = nullptr;
+    bool touch = false; // the press (or the press of this drag) came from a touch screen
 };
 
 class NXR_EXPORT Interaction

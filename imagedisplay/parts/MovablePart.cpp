@@ -43,6 +43,7 @@ EditorPointer pointerOf(const PointerEvent& e)
     p.image = e.image;
     p.button = e.changed != Qt::NoButton ? e.changed : Qt::LeftButton;
     p.modifiers = e.modifiers;
+    p.touch = e.touch;
     return p;
 }
 
@@ -159,9 +160,9 @@ void MovablePart::leaveEditMode(MovableShape shape, bool accepted)
         m_host.setViewButtonProperty(QStringLiteral("ActiveMouseCursor"), QString::number(m_mode));
     }
     if (shape == MovableShape::Window)
-        m_host.raiseEvent("OnExitMovableWindowEditMode", accepted ? 1 : 0);
+        m_host.raiseEvent("OnExitMovableWindowEditMode", accepted ? -1 : 0);
     else if (shape == MovableShape::Cursor)
-        m_host.raiseEvent("OnExitMovableCursorEditMode", accepted ? 1 : 0);
+        m_host.raiseEvent("OnExitMovableCursorEditMode", accepted ? -1 : 0);
 }
 
 void MovablePart::fail(const QString& routine, const QString& description)
@@ -190,8 +191,8 @@ void MovablePart::useView(const PointerEvent& e)
     view.scale = m_host.maths().scale();
     view.devicePixelRatio = e.view ? e.view->deviceRatio() : m_host.screenPixel();
     if (e.view && e.view->screen())
-        view.dotsPerInch = e.view->screen()->physicalDotsPerInch() * view.devicePixelRatio /
-                           e.view->screen()->devicePixelRatio();
+        // Qt's physical density counts device-independent pixels; the editor works in device pixels.
+        view.dotsPerInch = e.view->screen()->physicalDotsPerInch() * view.devicePixelRatio;
     m_shapes.editor().setView(view);
 }
 

@@ -134,7 +134,7 @@ TEST_F(DisplayMovable, ViewButtonsWindowResetAndKeysFollowTheShapes)
     EXPECT_EQ(display->viewButtons()->GetProperty("ActiveMouseCursor"), "2");
     EXPECT_EQ(display->mouseMode(), 2);
     ASSERT_EQ(windowExits->count(), 1);
-    EXPECT_EQ(windowExits->at(0).at(0).toInt(), 1);
+    EXPECT_EQ(windowExits->at(0).at(0).toInt(), -1); // True (-1) when accepted
 
     // The pair's limits through the display's keys.
     display->SetMovableLinePair(100, 100, 300, 100, 0.5);
@@ -168,6 +168,32 @@ TEST_F(DisplayMovable, EndingTheDisplayDuringAnEditCancelsItOnce)
     EXPECT_EQ(windowExits->count(), 0);
     ASSERT_EQ(clicks.count(), 1);
     EXPECT_EQ(clicks.at(0).at(0).toString(), "Cancel");
+}
+
+TEST_F(DisplayMovable, AFingerGrabsAnEdgeFartherOutThanTheMouse)
+{
+    display->setZoom(100);
+    display->viewport().setScrollPosition(QPoint(0, 0));
+    display->SetMovableWindow(200, 300, 200, 300, 0, false);
+    display->EditMovableWindow();
+    // Eight screen pixels left of the left edge: past the mouse's five, inside a finger's width.
+    const QPoint outside = at(300, 300) - QPoint(8, 0);
+    const QPoint target = outside - QPoint(40, 0);
+    drag(outside, target);
+    EXPECT_EQ(display->MovableWindowLeft(), 300.0) << "the mouse grabbed from 8 pixels out";
+
+    // The same drag from a touch screen, as Qt hands an unhandled touch on as mouse events.
+    static QPointingDevice* finger = QTest::createTouchDevice();
+    const auto touch = [&](QEvent::Type type, QPoint p, Qt::MouseButtons held) {
+        const Qt::MouseButton b = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent e(type, p, lead()->mapToGlobal(p), b, held, Qt::NoModifier, finger);
+        QApplication::sendEvent(lead(), &e);
+    };
+    touch(QEvent::MouseButtonPress, outside, Qt::LeftButton);
+    touch(QEvent::MouseMove, target, Qt::LeftButton);
+    touch(QEvent::MouseButtonRelease, target, Qt::NoButton);
+    EXPECT_LT(display->MovableWindowLeft(), 290.0) << "the finger did not grab the left edge";
+    EXPECT_NEAR(display->MovableWindowLeft() + display->MovableWindowWidth(), 600.0, 1.0);
 }
 
 } // namespace

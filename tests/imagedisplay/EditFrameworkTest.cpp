@@ -110,7 +110,7 @@ public:
     {
         finished.push_back(accepted);
         if (m_host)
-            m_host->raiseEvent("OnExitMovableWindowEditMode", accepted ? 1 : 0);
+            m_host->raiseEvent("OnExitMovableWindowEditMode", accepted ? -1 : 0);
     }
     RecordingInteraction mouse;
     std::vector<bool> finished;
@@ -379,7 +379,7 @@ TEST_F(EditFrame, AcceptAndCancelReachTheActiveEditorExactlyOnce)
     display->editSession().accept(); // a second accept finds no edit
     EXPECT_EQ(first.finished, std::vector<bool>({true}));
     ASSERT_EQ(exits.count(), 1);
-    EXPECT_EQ(exits.at(0).at(0).toInt(), 1);
+    EXPECT_EQ(exits.at(0).at(0).toInt(), -1);
     EXPECT_FALSE(ok->isVisible());
     EXPECT_EQ(display->GetProperty("EditingWindow"), "False");
     ASSERT_TRUE(pageClicks->wait(1000));

@@ -152,7 +152,7 @@ function round(zoom, angle) {
     expected = {top: original.top + 9 * map.k, left: original.left - 12 * map.k, height: original.height,
                 width: original.width, angle: original.angle};
     expect(sameWindow(windowNow(), expected, 1e-6), "accepted move at " + what + ": " + text(windowNow()));
-    expect(windowExits.length === exits + 1 && windowExits[exits] === 1,
+    expect(windowExits.length === exits + 1 && windowExits[exits] === -1,
            "one exit event (1) for the accepted edit at " + what + " (" + windowExits.slice(exits).join(",") + ")");
     // Outside an edit EraseOverlay empties the graphics, the window's item too.
     display.EraseOverlay();
