@@ -28,28 +28,28 @@ constexpr int kRowHeight = 30;
 using Caption = nxr::Globals::Caption;
 
 const Caption kToolTips[] = {
-    {"Freehand pen (right button erases)", "フリーハンド (右ボタン: 消去)"},
-    {"Joined lines (double click ends the line)", "連続線 (ダブルクリックで終了)"},
-    {"Ellipse from its centre", "楕円 (中心から)"},
-    {"Rectangle", "矩形"},
-    {"Fill an area", "塗りつぶし"},
+    {QT_TRANSLATE_NOOP("Caption", "Freehand pen (right button erases)")},
+    {QT_TRANSLATE_NOOP("Caption", "Joined lines (double click ends the line)")},
+    {QT_TRANSLATE_NOOP("Caption", "Ellipse from its centre")},
+    {QT_TRANSLATE_NOOP("Caption", "Rectangle")},
+    {QT_TRANSLATE_NOOP("Caption", "Fill an area")},
 };
 const Caption kSizeTips[] = {
-    {"Small pen (Shift: double width)", "細いペン (Shift: 2倍)"},
-    {"Medium pen (Shift: double width)", "中くらいのペン (Shift: 2倍)"},
-    {"Large pen (Shift: double width)", "太いペン (Shift: 2倍)"},
+    {QT_TRANSLATE_NOOP("Caption", "Small pen (Shift: double width)")},
+    {QT_TRANSLATE_NOOP("Caption", "Medium pen (Shift: double width)")},
+    {QT_TRANSLATE_NOOP("Caption", "Large pen (Shift: double width)")},
 };
 const Caption kCommandCaptions[] = {
-    {"All", "全て"},
-    {"None", "なし"},
-    {"Undo", "元に戻す"},
-    {"Help", "ヘルプ"},
+    {QT_TRANSLATE_NOOP("Caption", "All")},
+    {QT_TRANSLATE_NOOP("Caption", "None")},
+    {QT_TRANSLATE_NOOP("Caption", "Undo")},
+    {QT_TRANSLATE_NOOP("Caption", "Help")},
 };
 const Caption kCommandTips[] = {
-    {"Mask the whole image", "画像全体をマスク"},
-    {"Clear the whole mask", "マスクを全て消去"},
-    {"Undo the last drawing", "最後の描画を元に戻す"},
-    {"Help on mask editing", "マスク編集のヘルプ"},
+    {QT_TRANSLATE_NOOP("Caption", "Mask the whole image")},
+    {QT_TRANSLATE_NOOP("Caption", "Clear the whole mask")},
+    {QT_TRANSLATE_NOOP("Caption", "Undo the last drawing")},
+    {QT_TRANSLATE_NOOP("Caption", "Help on mask editing")},
 };
 
 QToolButton* makeButton(QWidget* parent, const QString& name, bool checkable)

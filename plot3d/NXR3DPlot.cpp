@@ -22,7 +22,13 @@ NXR_REGISTER_CLASS(NXR3DPlot)
 
 namespace {
 const QString kClass = QStringLiteral("NXR3DPlot");
-const QString kUserFrame = QStringLiteral("User Frame");
+const char* const kUserFrame = QT_TRANSLATE_NOOP("Caption", "User Frame");
+
+// A caption in the language TORVIK_LANG selects (translations/).
+QString caption(const char* english)
+{
+    return nxr::Globals::Caption{QString::fromUtf8(english)}.pick();
+}
 
 QString xyzArgs(double x, double y, double z)
 {
@@ -36,19 +42,20 @@ NXR3DPlot::NXR3DPlot(QWidget* parent) : ScriptableWidget(parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
 
-    m_frame = new QGroupBox(QStringLiteral("Rotation center"), this);
+    m_frame = new QGroupBox(caption(QT_TRANSLATE_NOOP("Caption", "Rotation center")), this);
     m_frame->setObjectName(QStringLiteral("fra_RotationCenter"));
     auto* row = new QHBoxLayout(m_frame);
     row->setContentsMargins(4, 2, 4, 2);
     m_rotationCenter = new QComboBox(m_frame);
     m_rotationCenter->setObjectName(QStringLiteral("cmb_RotationCenter"));
     m_rotationCenter->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    m_center = new QPushButton(QStringLiteral("Center"), m_frame);
+    m_center = new QPushButton(caption(QT_TRANSLATE_NOOP("Caption", "Center")), m_frame);
     m_center->setObjectName(QStringLiteral("cmd_Center"));
-    m_reference = new QCheckBox(QStringLiteral("Reference position"), m_frame);
+    m_reference = new QCheckBox(caption(QT_TRANSLATE_NOOP("Caption", "Reference position")), m_frame);
     m_reference->setObjectName(QStringLiteral("chk_ReferencelPosition"));
     m_reference->setChecked(true);
-    m_offsetReference = new QCheckBox(QStringLiteral("Offset reference position"), m_frame);
+    m_offsetReference =
+        new QCheckBox(caption(QT_TRANSLATE_NOOP("Caption", "Offset reference position")), m_frame);
     m_offsetReference->setObjectName(QStringLiteral("chk_OffsetReferencelPosition"));
     m_offsetReference->setChecked(true);
     row->addWidget(m_rotationCenter);
@@ -181,7 +188,7 @@ void NXR3DPlot::Reset()
     core().guard(QStringLiteral("Reset"), [&] {
         NXR_TRACE(kClass, QStringLiteral("Reset"), QStringLiteral("Entered"));
         m_rotationCenter->clear();
-        m_rotationCenter->addItem(kUserFrame);
+        m_rotationCenter->addItem(caption(kUserFrame));
         m_rotationCenter->setCurrentIndex(0);
     });
 }

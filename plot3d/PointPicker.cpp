@@ -1,9 +1,22 @@
 #include "plot3d/PointPicker.h"
 
+#include "frame/Globals.h"
+
 #include <cmath>
 
 namespace nxr::plot3d {
 namespace {
+// A caption in the language TORVIK_LANG selects (translations/).
+QString caption(const char* english)
+{
+    return nxr::Globals::Caption{QString::fromUtf8(english)}.pick();
+}
+
+QString mm(double value)
+{
+    return QString::number(value, 'f', 2);
+}
+
 QString xyz(const Vec3& v)
 {
     return QStringLiteral("X %1  Y %2  Z %3").arg(v.x, 0, 'f', 2).arg(v.y, 0, 'f', 2).arg(v.z, 0, 'f', 2);
@@ -42,31 +55,32 @@ PickedPoint pickPoint(const CalibrationScene& scene, const Mat4& modelView, cons
 QString tooltipText(const CalibrationScene& scene, const PickedPoint& picked)
 {
     const auto cameraName = [&](int c) {
-        return c >= 0 && c < int(scene.cameras().size()) ? scene.cameras()[size_t(c)].viewName
-                                                         : QStringLiteral("camera %1").arg(c);
+        return c >= 0 && c < int(scene.cameras().size())
+                   ? scene.cameras()[size_t(c)].viewName
+                   : caption(QT_TRANSLATE_NOOP("Caption", "camera %1")).arg(c);
     };
     switch (picked.kind) {
     case PickedPoint::Kind::None:
         return {};
     case PickedPoint::Kind::Calibration:
-        return QStringLiteral("Calibration point %1 of %2\n%3 mm")
-            .arg(picked.index + 1)
-            .arg(cameraName(picked.camera), xyz(picked.position));
+        return caption(QT_TRANSLATE_NOOP("Caption", "Calibration point %1 of %2\n%3 mm"))
+            .arg(QString::number(picked.index + 1), cameraName(picked.camera), xyz(picked.position));
     case PickedPoint::Kind::Camera:
-        return QStringLiteral("Camera %1\n%2 mm").arg(cameraName(picked.camera), xyz(picked.position));
+        return caption(QT_TRANSLATE_NOOP("Caption", "Camera %1\n%2 mm"))
+            .arg(cameraName(picked.camera), xyz(picked.position));
     case PickedPoint::Kind::Nominal:
     case PickedPoint::Kind::Found: {
         const FoundPoint& f = scene.foundPoints()[size_t(picked.index)];
         const Vec3 d = f.deviation();
-        const QString head = picked.kind == PickedPoint::Kind::Found ? QStringLiteral("Found point P%1 (%2)")
-                                                                     : QStringLiteral("Nominal of P%1 (%2)");
-        return head.arg(picked.index + 1).arg(cameraName(f.cameraIndex)) + QStringLiteral("\nfound ") +
-               xyz(f.offset) + QStringLiteral(" mm\nnominal ") + xyz(f.nominal) +
-               QStringLiteral(" mm\noffset dX %1  dY %2  dZ %3 (%4) mm")
-                   .arg(d.x, 0, 'f', 2)
-                   .arg(d.y, 0, 'f', 2)
-                   .arg(d.z, 0, 'f', 2)
-                   .arg(length(d), 0, 'f', 2);
+        const QString head = picked.kind == PickedPoint::Kind::Found
+                                 ? caption(QT_TRANSLATE_NOOP("Caption", "Found point P%1 (%2)"))
+                                 : caption(QT_TRANSLATE_NOOP("Caption", "Nominal of P%1 (%2)"));
+        // One pass over each text, so that a camera's name never takes the place of a number.
+        return head.arg(QString::number(picked.index + 1), cameraName(f.cameraIndex)) +
+               caption(QT_TRANSLATE_NOOP("Caption", "\nfound %1 mm\nnominal %2 mm"))
+                   .arg(xyz(f.offset), xyz(f.nominal)) +
+               caption(QT_TRANSLATE_NOOP("Caption", "\noffset dX %1  dY %2  dZ %3 (%4) mm"))
+                   .arg(mm(d.x), mm(d.y), mm(d.z), mm(length(d)));
     }
     }
     return {};

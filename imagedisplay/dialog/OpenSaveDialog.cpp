@@ -39,9 +39,10 @@ constexpr int kSelectorRole = Qt::UserRole + 1;
 constexpr QSize kPreviewSize(200, 150);
 constexpr int kPreviewDelayMs = 250;
 
-QString caption(const char* eg, const char* jp)
+// `english` is marked with QT_TRANSLATE_NOOP("Caption", ...); its Japanese is in translations/.
+QString caption(const char* english)
 {
-    return Globals::Caption{QString::fromUtf8(eg), QString::fromUtf8(jp)}.pick();
+    return Globals::Caption{QString::fromUtf8(english)}.pick();
 }
 
 // Sizes in one unit, so that sorting by the column orders them by size.
@@ -227,29 +228,31 @@ void OpenSaveDialog::Form_Load()
 
 void OpenSaveDialog::msub_Localize()
 {
-    m_optLocal->setText(caption("This computer", "このコンピュータ"));
-    m_optRemote->setText(caption("Robot controller", "ロボットコントローラ"));
-    m_optLog->setText(caption("Image log", "画像ログ"));
-    m_txtServer->setPlaceholderText(caption("Controller", "コントローラ"));
-    m_txtUser->setPlaceholderText(caption("User", "ユーザ"));
-    m_txtPassword->setPlaceholderText(caption("Password", "パスワード"));
-    m_cmdConnect->setText(caption("Connect", "接続"));
-    m_lblFileName->setText(caption("File name:", "ファイル名:"));
-    m_lblFileType->setText(caption("File type:", "ファイルの種類:"));
-    m_lblSaveWhat->setText(caption("Save:", "保存:"));
-    m_cmdCancel->setText(caption("Cancel", "キャンセル"));
+    m_optLocal->setText(caption(QT_TRANSLATE_NOOP("Caption", "This computer")));
+    m_optRemote->setText(caption(QT_TRANSLATE_NOOP("Caption", "Robot controller")));
+    m_optLog->setText(caption(QT_TRANSLATE_NOOP("Caption", "Image log")));
+    m_txtServer->setPlaceholderText(caption(QT_TRANSLATE_NOOP("Caption", "Controller")));
+    m_txtUser->setPlaceholderText(caption(QT_TRANSLATE_NOOP("Caption", "User")));
+    m_txtPassword->setPlaceholderText(caption(QT_TRANSLATE_NOOP("Caption", "Password")));
+    m_cmdConnect->setText(caption(QT_TRANSLATE_NOOP("Caption", "Connect")));
+    m_lblFileName->setText(caption(QT_TRANSLATE_NOOP("Caption", "File name:")));
+    m_lblFileType->setText(caption(QT_TRANSLATE_NOOP("Caption", "File type:")));
+    m_lblSaveWhat->setText(caption(QT_TRANSLATE_NOOP("Caption", "Save:")));
+    m_cmdCancel->setText(caption(QT_TRANSLATE_NOOP("Caption", "Cancel")));
     m_lvwFiles->ClearColumns();
-    m_lvwFiles->AddColumn(caption("Name", "名前"), 1, 220);
-    m_lvwFiles->AddColumn(caption("Size", "サイズ"), 2, 80);
-    m_lvwFiles->AddColumn(caption("Date modified", "更新日時"), 3, 130);
+    m_lvwFiles->AddColumn(caption(QT_TRANSLATE_NOOP("Caption", "Name")), 1, 220);
+    m_lvwFiles->AddColumn(caption(QT_TRANSLATE_NOOP("Caption", "Size")), 2, 80);
+    m_lvwFiles->AddColumn(caption(QT_TRANSLATE_NOOP("Caption", "Date modified")), 3, 130);
     showMode();
 }
 
 void OpenSaveDialog::showMode()
 {
     const bool save = m_mode == Mode::Save;
-    setWindowTitle(save ? caption("Save image", "画像の保存") : caption("Open image", "画像を開く"));
-    m_cmdOK->setText(save ? caption("Save", "保存") : caption("Open", "開く"));
+    setWindowTitle(save ? caption(QT_TRANSLATE_NOOP("Caption", "Save image"))
+                        : caption(QT_TRANSLATE_NOOP("Caption", "Open image")));
+    m_cmdOK->setText(save ? caption(QT_TRANSLATE_NOOP("Caption", "Save"))
+                          : caption(QT_TRANSLATE_NOOP("Caption", "Open")));
     m_lblSaveWhat->setVisible(save);
     m_cmbSaveWhat->setVisible(save);
     m_optLog->setVisible(!save && m_logEnabled);
@@ -257,8 +260,9 @@ void OpenSaveDialog::showMode()
     if (save) {
         // A display in grey shows grey images only; in colour it can save either.
         if (m_colorMode)
-            m_cmbSaveWhat->addItem(caption("Image as shown (colour)", "表示中の画像 (カラー)"), SaveAsShown);
-        m_cmbSaveWhat->addItem(caption("Grey-scale image", "グレースケール画像"), SaveGrey);
+            m_cmbSaveWhat->addItem(caption(QT_TRANSLATE_NOOP("Caption", "Image as shown (colour)")),
+                                   SaveAsShown);
+        m_cmbSaveWhat->addItem(caption(QT_TRANSLATE_NOOP("Caption", "Grey-scale image")), SaveGrey);
     }
 }
 
@@ -351,7 +355,7 @@ void OpenSaveDialog::selectSource(Source source)
     }
     m_pages->setCurrentIndex(int(source));
     if (source == Source::Log) {
-        setStatus(caption("Asking the page for the image log...", "画像ログを要求しています..."));
+        setStatus(caption(QT_TRANSLATE_NOOP("Caption", "Asking the page for the image log...")));
         Q_EMIT logListRequested();
     }
 }
@@ -364,8 +368,7 @@ void OpenSaveDialog::msub_DrawRemoteSelect()
     m_tvwFolders->ClearTree();
     m_lvwFiles->ClearList();
     if (!m_remote || !m_remote->isConnected()) {
-        setStatus(caption("Enter the controller and press Connect.",
-                          "コントローラを入力して接続を押してください。"));
+        setStatus(caption(QT_TRANSLATE_NOOP("Caption", "Enter the controller and press Connect.")));
         return;
     }
     for (const QString& root : RemotePaths::rootFolders())
@@ -378,7 +381,7 @@ void OpenSaveDialog::cmd_Connect_Click()
     const QString routine = QStringLiteral("cmd_Connect_Click");
     const QString server = m_txtServer->text().trimmed();
     if (server.isEmpty()) {
-        fail(routine, caption("No controller given", "コントローラが指定されていません"));
+        fail(routine, caption(QT_TRANSLATE_NOOP("Caption", "No controller given")));
         return;
     }
     ++m_generation; // whatever was listing belongs to the old connection
@@ -394,7 +397,7 @@ void OpenSaveDialog::cmd_Connect_Click()
         fail(routine, QStringLiteral("no connection to the controller can be made"));
         return;
     }
-    setStatus(caption("Connecting to ", "接続中: ") + server + QStringLiteral("..."));
+    setStatus(caption(QT_TRANSLATE_NOOP("Caption", "Connecting to ")) + server + QStringLiteral("..."));
     m_cmdConnect->setEnabled(false);
     QPointer<OpenSaveDialog> self(this);
     RemoteFolders* remote = m_remote.get();
@@ -416,7 +419,7 @@ void OpenSaveDialog::cmd_Connect_Click()
         fail(routine, error);
         return;
     }
-    setStatus(caption("Connected to ", "接続済み: ") + server);
+    setStatus(caption(QT_TRANSLATE_NOOP("Caption", "Connected to ")) + server);
     msub_DrawRemoteSelect();
 }
 
@@ -460,7 +463,7 @@ void OpenSaveDialog::msub_RefreshFoldersAndFiles(const QString& folder)
     if (m_listing || m_previewing)
         return; // the running listing (or preview) sees the new wish when it ends
     if (!m_remote || !m_remote->isConnected()) {
-        fail(routine, caption("Not connected", "接続されていません"));
+        fail(routine, caption(QT_TRANSLATE_NOOP("Caption", "Not connected")));
         return;
     }
     m_listing = true;
@@ -468,7 +471,7 @@ void OpenSaveDialog::msub_RefreshFoldersAndFiles(const QString& folder)
     while (self && !m_wantedFolder.isEmpty()) {
         const QString wanted = std::exchange(m_wantedFolder, QString());
         const int generation = m_generation;
-        setStatus(caption("Listing ", "一覧を取得中: ") + wanted + QStringLiteral("..."));
+        setStatus(caption(QT_TRANSLATE_NOOP("Caption", "Listing ")) + wanted + QStringLiteral("..."));
         RemoteFolders* remote = m_remote.get();
         std::vector<RemoteEntry> entries;
         QString error;
@@ -482,7 +485,7 @@ void OpenSaveDialog::msub_RefreshFoldersAndFiles(const QString& folder)
         if (generation != m_generation || !isVisible())
             continue; // another folder, another connection or a closed dialog: this answer is stale
         if (!ok) {
-            fail(routine, error.isEmpty() ? caption("Not connected", "接続されていません") : error);
+            fail(routine, error.isEmpty() ? caption(QT_TRANSLATE_NOOP("Caption", "Not connected")) : error);
             break;
         }
         showEntries(wanted, entries);
@@ -546,8 +549,8 @@ void OpenSaveDialog::showEntries(const QString& folder, const std::vector<Remote
     m_fillGeneration = m_generation;
     m_fillPending = true;
     setStatus(folder + QStringLiteral(": ") + QString::number(m_fill.size()) + QLatin1Char(' ') +
-              caption("files", "ファイル") + QStringLiteral(", ") + QString::number(folders) +
-              QLatin1Char(' ') + caption("folders", "フォルダ"));
+              caption(QT_TRANSLATE_NOOP("Caption", "files")) + QStringLiteral(", ") +
+              QString::number(folders) + QLatin1Char(' ') + caption(QT_TRANSLATE_NOOP("Caption", "folders")));
     fillSlice();
 }
 
@@ -630,7 +633,7 @@ void OpenSaveDialog::showPreview()
     if (generation == m_previewGeneration && isVisible()) {
         const QImage image = ok ? QImage(local) : QImage();
         if (image.isNull())
-            m_lblPreview->setText(caption("No preview", "プレビューなし"));
+            m_lblPreview->setText(caption(QT_TRANSLATE_NOOP("Caption", "No preview")));
         else
             m_lblPreview->setPixmap(QPixmap::fromImage(
                 image.scaled(kPreviewSize, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
@@ -653,7 +656,7 @@ void OpenSaveDialog::setLocalFolder(const QString& folder)
     const QFileInfo info(folder);
     if (!info.isDir()) {
         fail(QStringLiteral("setLocalFolder"),
-             caption("No such folder: ", "フォルダがありません: ") + folder);
+             caption(QT_TRANSLATE_NOOP("Caption", "No such folder: ")) + folder);
         return;
     }
     m_localFolder = info.absoluteFilePath();
@@ -704,7 +707,7 @@ void OpenSaveDialog::showLog(const clsLogDataList& log)
             newest->child(i)->setExpanded(true);
     }
     setStatus(QString::number(log.imageCount()) + QLatin1Char(' ') +
-              caption("logged images", "件のログ画像"));
+              caption(QT_TRANSLATE_NOOP("Caption", "logged images")));
 }
 
 void OpenSaveDialog::logItemActivated()
@@ -741,7 +744,7 @@ bool OpenSaveDialog::acceptLog()
     QTreeWidgetItem* item = m_tvwLog->currentItem();
     const auto entry = item ? LogSelector::decode(item->data(0, kSelectorRole).toString()) : std::nullopt;
     if (!entry) {
-        setStatus(caption("Pick a time stamp in the log.", "ログのタイムスタンプを選んでください。"), true);
+        setStatus(caption(QT_TRANSLATE_NOOP("Caption", "Pick a time stamp in the log.")), true);
         return false;
     }
     m_choice.source = Source::Log;
@@ -754,7 +757,7 @@ bool OpenSaveDialog::acceptRemote()
     const QString routine = QStringLiteral("cmd_OK_Click");
     QString name = m_txtFileName->text().trimmed();
     if (name.isEmpty()) {
-        setStatus(caption("Pick a file.", "ファイルを選んでください。"), true);
+        setStatus(caption(QT_TRANSLATE_NOOP("Caption", "Pick a file.")), true);
         return false;
     }
     // A whole controller path typed in stands for itself; a plain name is in the shown folder.
@@ -762,18 +765,18 @@ bool OpenSaveDialog::acceptRemote()
     if (m_mode == Mode::Save && Globals::imageExtension(path).isEmpty())
         path += m_choice.extension;
     if (!RemotePaths::isFilePath(path)) {
-        fail(routine,
-             caption("Not a controller file path: ", "コントローラのファイルパスではありません: ") + path);
+        fail(routine, caption(QT_TRANSLATE_NOOP("Caption", "Not a controller file path: ")) + path);
         return false;
     }
     if (m_mode == Mode::Save && RemotePaths::isMemoryDevice(path)) {
-        fail(routine, RemotePaths::deviceOf(path) +
-                          caption(" is a memory device of the controller: images cannot be saved there.",
-                                  " はコントローラのメモリデバイスです。画像は保存できません。"));
+        fail(routine,
+             RemotePaths::deviceOf(path) +
+                 caption(QT_TRANSLATE_NOOP(
+                     "Caption", " is a memory device of the controller: images cannot be saved there.")));
         return false;
     }
     if (!m_remote || !m_remote->isConnected()) {
-        fail(routine, caption("Not connected", "接続されていません"));
+        fail(routine, caption(QT_TRANSLATE_NOOP("Caption", "Not connected")));
         return false;
     }
     m_choice.source = Source::Remote;
@@ -789,14 +792,14 @@ bool OpenSaveDialog::acceptLocal()
     const QString routine = QStringLiteral("cmd_OK_Click");
     const QString name = m_txtFileName->text().trimmed();
     if (name.isEmpty()) {
-        setStatus(caption("Pick a file.", "ファイルを選んでください。"), true);
+        setStatus(caption(QT_TRANSLATE_NOOP("Caption", "Pick a file.")), true);
         return false;
     }
     QString path = QDir(m_localFolder).absoluteFilePath(QDir::fromNativeSeparators(name));
     const QFileInfo info(path);
     if (m_mode == Mode::Open) {
         if (!info.isFile()) {
-            fail(routine, caption("No such file: ", "ファイルがありません: ") + path);
+            fail(routine, caption(QT_TRANSLATE_NOOP("Caption", "No such file: ")) + path);
             return false;
         }
     } else {
@@ -804,7 +807,7 @@ bool OpenSaveDialog::acceptLocal()
             path += m_choice.extension.toLower();
         if (!QFileInfo(QFileInfo(path).absolutePath()).isDir()) {
             fail(routine,
-                 caption("No such folder: ", "フォルダがありません: ") + QFileInfo(path).absolutePath());
+                 caption(QT_TRANSLATE_NOOP("Caption", "No such folder: ")) + QFileInfo(path).absolutePath());
             return false;
         }
     }

@@ -3,9 +3,17 @@
 #include "frame/Globals.h"
 #include "imagedisplay/NXRImageDisplay.h"
 #include "imagedisplay/NXRViewButtons.h"
+#include "imagedisplay/dialog/OpenSaveDialog.h"
+#include "mask/MaskTypes.h"
+#include "mask/NXRMaskToolButtons.h"
+#include "plot3d/NXR3DPlot.h"
+#include "plot3d/PointPicker.h"
 
 #include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QFile>
+#include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
 #include <QXmlStreamReader>
@@ -13,6 +21,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <functional>
 
 namespace {
 
@@ -75,6 +84,76 @@ TEST(Captions, ControlsShowJapaneseWithTorvikLangJp)
         << texts.join(QLatin1Char('|')).toStdString();
     EXPECT_TRUE(texts.contains(QString::fromUtf8("キャンセル")))
         << texts.join(QLatin1Char('|')).toStdString();
+}
+
+// One caption of each control, read from a freshly made control: the English text without
+// TORVIK_LANG, the Japanese one from the compiled set with it.
+TEST(Captions, EveryControlFollowsTheLanguage)
+{
+    using Read = std::function<QString()>;
+    const auto radio = [](QWidget& w, const char* name) {
+        return w.findChild<QAbstractButton*>(QString::fromLatin1(name))->text();
+    };
+    struct Case
+    {
+        const char* what;
+        Read read;
+        const char* english;
+        const char* japanese;
+    } cases[] = {
+        {"mask command", [] { return NXRMaskToolButtons().commandButton(KSEMaskCommand_MaskAll)->text(); },
+         "All", "全て"},
+        {"mask tool tip", [] { return NXRMaskToolButtons().toolButton(KSEMaskTool_Fill)->toolTip(); },
+         "Fill an area", "塗りつぶし"},
+        {"dialog title", [] { return nxr::OpenSaveDialog({}).windowTitle(); }, "Open image", "画像を開く"},
+        {"dialog source",
+         [&] {
+             nxr::OpenSaveDialog d({});
+             return radio(d, "opt_Remote");
+         },
+         "Robot controller", "ロボットコントローラ"},
+        {"dialog save choice",
+         [] {
+             nxr::OpenSaveDialog d({});
+             d.ShowSaveDialog(true);
+             const QString text = d.findChild<QComboBox*>("cmb_SaveWhat")->itemText(0);
+             d.reject();
+             return text;
+         },
+         "Image as shown (colour)", "表示中の画像 (カラー)"},
+        {"3D plot frame", [] { return NXR3DPlot().findChild<QGroupBox*>("fra_RotationCenter")->title(); },
+         "Rotation center", "回転中心"},
+        {"3D plot check box",
+         [] { return NXR3DPlot().findChild<QCheckBox*>("chk_OffsetReferencelPosition")->text(); },
+         "Offset reference position", "オフセット基準位置"},
+        {"3D plot centre list",
+         [] {
+             NXR3DPlot plot;
+             plot.Reset();
+             return plot.findChild<QComboBox*>("cmb_RotationCenter")->itemText(0);
+         },
+         "User Frame", "ユーザフレーム"},
+        {"3D plot point tip",
+         [] {
+             nxr::plot3d::CalibrationScene scene;
+             nxr::plot3d::Camera camera;
+             camera.viewName = QStringLiteral("CAM1");
+             scene.addCamera(camera);
+             nxr::plot3d::PickedPoint picked;
+             picked.kind = nxr::plot3d::PickedPoint::Kind::Camera;
+             picked.camera = 0;
+             return nxr::plot3d::tooltipText(scene, picked);
+         },
+         "Camera CAM1\nX 0.00  Y 0.00  Z 0.00 mm", "カメラ CAM1\nX 0.00  Y 0.00  Z 0.00 mm"},
+    };
+    for (const Case& c : cases) {
+        {
+            LanguageScope scope(nullptr);
+            EXPECT_EQ(c.read(), QString::fromUtf8(c.english)) << c.what;
+        }
+        LanguageScope scope("jp");
+        EXPECT_EQ(c.read(), QString::fromUtf8(c.japanese)) << c.what;
+    }
 }
 
 TEST(Captions, TheJapaneseSetIsCompleteAndCompiledIn)
