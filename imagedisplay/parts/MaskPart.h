@@ -27,6 +27,7 @@ class QObject;
 namespace nxr {
 
 class EditHost;
+class MaskEditLayer;
 class MaskInteraction;
 class MaskTintLayer;
 
@@ -53,8 +54,7 @@ public:
     void setAutoRepaint(bool on) override;
     bool inBatchUpdate() const override { return false; }
     void resetAndRedraw() override;
-    QImage& editView() override;
-    void editViewChanged(const QRect& changed) override;
+    void editMaskChanged(const QRect& changed) override;
     void repaintEditArea(const QRectF& area) override;
     void showMaskEditControls(bool show) override;
     void setBusyPointer(bool busy) override;
@@ -81,6 +81,7 @@ private:
     MaskSession m_session;
     std::unique_ptr<MaskInteraction> m_interaction;
     std::unique_ptr<MaskTintLayer> m_tint;
+    std::unique_ptr<MaskEditLayer> m_editTint;
 };
 
 } // namespace nxr
