@@ -91,6 +91,9 @@ MaskPart::MaskPart(EditHost& host) : m_host(host), m_display(displayOf(host)), m
     m_editTint = std::make_unique<MaskEditLayer>([this]() -> const QImage* {
         return m_session.isEditing() ? &m_session.editor().working() : nullptr;
     });
+    // The mask view shows the camera image during an edit: a grey one stays grey (no colour copy
+    // of four bytes a pixel), so the edit holds little beside its masks.
+    m_display.maskLeadView()->setPaintReadyCopy(false);
     m_host.addLayer(*m_interaction, kPointerLayerOrder, EditHost::View::Mask);
     m_host.addLayer(*m_editTint, kTintLayerOrder, EditHost::View::Mask);
 }
