@@ -2,9 +2,10 @@
 // Mask editing plugged into the image display: the adapter between the display and the mask
 // session (mask/MaskSession).
 //   - MaskHost over the display: its image list and controller files, the mask view
-//     ctl_MaskLEAD (the edit view is its bitmap, composed in place, so a brush stroke costs what
-//     it touches), the palette ctl_NXRMaskToolButtons (beside the image while an edit is open),
-//     errors and OnExitMaskEditMode;
+//     ctl_MaskLEAD (the camera image as its bitmap, the working mask tinted over it by
+//     MaskEditLayer for the repainted pixels only, so a brush stroke costs what it touches),
+//     the palette ctl_NXRMaskToolButtons (beside the image while an edit is open), errors and
+//     OnExitMaskEditMode;
 //   - the Editor the edit session runs: OK/Cancel, Enter/Escape and the display's end finish the
 //     mask edit through it;
 //   - MaskInteraction, the mouse and keys over the mask view and the outlines drawn there, and
