@@ -159,6 +159,13 @@ void RasterRenderer::imageChanged(const QRect& region)
     }
 }
 
+void RasterRenderer::setPaintReadyCopy(bool allowed)
+{
+    m_paintReadyAllowed = allowed;
+    if (!allowed)
+        m_paintReady = QImage();
+}
+
 void RasterRenderer::discardBuffer()
 {
     m_bufferValid = false;
@@ -242,8 +249,9 @@ void RasterRenderer::paint(QPainter& painter, const QRect& area, float zoom, con
     const bool exact = std::abs(levelScale - 1.0) < 1e-9;
 
     const bool greyAtFull = exact && levelIndex == 0 && src.format() == QImage::Format_Grayscale8;
-    if (greyAtFull && (!m_paintReady.isNull() || (m_greyConversions >= kConversionsBeforeCopy &&
-                                                  qint64(src.width()) * src.height() <= kPaintReadyPixels))) {
+    if (greyAtFull &&
+        (!m_paintReady.isNull() || (m_paintReadyAllowed && m_greyConversions >= kConversionsBeforeCopy &&
+                                    qint64(src.width()) * src.height() <= kPaintReadyPixels))) {
         if (m_paintReady.isNull()) {
             m_paintReady = QImage(src.size(), QImage::Format_RGB32);
             for (int y = 0; y < src.height(); ++y)

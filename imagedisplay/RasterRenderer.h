@@ -53,6 +53,11 @@ public:
     QImage& editableImage() { return m_image; }
     // Drops the scaled buffer only, so that the next paint scales again.
     void discardBuffer();
+    // Whether a grey bitmap may get its paint-ready colour copy (on by default). A view that
+    // must not hold four bytes a pixel of its bitmap turns it off and keeps converting the
+    // visible part.
+    void setPaintReadyCopy(bool allowed);
+    bool hasPaintReadyCopy() const { return !m_paintReady.isNull(); }
 
     void setBackground(const QColor& color) { m_background = color; }
     QColor background() const { return m_background; }
@@ -73,9 +78,10 @@ private:
     void convertBuffer(const QImage& grey, const QRect& target, const QPoint& origin);
 
     QImage m_image;
-    QImage m_converted;           // RGB32 copy for formats drawn through a conversion
-    QImage m_paintReady;          // RGB32 copy of a grey bitmap for drawing at 100 %
-    int m_greyConversions = 0;    // conversions of the visible part of this grey bitmap
+    QImage m_converted;        // RGB32 copy for formats drawn through a conversion
+    QImage m_paintReady;       // RGB32 copy of a grey bitmap for drawing at 100 %
+    int m_greyConversions = 0; // conversions of the visible part of this grey bitmap
+    bool m_paintReadyAllowed = true;
     std::vector<QImage> m_levels; // m_levels[k - 1] is reduction level k
     QColor m_background = QColor(128, 128, 128);
 

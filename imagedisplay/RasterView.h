@@ -74,6 +74,8 @@ public:
     // changed image rectangle afterwards: only that part of the reductions is rebuilt and only
     // that part of the view repainted.
     QImage& editableBitmap() { return m_renderer.editableImage(); }
+    // Whether a grey bitmap may get a paint-ready colour copy (RasterRenderer); on by default.
+    void setPaintReadyCopy(bool allowed) { m_renderer.setPaintReadyCopy(allowed); }
     void bitmapChanged(const QRect& imageRect);
 
     // Layers painted over the image on every repaint, lowest order first (equal orders in the

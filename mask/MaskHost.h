@@ -31,12 +31,11 @@ public:
     virtual bool inBatchUpdate() const = 0;
     // Resets and redraws the display, which shows the masks ShowMask selects.
     virtual void resetAndRedraw() = 0;
-    // During an edit: the bitmap the display shows, the camera image with the working mask over
-    // it. The session composes it in place and then calls editViewChanged with the rectangle it
-    // composed (the whole bitmap when it was null or of another size, as when the edit starts);
-    // the host repaints only that. The host may drop the bitmap when the edit has ended.
-    virtual QImage& editView() = 0;
-    virtual void editViewChanged(const QRect& changed) = 0;
+    // During an edit the display shows the camera image with the session's working mask
+    // (MaskSession::editor().working()) tinted over it. The session calls this with the rectangle
+    // of the working mask that changed (the whole mask when the edit starts); the host repaints
+    // only that.
+    virtual void editMaskChanged(const QRect& changed) = 0;
     // Repaints an image area whose pixels did not change: the outline of a dragged shape moved.
     virtual void repaintEditArea(const QRectF& area) = 0;
     // Shows or hides the mask palette and the flashing Accept/Cancel buttons.

@@ -199,15 +199,9 @@ void MaskSession::refresh(const QRect& changed)
             QStringLiteral("Error in msub_ShowCombinedMaskAndImageBitmap: no mask image in ImageList"));
         return;
     }
-    QImage camera = m_host.imageList().image(ImageList::kCurrent);
-    if (camera.isNull() || camera.size() != m_editor.working().size()) {
-        camera = QImage(m_editor.working().size(), QImage::Format_Grayscale8);
-        camera.fill(0);
-    }
-    QImage& view = m_host.editView();
-    const bool whole = view.size() != camera.size() || view.format() != QImage::Format_RGB32;
-    MaskCompositor::compose(camera, {m_editor.working()}, changed, &view);
-    m_host.editViewChanged(whole ? view.rect() : changed.intersected(view.rect()));
+    const QRect area = changed.intersected(m_editor.working().rect());
+    if (!area.isEmpty())
+        m_host.editMaskChanged(area);
 }
 
 void MaskSession::refreshUndoCommand()

@@ -8,6 +8,7 @@
 #include "imagedisplay/ViewMaths.h"
 #include "imagedisplay/edit/EditSession.h"
 #include "imagedisplay/loading/DisplayLoading.h"
+#include "imagedisplay/parts/MaskEditLayer.h"
 #include "imagedisplay/parts/MaskInteraction.h"
 #include "imagedisplay/parts/MaskTintLayer.h"
 #include "mask/NXRMaskToolButtons.h"
@@ -87,13 +88,21 @@ MaskPart::MaskPart(EditHost& host) : m_host(host), m_display(displayOf(host)), m
     m_interaction = std::make_unique<MaskInteraction>(m_session, m_host);
     m_tint = std::make_unique<MaskTintLayer>(
         imageList(), [this] { return m_session.ShowMask(); }, [this] { return m_session.isEditing(); });
+    m_editTint = std::make_unique<MaskEditLayer>([this]() -> const QImage* {
+        return m_session.isEditing() ? &m_session.editor().working() : nullptr;
+    });
+    // The mask view shows the camera image during an edit: a grey one stays grey (no colour copy
+    // of four bytes a pixel), so the edit holds little beside its masks.
+    m_display.maskLeadView()->setPaintReadyCopy(false);
     m_host.addLayer(*m_interaction, kPointerLayerOrder, EditHost::View::Mask);
+    m_host.addLayer(*m_editTint, kTintLayerOrder, EditHost::View::Mask);
 }
 
 MaskPart::~MaskPart()
 {
     m_host.removeLayer(*m_interaction);
     m_host.removeLayer(*m_tint);
+    m_host.removeLayer(*m_editTint);
     m_host.session().leave(*this);
     delete m_frameWatch;
     delete m_palette;
@@ -154,21 +163,25 @@ void MaskPart::resetAndRedraw()
     m_display.RefreshDisplay();
 }
 
-QImage& MaskPart::editView()
-{
-    return m_display.maskLeadView()->editableBitmap();
-}
-
-void MaskPart::editViewChanged(const QRect& changed)
+void MaskPart::editMaskChanged(const QRect& changed)
 {
     RasterView* view = m_display.maskLeadView();
-    if (changed == view->bitmap().rect()) {
-        // A new or wholly changed bitmap: everything made from it is made again when painted.
-        const QImage whole = view->bitmap();
-        view->setBitmap(whole);
-    } else {
-        view->bitmapChanged(changed);
+    const QSize size = m_session.editor().working().size();
+    QImage camera = imageList().image(ImageList::kCurrent);
+    const bool shown =
+        view->bitmap().size() == size && (camera.isNull() || view->bitmap().cacheKey() == camera.cacheKey() ||
+                                          changed != QRect(QPoint(0, 0), size));
+    if (shown) {
+        view->repaintImage(QRectF(changed));
+        return;
     }
+    // The mask view shows the camera image itself (shared, not copied); the edit layer tints the
+    // working mask over it when painted.
+    if (camera.isNull() || camera.size() != size) {
+        camera = QImage(size, QImage::Format_Grayscale8);
+        camera.fill(0);
+    }
+    view->setBitmap(camera);
 }
 
 void MaskPart::repaintEditArea(const QRectF& area)

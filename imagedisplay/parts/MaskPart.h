@@ -2,9 +2,10 @@
 // Mask editing plugged into the image display: the adapter between the display and the mask
 // session (mask/MaskSession).
 //   - MaskHost over the display: its image list and controller files, the mask view
-//     ctl_MaskLEAD (the edit view is its bitmap, composed in place, so a brush stroke costs what
-//     it touches), the palette ctl_NXRMaskToolButtons (beside the image while an edit is open),
-//     errors and OnExitMaskEditMode;
+//     ctl_MaskLEAD (the camera image as its bitmap, the working mask tinted over it by
+//     MaskEditLayer for the repainted pixels only, so a brush stroke costs what it touches),
+//     the palette ctl_NXRMaskToolButtons (beside the image while an edit is open), errors and
+//     OnExitMaskEditMode;
 //   - the Editor the edit session runs: OK/Cancel, Enter/Escape and the display's end finish the
 //     mask edit through it;
 //   - MaskInteraction, the mouse and keys over the mask view and the outlines drawn there, and
@@ -27,6 +28,7 @@ class QObject;
 namespace nxr {
 
 class EditHost;
+class MaskEditLayer;
 class MaskInteraction;
 class MaskTintLayer;
 
@@ -53,8 +55,7 @@ public:
     void setAutoRepaint(bool on) override;
     bool inBatchUpdate() const override { return false; }
     void resetAndRedraw() override;
-    QImage& editView() override;
-    void editViewChanged(const QRect& changed) override;
+    void editMaskChanged(const QRect& changed) override;
     void repaintEditArea(const QRectF& area) override;
     void showMaskEditControls(bool show) override;
     void setBusyPointer(bool busy) override;
@@ -81,6 +82,7 @@ private:
     MaskSession m_session;
     std::unique_ptr<MaskInteraction> m_interaction;
     std::unique_ptr<MaskTintLayer> m_tint;
+    std::unique_ptr<MaskEditLayer> m_editTint;
 };
 
 } // namespace nxr

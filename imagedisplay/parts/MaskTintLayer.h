@@ -1,7 +1,7 @@
 #pragma once
 // The masks ShowMask selects, tinted over the camera image outside a mask edit: every masked
 // pixel shows its colour blended half and half with the image (both masks: the don't-care mask
-// first, the emphasis mask over it), as the edit view does.
+// first, the emphasis mask over it), as the mask view does during an edit (MaskEditLayer).
 //
 // The layer keeps one premultiplied overlay built from the masks in the image list, rebuilt when
 // the selection or one of the masks changed, and draws the visible part of it scaled to the view.

@@ -192,6 +192,17 @@ TEST_F(MaskDisplay, WhatIsPaintedAtAnyZoomIsWhatTheControllerReceives)
         // on the working mask before accepting, then the file.
         EXPECT_TRUE(isRed(working().pixel(600, 20)));
         EXPECT_TRUE(isBlack(working().pixel(366, 225)));
+        // The view shows the red mask blended half and half with the grey 100 camera image, and
+        // the grey image in the notch.
+        QApplication::processEvents();
+        const QImage shot = view()->grab().toImage();
+        const QRgb masked = shot.pixel(maths().toScreen(QPointF(320.5, 150.5)).toPoint());
+        const QRgb notch = shot.pixel(maths().toScreen(QPointF(366.5, 225.5)).toPoint());
+        EXPECT_NEAR(qRed(masked), 177, 3);
+        EXPECT_NEAR(qGreen(masked), 50, 3);
+        EXPECT_NEAR(qBlue(masked), 50, 3);
+        EXPECT_NEAR(qRed(notch), 100, 3);
+        EXPECT_NEAR(qBlue(notch), 100, 3);
 
         QSignalSpy accepted(display.get(), &NXRImageDisplay::OnExitMaskEditMode);
         okButton()->click();

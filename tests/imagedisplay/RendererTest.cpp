@@ -212,32 +212,38 @@ namespace {
 
 // A grey bitmap at 100 % shows the same pixels whether its visible part is converted on each
 // repaint or, once it has been scrolled a few times, drawn from its colour copy; a change in
-// place reaches the copy too.
+// place reaches the copy too. A renderer not allowed the copy never makes one and shows the same.
 TEST(RendererGrey, ScrollingAGreyBitmapShowsItsGreyValuesBeforeAndAfterItsColourCopy)
 {
-    RasterRenderer grey;
-    grey.setBackground(kBackground);
-    grey.setImage(pattern(QImage::Format_Grayscale8, 80, 60));
-    RasterRenderer colour;
-    colour.setBackground(kBackground);
-    colour.setImage(pattern(QImage::Format_Grayscale8, 80, 60).convertToFormat(QImage::Format_RGB32));
-    for (int step = 0; step < RasterRenderer::kConversionsBeforeCopy + 3; ++step) {
-        const QPoint origin(-step, 2 - step);
-        EXPECT_EQ(render(grey, QSize(70, 50), 100.0f, origin), render(colour, QSize(70, 50), 100.0f, origin))
-            << step;
-    }
-    const QRect changed(10, 5, 7, 3);
-    QImage& bitmap = grey.editableImage();
-    QImage expected = colour.image().copy();
-    for (int y = changed.top(); y <= changed.bottom(); ++y)
-        for (int x = changed.left(); x <= changed.right(); ++x) {
-            bitmap.scanLine(y)[x] = uchar(3 * x);
-            expected.setPixel(x, y, qRgb(3 * x, 3 * x, 3 * x));
+    for (const bool copyAllowed : {true, false}) {
+        SCOPED_TRACE(copyAllowed ? "copy allowed" : "no copy");
+        RasterRenderer grey;
+        grey.setPaintReadyCopy(copyAllowed);
+        grey.setBackground(kBackground);
+        grey.setImage(pattern(QImage::Format_Grayscale8, 80, 60));
+        RasterRenderer colour;
+        colour.setBackground(kBackground);
+        colour.setImage(pattern(QImage::Format_Grayscale8, 80, 60).convertToFormat(QImage::Format_RGB32));
+        for (int step = 0; step < RasterRenderer::kConversionsBeforeCopy + 3; ++step) {
+            const QPoint origin(-step, 2 - step);
+            EXPECT_EQ(render(grey, QSize(70, 50), 100.0f, origin),
+                      render(colour, QSize(70, 50), 100.0f, origin))
+                << step;
         }
-    grey.imageChanged(changed);
-    colour.setImage(expected);
-    EXPECT_EQ(render(grey, QSize(70, 50), 100.0f, QPoint(0, 0)),
-              render(colour, QSize(70, 50), 100.0f, QPoint(0, 0)));
+        EXPECT_EQ(grey.hasPaintReadyCopy(), copyAllowed);
+        const QRect changed(10, 5, 7, 3);
+        QImage& bitmap = grey.editableImage();
+        QImage expected = colour.image().copy();
+        for (int y = changed.top(); y <= changed.bottom(); ++y)
+            for (int x = changed.left(); x <= changed.right(); ++x) {
+                bitmap.scanLine(y)[x] = uchar(3 * x);
+                expected.setPixel(x, y, qRgb(3 * x, 3 * x, 3 * x));
+            }
+        grey.imageChanged(changed);
+        colour.setImage(expected);
+        EXPECT_EQ(render(grey, QSize(70, 50), 100.0f, QPoint(0, 0)),
+                  render(colour, QSize(70, 50), 100.0f, QPoint(0, 0)));
+    }
 }
 
 } // namespace

@@ -51,7 +51,6 @@ public:
     int redraws = 0;
     bool controlsShown = false;
     bool busy = false;
-    QImage lastView;
     std::vector<QRect> viewChanges;
     std::vector<QRectF> bandRepaints;
     QMap<QString, QString> paletteKeys{{"SelectedTool", "0"}, {"SelectedToolSize", "1"}};
@@ -71,8 +70,7 @@ public:
     void setAutoRepaint(bool on) override { repaint = on; }
     bool inBatchUpdate() const override { return batch; }
     void resetAndRedraw() override { ++redraws; }
-    QImage& editView() override { return lastView; }
-    void editViewChanged(const QRect& changed) override { viewChanges.push_back(changed); }
+    void editMaskChanged(const QRect& changed) override { viewChanges.push_back(changed); }
     void repaintEditArea(const QRectF& area) override { bandRepaints.push_back(area); }
     void showMaskEditControls(bool show) override { controlsShown = show; }
     void setBusyPointer(bool on) override { busy = on; }

@@ -118,8 +118,7 @@ TEST_F(MaskSessionTest, AcceptSavesUploadsAndFilesTheEditedMask)
     session.mouseRelease({20, 15}, 1, 0);
     EXPECT_EQ(host.paletteKeys["CommandEnabled"], "2, True");
     EXPECT_TRUE(host.viewChanges.back().contains(QRect(QPoint(10, 10), QPoint(20, 15))));
-    EXPECT_EQ(host.lastView.pixel(15, 12), qRgb(177, 50, 50)); // red over grey 100
-    EXPECT_EQ(host.lastView.pixel(30, 30), qRgb(100, 100, 100));
+    EXPECT_FALSE(host.viewChanges.back().contains(QPoint(30, 30))); // only what the stroke changed
 
     session.accept();
     EXPECT_TRUE(host.errors.isEmpty()) << host.errors.join("\n").toStdString();
