@@ -86,7 +86,12 @@ QString fromSingle(float value)
 
 QString fromDouble(double value)
 {
-    return QString::number(value, 'g', 15);
+    const QString text = QString::number(value, 'g', 15);
+    // Next to the largest doubles, 15 digits can round up past the largest one; such a text would
+    // read back as an overflow. 17 digits always read back as the same value.
+    if (std::isfinite(value) && !isNumeric(text))
+        return QString::number(value, 'g', 17);
+    return text;
 }
 
 ItemValue splitItemValue(const QString& text)

@@ -10,6 +10,7 @@ packages=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth fonts-dejavu-core libgl1-mesa-dri libglx-mesa0
   python3 python3-pyftpdlib python3-pil curl vsftpd lighttpd
+  clang libclang-rt-14-dev
 )
 
 missing=()

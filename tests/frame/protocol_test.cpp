@@ -8,6 +8,9 @@
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 namespace {
 
 class Sample : public nxr::ScriptableObject
@@ -141,6 +144,20 @@ TEST(Conversions, NumbersAndBooleansFollowTheUsualRules)
     EXPECT_EQ(nxr::fromSingle(200.0f), "200");
     EXPECT_EQ(nxr::fromSingle(12.5f), "12.5");
     EXPECT_EQ(nxr::joinItemValue(16, "True"), "16, True");
+}
+
+TEST(Conversions, WrittenDoublesReadBack)
+{
+    EXPECT_EQ(nxr::fromDouble(0.1 + 0.2), "0.3"); // 15 digits for ordinary values
+    EXPECT_EQ(nxr::fromDouble(-12.25), "-12.25");
+    // Near the top of the range 15 digits round past the largest double.
+    for (const double d : {std::numeric_limits<double>::max(), -std::numeric_limits<double>::max(),
+                           std::nextafter(std::numeric_limits<double>::max(), 0.0),
+                           std::numeric_limits<double>::min(), std::numeric_limits<double>::denorm_min()}) {
+        const QString text = nxr::fromDouble(d);
+        ASSERT_TRUE(nxr::isNumeric(text)) << text.toStdString();
+        EXPECT_LE(std::fabs(nxr::toDouble(text) - d), 1e-14 * std::fabs(d)) << text.toStdString();
+    }
 }
 
 TEST(ErrorTrace, CredentialsNeverReachTheLine)

@@ -1,9 +1,11 @@
 #include "imagedisplay/loading/ImageFile.h"
 #include "imagedisplay/loading/ColorQuantizer.h"
+#include "imagedisplay/loading/ImageDecoding.h"
 #include "imagedisplay/loading/LocalImagePath.h"
 
 #include "frame/Conversions.h"
 
+#include <QDir>
 #include <QFile>
 #include <QImageWriter>
 #include <QSet>
@@ -210,6 +212,26 @@ TEST_F(ImageFileTest, TruncatedCorruptAndNonImageFilesGiveClearReasons)
         broken[i] = char(broken[i] ^ 0x5A);
     writeBytes(path("broken.png"), broken);
     EXPECT_TRUE(failureOf(path("broken.png")).startsWith("cannot decode PNG data"));
+}
+
+// The image fuzzer's seeds: tiny files of each format. Each decodes, in the format its content
+// calls for, and every shorter cut of it is refused.
+TEST(ImageDecodingTest, EveryCutOfAWholeFileIsRefused)
+{
+    const QDir seeds(QStringLiteral(NXR_FUZZ_CORPUS "/image"));
+    const QStringList names = seeds.entryList(QDir::Files);
+    ASSERT_GE(names.size(), 4);
+    for (const QString& name : names) {
+        SCOPED_TRACE(name.toStdString());
+        QFile file(seeds.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray data = file.readAll();
+        const QImage image = nxr::decodeImage(data);
+        const bool grey = name.startsWith(QLatin1String("grey")) || name.startsWith(QLatin1String("palette"));
+        EXPECT_EQ(image.format(), grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
+        for (qsizetype n = 0; n < data.size(); ++n)
+            EXPECT_THROW(nxr::decodeImage(data.left(n)), nxr::Failure) << "first " << n << " bytes";
+    }
 }
 
 TEST(ImageFileFormatTest, FormatFollowsTheControllerPathsExtensionWithJpegByDefault)
