@@ -785,6 +785,8 @@ def main():
     parser.add_argument("--http-port", type=int, default=8080, help="HTTP port, 0 picks a free one (default 8080)")
     parser.add_argument("--user", default="robot", help="FTP user name (default robot)")
     parser.add_argument("--password", default="robot", help="FTP password (default robot)")
+    parser.add_argument("--host", default="127.0.0.1",
+                        help="loopback address to listen on, one per simulated controller (default 127.0.0.1)")
     parser.add_argument("--anonymous", action="store_true", help="also accept anonymous FTP logins")
     parser.add_argument("--root", help="device tree folder (default: a new temporary folder)")
     parser.add_argument("--log", help="protocol log file (default: protocol.log beside the device tree)")
@@ -816,17 +818,17 @@ def main():
         authorizer.add_anonymous(STATE.root, perm="elr")
     ControllerFTPHandler.authorizer = authorizer
     ControllerFTPHandler.use_sendfile = True
-    ftp = FTPServer(("127.0.0.1", args.ftp_port), ControllerFTPHandler)
+    ftp = FTPServer((args.host, args.ftp_port), ControllerFTPHandler)
     ftp.max_cons = 256
 
     ThreadingHTTPServer.allow_reuse_address = True
     ThreadingHTTPServer.daemon_threads = True
-    http = ThreadingHTTPServer(("127.0.0.1", args.http_port), ControllerHTTPHandler)
+    http = ThreadingHTTPServer((args.host, args.http_port), ControllerHTTPHandler)
     threading.Thread(target=http.serve_forever, daemon=True).start()
 
     ftp_port = ftp.socket.getsockname()[1]
     http_port = http.server_address[1]
-    RESTART_ARGS = ["--ftp-port", str(ftp_port), "--http-port", str(http_port), "--user", args.user,
+    RESTART_ARGS = ["--host", args.host, "--ftp-port", str(ftp_port), "--http-port", str(http_port), "--user", args.user,
                     "--password", args.password, "--root", STATE.root, "--log", log_path,
                     "--big-file-mb", str(args.big_file_mb)] + (["--anonymous"] if args.anonymous else [])
     STATE.log("CONTROLLER up ftp=%d http=%d" % (ftp_port, http_port))

@@ -62,6 +62,8 @@ bool ControllerSimulator::start()
                      QStringLiteral("--log"),
                      m_logPath,
                      QStringLiteral("--keep-root")};
+    if (m_options.host != QLatin1String("127.0.0.1"))
+        args << QStringLiteral("--host") << m_options.host;
     if (m_options.anonymous)
         args << QStringLiteral("--anonymous");
     if (m_options.bigFileMb > 0)

@@ -30,6 +30,7 @@ public:
         int bigFileMb = 0;   // > 0: the simulator also holds MD:\BIG.BIN of that many MiB
         quint16 ftpPort = 0; // 0: a free port
         quint16 httpPort = 0;
+        QString host = QStringLiteral("127.0.0.1"); // another loopback address stands for another controller
         QString root; // empty: a fresh temporary device tree, removed with the fixture
     };
 
@@ -50,7 +51,7 @@ public:
     // comes back on the same ports. Returns when it listens again.
     bool restart(double downSeconds);
 
-    QString host() const { return QStringLiteral("127.0.0.1"); }
+    QString host() const { return m_options.host; }
     quint16 ftpPort() const { return m_ftpPort; }
     quint16 httpPort() const { return m_httpPort; }
     QString user() const { return m_options.user; }
