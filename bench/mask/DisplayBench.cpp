@@ -13,6 +13,7 @@
 
 #include "HeapMeter.h"
 #include "MaskScenario.h"
+#include "bench/support/BenchSupport.h"
 #include "imagedisplay/ImageViewport.h"
 #include "imagedisplay/NXRImageDisplay.h"
 #include "imagedisplay/RasterView.h"
@@ -53,23 +54,6 @@ double median(std::vector<double> v)
     return v.empty() ? 0.0 : v[v.size() / 2];
 }
 
-QImage cameraImage(bool grey)
-{
-    QImage img(bench::kWidth, bench::kHeight, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
-    for (int y = 0; y < img.height(); ++y) {
-        if (grey) {
-            uchar* line = img.scanLine(y);
-            for (int x = 0; x < img.width(); ++x)
-                line[x] = uchar((x * 7 + y * 3) ^ (x >> 3));
-        } else {
-            auto* line = reinterpret_cast<QRgb*>(img.scanLine(y));
-            for (int x = 0; x < img.width(); ++x)
-                line[x] = qRgb((x * 7) & 255, (y * 5) & 255, (x ^ y) & 255);
-        }
-    }
-    return img;
-}
-
 // Notes what each repaint covered.
 class AreaLog : public nxr::PaintLayer
 {
@@ -85,7 +69,7 @@ struct Scene
         display.resize(1024, 768);
         display.show();
         QApplication::processEvents();
-        camera = cameraImage(grey);
+        camera = bench::makeCameraPattern(grey);
         display.showImage(camera);
         display.viewport().fitImage();
         QImage mask(bench::kWidth, bench::kHeight, QImage::Format_RGB32);
@@ -240,7 +224,7 @@ void EditHeapAgainstDecodedImage(benchmark::State& state)
         held = double(bench::HeapMeter::inUse() - before);
         peak = double(bench::HeapMeter::peak() - before);
     }
-    const double image = double(cameraImage(grey).sizeInBytes());
+    const double image = double(bench::makeCameraPattern(grey).sizeInBytes());
     state.counters["decoded_MB"] = image / 1e6;
     state.counters["edit_peak_MB"] = peak / 1e6;
     state.counters["edit_held_MB"] = held / 1e6;
@@ -249,14 +233,3 @@ void EditHeapAgainstDecodedImage(benchmark::State& state)
 BENCHMARK(EditHeapAgainstDecodedImage)->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char** argv)
-{
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
