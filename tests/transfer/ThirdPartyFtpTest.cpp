@@ -55,26 +55,12 @@ protected:
         daemon.setProcessChannelMode(QProcess::ForwardedChannels);
         daemon.start(kDaemon, {temp.filePath("vsftpd.conf")});
         ASSERT_TRUE(daemon.waitForStarted(5000));
-        bool listening = false;
-        for (int i = 0; i < 100 && !listening; ++i) {
-            QTcpSocket probe;
-            probe.connectToHost("127.0.0.1", port);
-            listening = probe.waitForConnected(100);
-            if (!listening)
-                QThread::msleep(50);
-        }
-        ASSERT_TRUE(listening) << "vsftpd did not start listening";
+        ASSERT_TRUE(listensSoon(port)) << "vsftpd did not start listening";
     }
     void TearDown() override
     {
         nxr::ConnectionPool::instance().clear();
-        if (daemon.state() != QProcess::NotRunning) {
-            daemon.terminate();
-            if (!daemon.waitForFinished(3000)) {
-                daemon.kill();
-                daemon.waitForFinished(3000);
-            }
-        }
+        stopDaemon(daemon);
     }
 
     QTemporaryDir temp;

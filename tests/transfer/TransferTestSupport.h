@@ -6,9 +6,12 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QProcess>
 #include <QString>
 #include <QStringList>
+#include <QTcpSocket>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -86,5 +89,30 @@ protected:
 
     static inline ControllerSimulator* sim = nullptr;
 };
+
+// Whether something accepts connections on the loopback port within about five seconds.
+inline bool listensSoon(quint16 port)
+{
+    for (int i = 0; i < 100; ++i) {
+        QTcpSocket probe;
+        probe.connectToHost("127.0.0.1", port);
+        if (probe.waitForConnected(100))
+            return true;
+        QThread::msleep(50);
+    }
+    return false;
+}
+
+// Ends a server the test started: politely first.
+inline void stopDaemon(QProcess& daemon)
+{
+    if (daemon.state() == QProcess::NotRunning)
+        return;
+    daemon.terminate();
+    if (!daemon.waitForFinished(3000)) {
+        daemon.kill();
+        daemon.waitForFinished(3000);
+    }
+}
 
 } // namespace nxr::test
