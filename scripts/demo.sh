@@ -16,19 +16,9 @@ host_exe="$build/host/nexaro-page"
 
 # The simulated controller, on free loopback ports, for as long as the demo runs.
 work="$(mktemp -d "${TMPDIR:-/tmp}/nexaro-demo.XXXXXX")"
-sim_out="$work/simulator.out"
-/usr/bin/python3 "$root/sim/controller_sim.py" --ftp-port 0 --http-port 0 --root "$work/controller" \
-  > "$sim_out" 2>&1 &
-sim_pid=$!
-trap 'kill $sim_pid 2>/dev/null || true; wait $sim_pid 2>/dev/null || true' EXIT
-for _ in $(seq 1 100); do
-  grep -q '^NXRSIM READY' "$sim_out" 2>/dev/null && break
-  kill -0 $sim_pid 2>/dev/null || { cat "$sim_out" >&2; echo "the controller simulator did not start" >&2; exit 1; }
-  sleep 0.1
-done
-ready="$(grep -m1 '^NXRSIM READY' "$sim_out")" || { echo "the controller simulator did not start" >&2; exit 1; }
-http_port="$(sed -E 's/.* http=([0-9]+).*/\1/' <<<"$ready")"
-ftp_port="$(sed -E 's/.* ftp=([0-9]+).*/\1/' <<<"$ready")"
+. "$root/sim/start-sim.sh"
+trap 'kill ${sim_pid:-} 2>/dev/null || true; wait ${sim_pid:-} 2>/dev/null || true' EXIT
+start_simulator "$work" || exit 1
 echo "Controller simulator on 127.0.0.1 (HTTP $http_port, FTP $ftp_port)"
 
 args=(--script-arg server=127.0.0.1 --script-arg httpPort="$http_port" --script-arg ftpPort="$ftp_port"

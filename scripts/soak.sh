@@ -9,17 +9,11 @@ frames="${1:-2000}"
 build="${NXR_BUILD_DIR:-$root/build}"
 "$root/scripts/build.sh" nexaro-page >/dev/null
 work="$(mktemp -d "${TMPDIR:-/tmp}/nxr-soak.XXXXXX")"
-/usr/bin/python3 "$root/sim/controller_sim.py" --ftp-port 0 --http-port 0 --root "$work/controller" \
-  --log "$work/protocol.log" > "$work/sim.out" 2>&1 &
-sim_pid=$!
-trap 'kill $sim_pid 2>/dev/null || true; wait $sim_pid 2>/dev/null || true; rm -rf "$work"' EXIT
-for _ in $(seq 1 200); do
-  grep -q '^NXRSIM READY' "$work/sim.out" 2>/dev/null && break
-  sleep 0.05
-done
-ready="$(grep -m1 '^NXRSIM READY' "$work/sim.out")"
-ftp="$(sed -E 's/.* ftp=([0-9]+).*/\1/' <<<"$ready")"
-http="$(sed -E 's/.* http=([0-9]+).*/\1/' <<<"$ready")"
+. "$root/sim/start-sim.sh"
+trap 'kill ${sim_pid:-} 2>/dev/null || true; wait ${sim_pid:-} 2>/dev/null || true; rm -rf "$work"' EXIT
+start_simulator "$work" --log "$work/protocol.log"
+ftp="$ftp_port"
+http="$http_port"
 mkdir -p "$work/page"
 cat > "$work/page/page.ui" <<'UI'
 <?xml version="1.0" encoding="UTF-8"?>
@@ -36,7 +30,7 @@ display.SetProperty("HTTPPortNo", host.args.httpPort);
 function next() {
     display.LoadImage("127.0.0.1", "MC:\\VISION\\GREY640.PNG", "robot", "robot");
     done++;
-    if (done % 200 === 0)
+    if (done % 200 === 0 || done === frames)
         console.log("frames " + done);
     if (done < frames)
         setTimeout(next, 0);
