@@ -31,7 +31,16 @@ int ConnectionPool::find(const QString& server) const
     return -1;
 }
 
-std::shared_ptr<ControllerClient> ConnectionPool::getClient(const QString& poolKey, const QString& server)
+QString ConnectionPool::slotName(const QString& server, quint16 ftpPort, quint16 httpPort)
+{
+    if (ftpPort == 21 && httpPort == 80)
+        return server;
+    return server + QLatin1Char('#') + QString::number(ftpPort) + QLatin1Char('/') +
+           QString::number(httpPort);
+}
+
+std::shared_ptr<ControllerClient> ConnectionPool::getClient(const QString& poolKey, const QString& server,
+                                                            quint16 ftpPort, quint16 httpPort)
 {
     const QString routine = QStringLiteral("gfobj_GetFTPObject");
     NXR_TRACE(kModule, routine,
@@ -49,10 +58,11 @@ std::shared_ptr<ControllerClient> ConnectionPool::getClient(const QString& poolK
         if (QCoreApplication::instance())
             qAddPostRoutine(clearAtExit);
     }
+    const QString name = slotName(server, ftpPort, httpPort);
     int freeSlot = -1;
     for (int i = 0; i < kSlots; ++i) {
         Slot& slot = m_slots[i];
-        if (slot.client && slot.key == server) {
+        if (slot.client && slot.key == name) {
             if (!slot.users.contains(poolKey))
                 slot.users.append(poolKey);
             return slot.client;
@@ -66,7 +76,7 @@ std::shared_ptr<ControllerClient> ConnectionPool::getClient(const QString& poolK
     }
     Slot& slot = m_slots[freeSlot];
     slot.client = ControllerClient::create();
-    slot.key = server;
+    slot.key = name;
     slot.users = QStringList{poolKey};
     return slot.client;
 }

@@ -1,6 +1,7 @@
 #pragma once
-// The process-wide pool of controller connections: at most ten clients, one per server string,
-// each shared by the users (pool keys) that asked for it. Single-threaded, like everything that
+// The process-wide pool of controller connections: at most ten clients, one per controller (the
+// server string with the FTP and HTTP ports it is reached on), each shared by the users (pool keys)
+// that asked for it. Single-threaded, like everything that
 // touches it; the pool outlives the objects that use it and is emptied when the application ends.
 
 #include "frame/Export.h"
@@ -21,10 +22,18 @@ public:
 
     static ConnectionPool& instance();
 
-    // The client kept for `server`, with `poolKey` added to its users; a new client in the first
-    // free slot when none is kept; null when `server` is empty or all ten slots are taken.
-    std::shared_ptr<ControllerClient> getClient(const QString& poolKey, const QString& server);
+    // The name of the slot of a controller: the server string alone on the standard ports, else
+    // with its ports ("host#ftp/http"), so that two controllers on one address (two simulators,
+    // a port-forwarding gateway) never share a connection.
+    static QString slotName(const QString& server, quint16 ftpPort = 21, quint16 httpPort = 80);
 
+    // The client kept for `server` on these ports, with `poolKey` added to its users; a new client
+    // in the first free slot when none is kept; null when `server` is empty or all ten slots are
+    // taken.
+    std::shared_ptr<ControllerClient> getClient(const QString& poolKey, const QString& server,
+                                                quint16 ftpPort = 21, quint16 httpPort = 80);
+
+    // The calls below name a slot by `slotName`, which is the server string on the standard ports.
     // Removes `poolKey` from the users of the client kept for `server`. The last user going
     // closes the client and frees the slot. With `force` and other users left, the client is
     // closed and a fresh, unconnected one takes its place under the same server, so that the

@@ -72,8 +72,8 @@ NXRFileTransferObject::~NXRFileTransferObject()
             DisconnectRobot(false);
         }
         if (m_client) {
-            nxr::gsub_FreeFTPObject(m_poolKey, m_slotServer, false);
-            m_client.reset();
+            nxr::gsub_FreeFTPObject(m_poolKey, m_slotName, false);
+            releaseSlot();
         }
     }
 }
@@ -92,8 +92,18 @@ bool NXRFileTransferObject::connected() const
 
 void NXRFileTransferObject::takeClient(const QString& poolKey, const QString& server)
 {
-    m_client = nxr::gfobj_GetFTPObject(poolKey, server);
+    m_client =
+        nxr::ConnectionPool::instance().getClient(poolKey, server, quint16(m_ftpPort), quint16(m_httpPort));
     m_slotServer = m_client ? server : QString();
+    m_slotName =
+        m_client ? nxr::ConnectionPool::slotName(server, quint16(m_ftpPort), quint16(m_httpPort)) : QString();
+}
+
+void NXRFileTransferObject::releaseSlot()
+{
+    m_client.reset();
+    m_slotServer.clear();
+    m_slotName.clear();
 }
 
 void NXRFileTransferObject::dropRetiredClient()
@@ -102,8 +112,8 @@ void NXRFileTransferObject::dropRetiredClient()
         return;
     // Someone closed the shared connection for everybody: continue on the one that replaced it.
     auto& pool = nxr::ConnectionPool::instance();
-    if (pool.usersOf(m_slotServer).contains(m_poolKey))
-        m_client = pool.clientOf(m_slotServer);
+    if (pool.usersOf(m_slotName).contains(m_poolKey))
+        m_client = pool.clientOf(m_slotName);
     else
         m_client.reset();
 }
@@ -170,13 +180,22 @@ void NXRFileTransferObject::setFTPPortNo(int value)
     });
 }
 
+// The ports name the controller as much as its address does: a connection is given back to the
+// pool (others on the old ports keep theirs) and the one kept for the new ports is taken and, if
+// this object was connected, connected.
 void NXRFileTransferObject::reconnectForPorts()
 {
     dropRetiredClient();
-    if (!connected())
+    if (!m_client)
         return;
-    const QString host = nxr::HostFromServer(m_server);
-    m_client->Disconnect();
+    const bool wasConnected = connected();
+    const QString server = m_slotServer;
+    nxr::gsub_FreeFTPObject(m_poolKey, m_slotName, false);
+    releaseSlot();
+    takeClient(m_poolKey, server);
+    if (!wasConnected || !m_client || connected())
+        return;
+    const QString host = nxr::HostFromServer(server);
     m_client->setProbePorts(quint16(m_ftpPort), quint16(m_httpPort));
     m_client->FtpConnect(host, m_user, m_password, quint16(m_ftpPort), -1);
     m_client->HttpConnect(host, m_user, m_password, quint16(m_httpPort));
@@ -235,10 +254,9 @@ bool NXRFileTransferObject::CopyFile(const QString& vstr_FileServer, const QStri
             core().reportError(routine, f.text);
         }
         if (m_poolKey == kExternal) {
-            nxr::gsub_FreeFTPObject(kExternal, m_slotServer.isEmpty() ? vstr_FileServer : m_slotServer,
-                                    false);
-            m_client.reset();
-            m_slotServer.clear();
+            if (!m_slotName.isEmpty())
+                nxr::gsub_FreeFTPObject(kExternal, m_slotName, false);
+            releaseSlot();
             m_poolKey.clear();
         }
         trace(routine, QStringLiteral("Done"));
@@ -408,9 +426,8 @@ void NXRFileTransferObject::DisconnectRobot(bool force)
 {
     trace(QStringLiteral("DisconnectRobot"), QStringLiteral("Entered, force=") + nxr::fromBool(force));
     if (m_client && connected()) {
-        nxr::gsub_FreeFTPObject(m_poolKey, m_slotServer, force);
-        m_client.reset();
-        m_slotServer.clear();
+        nxr::gsub_FreeFTPObject(m_poolKey, m_slotName, force);
+        releaseSlot();
     }
 }
 
@@ -590,9 +607,8 @@ void NXRFileTransferObject::forScript(const QString& routine, const QString& ser
         body();
     });
     if (ownConnection && m_client) {
-        nxr::gsub_FreeFTPObject(m_poolKey, m_slotServer, false);
-        m_client.reset();
-        m_slotServer.clear();
+        nxr::gsub_FreeFTPObject(m_poolKey, m_slotName, false);
+        releaseSlot();
         m_poolKey.clear();
     }
 }

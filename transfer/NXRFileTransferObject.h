@@ -125,6 +125,7 @@ public:
 private:
     bool connected() const;
     void dropRetiredClient();
+    void releaseSlot();
     bool copyFileBody(const QString& server, const QString& filePath, const QString& user,
                       const QString& password, const QString& newFilename);
     bool httpDownload(const QString& remote, const QString& localPath, QString* why);
@@ -156,7 +157,8 @@ private:
     QString m_currentDirectory;
     QString m_listingPath;
     QString m_poolKey;
-    QString m_slotServer; // the server string the pooled client is kept under
+    QString m_slotServer; // the server string the pooled client was taken for
+    QString m_slotName;   // and the name of its slot (server and ports)
     QString m_connectedServer;
     QString m_lastLocalPath;
 };

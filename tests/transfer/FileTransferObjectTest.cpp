@@ -225,10 +225,13 @@ TEST_F(FileTransferObjectTest, PoolSharesForceFreesAndRunsOut)
 {
     NXRFileTransferObject b;
     usePorts(b);
+    const auto slotOf = [](const QString& server) {
+        return ConnectionPool::slotName(server, sim->ftpPort(), sim->httpPort());
+    };
     ASSERT_TRUE(connectRobot(o, "A"));
     ASSERT_TRUE(connectRobot(b, "B"));
     EXPECT_EQ(o.client(), b.client());
-    EXPECT_EQ(ConnectionPool::instance().usersOf(sim->host()), QStringList({"A", "B"}));
+    EXPECT_EQ(ConnectionPool::instance().usersOf(slotOf(sim->host())), QStringList({"A", "B"}));
     EXPECT_EQ(countStarting(ftpCommands(), "USER"), 1) << "the second user found the session open";
 
     const auto shared = o.client();
@@ -236,10 +239,10 @@ TEST_F(FileTransferObjectTest, PoolSharesForceFreesAndRunsOut)
     EXPECT_EQ(o.client(), nullptr);
     EXPECT_TRUE(shared->isRetired());
     EXPECT_EQ(shared->FtpState(), 0);
-    const auto fresh = ConnectionPool::instance().clientOf(sim->host());
+    const auto fresh = ConnectionPool::instance().clientOf(slotOf(sim->host()));
     ASSERT_NE(fresh, nullptr);
     EXPECT_NE(fresh, shared);
-    EXPECT_EQ(ConnectionPool::instance().usersOf(sim->host()), QStringList({"B"}));
+    EXPECT_EQ(ConnectionPool::instance().usersOf(slotOf(sim->host())), QStringList({"B"}));
     // B goes on over the fresh client, reconnecting on its own.
     EXPECT_TRUE(b.FileListing("MC:\\VISION").contains("TOOLS.TXT"));
     EXPECT_EQ(b.client(), fresh);
@@ -249,8 +252,8 @@ TEST_F(FileTransferObjectTest, PoolSharesForceFreesAndRunsOut)
     // A server with a port keys the pool but connects to the host.
     const QString server = sim->host() + ":8080";
     ASSERT_TRUE(connectRobot(o, "Display", server));
-    EXPECT_NE(ConnectionPool::instance().clientOf(server), nullptr);
-    EXPECT_EQ(ConnectionPool::instance().clientOf(sim->host()), nullptr);
+    EXPECT_NE(ConnectionPool::instance().clientOf(slotOf(server)), nullptr);
+    EXPECT_EQ(ConnectionPool::instance().clientOf(slotOf(sim->host())), nullptr);
     ASSERT_TRUE(o.CopyFile(server, "MC:\\VISION\\TOOLS.TXT", sim->user(), sim->password(), ""));
     o.DisconnectRobot(false);
 
@@ -265,6 +268,40 @@ TEST_F(FileTransferObjectTest, PoolSharesForceFreesAndRunsOut)
     nxr::gsub_FreeFTPObject("U", "127.0.0.3", false);
     EXPECT_NE(nxr::gfobj_GetFTPObject("T", "127.0.0.11"), nullptr);
     ConnectionPool::instance().clear();
+}
+
+// Two controllers on one address (two simulators, or a gateway forwarding ports) are two pool
+// slots: neither object's connection is taken over by the other, and changing an object's ports
+// moves it to the other controller's slot without disturbing the connection it leaves.
+TEST_F(FileTransferObjectTest, ControllersOnOneAddressKeepTheirOwnConnections)
+{
+    ControllerSimulator other;
+    ASSERT_TRUE(other.start()) << other.errorText().toStdString();
+    ASSERT_EQ(other.host(), sim->host());
+    ASSERT_TRUE(sim->writeFile("MC:\\WHO.TXT", "first"));
+    ASSERT_TRUE(other.writeFile("MC:\\WHO.TXT", "second"));
+    NXRFileTransferObject b;
+    b.setFTPPortNo(other.ftpPort());
+    b.setHTTPPortNo(other.httpPort());
+    ASSERT_TRUE(connectRobot(o, "A"));
+    ASSERT_TRUE(b.ConnectRobot("B", other.host(), other.user(), other.password()));
+    EXPECT_NE(o.client(), b.client());
+    EXPECT_EQ(ConnectionPool::instance().usedSlots(), 2);
+    ASSERT_TRUE(copy(o, "MC:\\WHO.TXT", "A.TXT"));
+    ASSERT_TRUE(b.CopyFile(other.host(), "MC:\\WHO.TXT", other.user(), other.password(), "B.TXT"));
+    EXPECT_EQ(readAll(cached("A.TXT")), "first");
+    EXPECT_EQ(readAll(cached("B.TXT")), "second");
+
+    const auto first = o.client();
+    b.setFTPPortNo(sim->ftpPort());
+    b.setHTTPPortNo(sim->httpPort());
+    EXPECT_EQ(b.client(), first) << "b joined the first controller's connection";
+    EXPECT_EQ(first->FtpState(), 1);
+    EXPECT_EQ(ConnectionPool::instance().usedSlots(), 1) << "the second controller's slot was given back";
+    ASSERT_TRUE(b.CopyFile(sim->host(), "MC:\\WHO.TXT", sim->user(), sim->password(), "B.TXT"));
+    EXPECT_EQ(readAll(cached("B.TXT")), "first");
+    b.DisconnectRobot(false);
+    o.DisconnectRobot(false);
 }
 
 TEST_F(FileTransferObjectTest, ListingsAndTheirCache)
