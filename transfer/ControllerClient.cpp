@@ -18,6 +18,7 @@
 
 #include <curl/curl.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -50,7 +51,6 @@ int settingMs(const QString& key, int fallback, int lowest, int highest)
 constexpr long kBufferSize = 128 * 1024;
 
 // How often transfers waiting on their sockets are run for the library's time checks.
-constexpr int kTimeCheckMs = 1000;
 
 void globalInit()
 {
@@ -84,6 +84,7 @@ int stallSeconds(int ms)
 struct ControllerClient::Transfer
 {
     CURL* easy = nullptr;
+    bool ftp = false;
     bool done = false;
     CURLcode code = CURLE_OK;
     char errorBuffer[CURL_ERROR_SIZE] = {};
@@ -270,25 +271,32 @@ ControllerClient::ControllerClient() : m_timeouts(defaultTimeouts())
 {
     globalInit();
     m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer); // the library's deadlines, not to be rounded
     m_kick.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, [this] { socketAction(CURL_SOCKET_TIMEOUT, 0); });
     connect(&m_kick, &QTimer::timeout, this, [this] { kick(); });
+    m_replyDeadline.setSingleShot(true);
+    m_replyDeadline.setTimerType(Qt::PreciseTimer);
+    connect(&m_replyDeadline, &QTimer::timeout, this, [this] {
+        if (!m_multi || m_active.empty())
+            return;
+        ++m_deadlineRuns;
+        runAll();
+    });
 }
 
-// The transfer library (at least up to 7.88) sets up an FTP data connection lazily: when the
-// passive-mode reply has been read, it leaves the transfer in a state in which it watches no
-// socket of it and asks only for its connect timeout, and the data connection is opened on the
-// transfer's next run, which no socket event and no timer brings. A transfer that the library
-// left watching no socket is therefore run once more at once (then after 1, 2, 4 ... ms while it
-// stays so, at most every 100 ms); a transfer that waits on a socket is driven by that socket's
-// events and the library's timer, and once a second for the library's time checks.
-void ControllerClient::kick()
+// Transfers are driven by their sockets' events and the transfer library's timer, with one
+// exception. The library (7.88) opens an FTP data connection lazily: when the passive-mode reply
+// arrives in the same run that sent the request (a fast server on a near network), the transfer
+// moves on to connecting its data connection but returns without running that step, so it has no
+// socket yet to be watched and no timer but its connect timeout; nothing would run it again
+// before that timeout. After every run, a transfer the library left watching no socket is
+// therefore run again at once (then after 1, 2, 4 ... ms while it stays so, at most every 100 ms);
+// one such run starts the data connection, whose socket is watched from then on. The library's
+// own checks of the connect time and of a stalled body are backed by its timer; that of an FTP
+// reply is not (see updateReplyDeadline()).
+void ControllerClient::runAll()
 {
-    if (!m_multi || m_active.empty()) {
-        m_kick.stop();
-        return;
-    }
-    ++m_extraRuns;
     int running = 0;
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -296,6 +304,32 @@ void ControllerClient::kick()
 #pragma GCC diagnostic pop
     processDone();
     updateKick();
+    updateReplyDeadline();
+}
+
+void ControllerClient::kick()
+{
+    if (!m_multi || m_active.empty()) {
+        m_kick.stop();
+        return;
+    }
+    ++m_extraRuns;
+    runAll();
+}
+
+// The library checks the time limit of an FTP reply only when the transfer runs and sets no
+// timer for it (it does for connecting and for a stalled body). A transfer waiting for a reply
+// that never comes is watched on its socket, and nothing runs it: so the transfers are run once
+// when none of their sockets had an event for the whole limit, the earliest moment a reply can
+// be late.
+void ControllerClient::updateReplyDeadline()
+{
+    const bool ftp = std::any_of(m_active.begin(), m_active.end(), [](const Transfer* t) { return t->ftp; });
+    if (!m_multi || !ftp) {
+        m_replyDeadline.stop();
+        return;
+    }
+    m_replyDeadline.start(stallSeconds(m_timeouts.stallMs) * 1000 + 20);
 }
 
 bool ControllerClient::hasUnwatchedTransfer() const
@@ -317,21 +351,11 @@ bool ControllerClient::hasUnwatchedTransfer() const
 
 void ControllerClient::updateKick()
 {
-    if (!m_multi || m_active.empty()) {
+    if (!m_multi || m_active.empty() || !hasUnwatchedTransfer()) {
         m_kick.stop();
         m_kickDelayMs = 0;
         return;
     }
-    if (!hasUnwatchedTransfer()) {
-        // The library's own time checks (no progress, no reply) are not always backed by its
-        // timer while it waits on a socket: they get one run a second.
-        m_kickDelayMs = 0;
-        if (!m_kick.isActive() || m_kick.interval() != kTimeCheckMs)
-            m_kick.start(kTimeCheckMs);
-        return;
-    }
-    if (m_kick.isActive() && m_kick.interval() == kTimeCheckMs)
-        m_kick.stop();
     if (m_kick.isActive())
         return;
     m_kick.start(m_kickDelayMs);
@@ -437,6 +461,7 @@ void* ControllerClient::newEasy(Transfer& t, const Session& session, bool ftp, c
     if (!easy)
         throw TransferError(CURLE_OUT_OF_MEMORY, QStringLiteral("Cannot create a transfer handle"));
     t.easy = easy;
+    t.ftp = ftp;
     const QByteArray urlBytes = url.toUtf8();
     curl_easy_setopt(easy, CURLOPT_URL, urlBytes.constData());
     curl_easy_setopt(easy, CURLOPT_PRIVATE, &t);
@@ -489,6 +514,7 @@ void ControllerClient::run(Transfer& t, int& busy)
     ++busy;
     m_active.insert(&t);
     updateKick();
+    updateReplyDeadline();
     if (!t.done) {
         // The objects whose routines wait for this transfer: when one of them is destroyed, the
         // transfer ends at once and the call unwinds without touching it.
@@ -552,6 +578,8 @@ void ControllerClient::socketAction(long long s, int events)
     curl_multi_socket_action(static_cast<CURLM*>(m_multi), curl_socket_t(s), events, &running);
     processDone();
     updateKick();
+    if (s != CURL_SOCKET_TIMEOUT || m_active.empty())
+        updateReplyDeadline();
 }
 
 void ControllerClient::processDone()

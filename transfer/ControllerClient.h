@@ -104,9 +104,11 @@ public:
 
     void setProbePorts(quint16 ftpPort, quint16 httpPort);
 
-    // How often transfers were run other than by a socket event or the transfer library's timer
-    // (see kick()): a measure of polling, for tests and benchmarks.
+    // How often transfers were run other than by a socket event or the transfer library's timer:
+    // to start an FTP data connection the library left unopened (see kick()), and at the
+    // deadline of an FTP reply (see updateReplyDeadline()). For tests and benchmarks.
     long extraRuns() const { return m_extraRuns; }
+    long deadlineRuns() const { return m_deadlineRuns; }
 
     // Set by the pool when it replaced this client by a fresh one.
     bool isRetired() const { return m_retired; }
@@ -150,8 +152,10 @@ private:
 
     void socketAction(long long s, int events);
     void processDone();
+    void runAll();
     void kick();
     void updateKick();
+    void updateReplyDeadline();
     bool hasUnwatchedTransfer() const;
 
     friend struct ControllerClientCallbacks;
@@ -161,6 +165,8 @@ private:
     QTimer m_kick;
     int m_kickDelayMs = 0;
     long m_extraRuns = 0;
+    QTimer m_replyDeadline;
+    long m_deadlineRuns = 0;
     struct Watch
     {
         QSocketNotifier* read = nullptr;

@@ -242,9 +242,9 @@ TEST_F(ControllerClientTest, ErrorsSayWhatHappened)
     }
 }
 
-// Transfers are driven by their sockets' events and the library's timer: waiting on a silent
-// server or moving data, they are run only once a second for the time checks; only the moment the library
-// leaves an FTP data connection unopened costs a few extra runs.
+// Transfers are driven by their sockets' events and the library's timer alone: waiting on a
+// silent server, they are never run otherwise (its time limit still ends the call); moving data,
+// only the moment the library leaves an FTP data connection unopened costs an extra run.
 TEST_F(ControllerClientTest, TransfersAreNotPolled)
 {
     connectBoth();
@@ -252,12 +252,21 @@ TEST_F(ControllerClientTest, TransfersAreNotPolled)
     const long before = client->extraRuns();
     for (int i = 0; i < 10; ++i)
         client->FtpGetFile("MC:\\BIG\\ONE.BIN", localFile("one.bin"));
-    EXPECT_LE(client->extraRuns() - before, 10 * 3);
+    EXPECT_LE(client->extraRuns() - before, 10 * 2);
     EXPECT_EQ(QFileInfo(localFile("one.bin")).size(), 4 << 20);
 
     ASSERT_TRUE(sim->setFault("stall_after", 0)); // RETR gets no answer: the call waits
     client->setTimeouts({3000, 2000, 1000});
     const long waiting = client->extraRuns();
+    const long deadlines = client->deadlineRuns();
     EXPECT_THROW(client->FtpGetFile("MC:\\BIG\\ONE.BIN", localFile("two.bin")), TransferError);
-    EXPECT_LE(client->extraRuns() - waiting, 4) << "polled while waiting on a watched socket";
+    // At most the one run that may start its data connection, and one at the reply's deadline.
+    EXPECT_LE(client->extraRuns() - waiting, 1) << "polled while waiting on a watched socket";
+    EXPECT_EQ(client->deadlineRuns() - deadlines, 1);
+
+    ASSERT_TRUE(sim->setFault("stall_after", 1 << 20)); // the web server stops after 1 MiB
+    const long moving = client->extraRuns();
+    EXPECT_THROW(client->HttpGetFile(urlOf("MC:\\BIG\\ONE.BIN"), localFile("three.bin"), -1), TransferError);
+    EXPECT_EQ(client->extraRuns() - moving, 0) << "polled while a body stalled";
+    EXPECT_EQ(client->deadlineRuns() - deadlines, 1);
 }
