@@ -65,6 +65,10 @@ PlotGLView::PlotGLView(CalibrationScene* scene, ViewState* view, QWidget* parent
 
 PlotGLView::~PlotGLView()
 {
+    // The base class destroys the context after this part of the object is gone: from here on its
+    // aboutToBeDestroyed must not reach this object.
+    if (context())
+        disconnect(context(), &QOpenGLContext::aboutToBeDestroyed, this, nullptr);
     releaseLists();
 }
 

@@ -38,10 +38,15 @@ if command -v ccache >/dev/null; then
 fi
 cd "$work"
 expect="NexaroControls for controller software $build_id"
+# The example is built with the flags the library was built with: a library built with the
+# sanitizers needs their runtime in the program too.
+cxxflags=$(sed -n 's/^CMAKE_CXX_FLAGS:STRING=//p' "$build/CMakeCache.txt")
+ldflags=$(sed -n 's/^CMAKE_EXE_LINKER_FLAGS:STRING=//p' "$build/CMakeCache.txt")
 
 # find_package
 cmake -S "$source/examples/hello-display" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" \
-  -DCMAKE_BUILD_TYPE=Release ${launcher:+-DCMAKE_CXX_COMPILER_LAUNCHER=ccache} >"$work/cmake.log" 2>&1 ||
+  -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS="$cxxflags" -DCMAKE_EXE_LINKER_FLAGS="$ldflags" \
+  ${launcher:+-DCMAKE_CXX_COMPILER_LAUNCHER=ccache} >"$work/cmake.log" 2>&1 ||
   { cat "$work/cmake.log"; fail "configuring the example failed"; }
 cmake --build "$work/cmake" >>"$work/cmake.log" 2>&1 || { cat "$work/cmake.log"; fail "building the example failed"; }
 out=$("$work/cmake/hello-display")
@@ -54,11 +59,12 @@ pkg-config --exists NexaroControls || fail "pkg-config does not know NexaroContr
 # Every public class header compiles from the installed tree alone (nothing it includes was left out).
 (cd "$prefix/include/NexaroControls" && find . -name 'NXR*.h' | sort | sed 's|^\./\(.*\)|#include <\1>|') >all.cpp
 [ -s all.cpp ] || fail "no public class headers installed"
-c++ -std=c++20 -fsyntax-only all.cpp $(pkg-config --cflags NexaroControls) ||
+c++ -std=c++20 $cxxflags -fsyntax-only all.cpp $(pkg-config --cflags NexaroControls) ||
   fail "an installed header does not compile on its own: $(tr '\n' ' ' <all.cpp)"
 cp "$source/examples/hello-display/main.cpp" "$work/main.cpp"
-"${launcher[@]}" c++ -std=c++20 -c main.cpp $(pkg-config --cflags NexaroControls) -o main.o &&
-  c++ main.o $(pkg-config --libs NexaroControls) -Wl,-rpath,"$prefix/$libdir" -o hello-pc ||
+# shellcheck disable=SC2086 # flag lists
+"${launcher[@]}" c++ -std=c++20 $cxxflags -c main.cpp $(pkg-config --cflags NexaroControls) -o main.o &&
+  c++ $ldflags main.o $(pkg-config --libs NexaroControls) -Wl,-rpath,"$prefix/$libdir" -o hello-pc ||
   fail "building the example with pkg-config failed"
 out=$("$work/hello-pc")
 grep -qF "$expect" <<<"$out" || fail "pkg-config build printed: $out"
