@@ -3,7 +3,9 @@
 #include "frame/Conversions.h"
 #include "frame/Globals.h"
 #include "frame/ScriptableCore.h"
+#include "frame/SyncCall.h"
 #include "frame/Trace.h"
+#include "imagedisplay/loading/BackgroundRead.h"
 #include "imagedisplay/loading/ControllerFiles.h"
 #include "imagedisplay/loading/ImageFile.h"
 #include "imagedisplay/loading/ImageSurface.h"
@@ -53,10 +55,18 @@ ImageLoader::ImageLoader(ImageSurface& surface, LiveMode& live, ScriptableCore& 
 void ImageLoader::loadImage(const QString& server, const QString& path, const QString& userName,
                             const QString& password)
 {
-    m_core.trace(kLoadImage, QStringLiteral("Entered, vstr_FilePath = ") + path);
-    m_pending.push_back(Request{server, path, userName, password});
+    // The loader may be destroyed while a transfer or a decode waits: the call then unwinds
+    // without touching it.
+    CallEntry::run(this, [&] { runQueue(Request{server, path, userName, password}); });
+}
+
+void ImageLoader::runQueue(const Request& first)
+{
+    m_core.trace(kLoadImage, QStringLiteral("Entered, vstr_FilePath = ") + first.path);
+    m_pending.push_back(first);
     if (m_loading) {
-        // A handler re-entered while the transfer waited: this image follows the running one.
+        // A handler re-entered while the transfer or the decode waited: this image follows the
+        // running one.
         m_core.trace(kLoadImage, QStringLiteral("a load is running, this one follows it"));
         return;
     }
@@ -124,7 +134,7 @@ bool ImageLoader::loadNewImage(const Request& request, bool noWait)
 
     QImage image;
     try {
-        image = ImageFile::read(local);
+        image = BackgroundRead::read(local);
     } catch (const Failure& f) {
         // The reason goes to the trace; the page gets the display's fixed message.
         errorTrace(m_core.className(), kLoadNewImage, f.description());

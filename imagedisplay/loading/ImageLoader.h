@@ -85,6 +85,7 @@ private:
         QString server, path, userName, password;
     };
 
+    void runQueue(const Request& first);
     void runLoad(const Request& request);
     bool loadNewImage(const Request& request, bool noWait);    // mflng_LoadNewImage
     void resetAndShowListImage(bool noWait, bool fit = false); // msub_ResetAndShowListImage
