@@ -1,6 +1,7 @@
 #include "imagedisplay/loading/BackgroundRead.h"
 
 #include "frame/SyncCall.h"
+#include "imagedisplay/RasterRenderer.h"
 #include "imagedisplay/loading/ImageFile.h"
 
 #include <QEventLoop>
@@ -16,15 +17,16 @@ namespace {
 // side's stack: an abandoned wait unwinds while the worker may still be writing.
 struct Outcome
 {
-    QImage image;
+    BackgroundRead::Result result;
     std::exception_ptr error;
 };
 
-Outcome readFile(const QString& localPath)
+Outcome readFile(const QString& localPath, int reductions)
 {
     Outcome outcome;
     try {
-        outcome.image = ImageFile::read(localPath);
+        outcome.result.image = ImageFile::read(localPath);
+        outcome.result.reductions = RasterRenderer::reductions(outcome.result.image, reductions);
     } catch (...) {
         outcome.error = std::current_exception();
     }
@@ -33,9 +35,9 @@ Outcome readFile(const QString& localPath)
 
 } // namespace
 
-QImage BackgroundRead::read(const QString& localPath)
+BackgroundRead::Result BackgroundRead::read(const QString& localPath, int reductions)
 {
-    QFuture<Outcome> future = QtConcurrent::run(&readFile, localPath);
+    QFuture<Outcome> future = QtConcurrent::run(&readFile, localPath, reductions);
     if (!future.isFinished()) {
         QEventLoop loop;
         QFutureWatcher<Outcome> watcher;
@@ -60,10 +62,10 @@ QImage BackgroundRead::read(const QString& localPath)
         throw CallAbandoned{};
     // The loop was ended from outside (the application is quitting): the image is read to its end.
     future.waitForFinished();
-    const Outcome outcome = future.result();
+    Outcome outcome = future.takeResult();
     if (outcome.error)
         std::rethrow_exception(outcome.error);
-    return outcome.image;
+    return std::move(outcome.result);
 }
 
 } // namespace nxr

@@ -7,18 +7,28 @@
 // once and CallAbandoned is thrown: the caller touches nothing afterwards, and the worker's image
 // is dropped when it finishes. A failed read rethrows, on the calling thread, what
 // ImageFile::read threw.
+//
+// The worker also makes the first reduction levels the view will draw the image from
+// (RasterRenderer::reductions), so that the first paint of a large image need not.
 
 #include "frame/Export.h"
 
 #include <QImage>
 #include <QString>
 
+#include <vector>
+
 namespace nxr {
 
 class NXR_EXPORT BackgroundRead
 {
 public:
-    static QImage read(const QString& localPath);
+    struct Result
+    {
+        QImage image;
+        std::vector<QImage> reductions; // the first `reductions` levels, fewer for a small image
+    };
+    static Result read(const QString& localPath, int reductions = 0);
 };
 
 } // namespace nxr

@@ -132,9 +132,9 @@ bool ImageLoader::loadNewImage(const Request& request, bool noWait)
         }
     }
 
-    QImage image;
+    BackgroundRead::Result read;
     try {
-        image = BackgroundRead::read(local);
+        read = BackgroundRead::read(local, m_surface.reductionLevel());
     } catch (const Failure& f) {
         // The reason goes to the trace; the page gets the display's fixed message.
         errorTrace(m_core.className(), kLoadNewImage, f.description());
@@ -142,11 +142,11 @@ bool ImageLoader::loadNewImage(const Request& request, bool noWait)
                                               request.path + QStringLiteral(" does not contain image"));
         return false;
     }
-    m_surface.setLandingImage(image);
-    m_images.insert(ImageList::kCurrent, image);
+    m_surface.setLandingImage(read.image);
+    m_images.insert(ImageList::kCurrent, read.image);
     m_originalFile = Globals::fileNameOfPath(request.path);
     m_currentFile = local;
-    resetAndShowListImage(noWait);
+    resetAndShowListImage(noWait, false, std::move(read.reductions));
     m_core.trace(kLoadNewImage, QStringLiteral("Done"));
     return true;
 }
@@ -157,7 +157,7 @@ void ImageLoader::showImage(const QImage& image, bool keepViewIfSameSize)
     resetAndShowListImage(false, !keepViewIfSameSize);
 }
 
-void ImageLoader::resetAndShowListImage(bool noWait, bool fit)
+void ImageLoader::resetAndShowListImage(bool noWait, bool fit, std::vector<QImage> reductions)
 {
     const float oldZoom = m_surface.zoom();
     const QSize oldSize = m_surface.shownImage().size();
@@ -166,7 +166,7 @@ void ImageLoader::resetAndShowListImage(bool noWait, bool fit)
     m_surface.setAutoRepaint(false);
 
     const QImage image = m_images.image(ImageList::kCurrent);
-    m_surface.showImage(image);
+    m_surface.showImage(image, std::move(reductions));
     if (!image.isNull() && (fit || oldSize.isEmpty() || oldSize != image.size())) {
         m_core.trace(kShowListImage, QStringLiteral("reset zoom etc."));
         const float newZoom = m_surface.fitImage();

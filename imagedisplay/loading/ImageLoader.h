@@ -15,6 +15,7 @@
 
 #include <deque>
 #include <functional>
+#include <vector>
 
 namespace nxr {
 
@@ -87,8 +88,9 @@ private:
 
     void runQueue(const Request& first);
     void runLoad(const Request& request);
-    bool loadNewImage(const Request& request, bool noWait);    // mflng_LoadNewImage
-    void resetAndShowListImage(bool noWait, bool fit = false); // msub_ResetAndShowListImage
+    bool loadNewImage(const Request& request, bool noWait); // mflng_LoadNewImage
+    // msub_ResetAndShowListImage; `reductions` are the current image's, made ahead, or none.
+    void resetAndShowListImage(bool noWait, bool fit = false, std::vector<QImage> reductions = {});
     void clearAfterFailure();
     void refreshTick(); // tmr_ImageRefresh
     ControllerFiles* files(const QString& routine);

@@ -170,6 +170,7 @@ TEST_F(ImageLoaderTest, LargeDecodeLeavesTheEventLoopRunningAndQueuesAReenteredL
     files.put("MC:\\V\\big.jpg", big);
     put("MC:\\V\\small.png", pattern(64, 48, 3));
     const qint64 decode = decodeMs(big);
+    surface.level = 2; // the view draws from the quarter-size level
     ASSERT_GE(decode, 20) << "the image decodes too fast to tell a running loop from a blocked one";
 
     // A blocked loop shows the whole decode as one gap in every load; the best of three loads
@@ -179,6 +180,8 @@ TEST_F(ImageLoaderTest, LargeDecodeLeavesTheEventLoopRunningAndQueuesAReenteredL
         loader.resetDisplay();
         bestGap = qMin(bestGap, largestTickGap([&] { load("MC:\\V\\big.jpg"); }));
         ASSERT_EQ(surface.image.size(), QSize(3200, 2400));
+        ASSERT_EQ(surface.reductions.size(), 2u); // made by the worker too
+        EXPECT_EQ(surface.reductions[1].size(), QSize(800, 600));
     }
     EXPECT_LT(bestGap, decode / 2) << "decode " << decode << " ms";
 
