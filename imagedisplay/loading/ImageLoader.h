@@ -40,8 +40,9 @@ public:
 
     // LoadImage: an empty path clears the display. Failures are reported through the core (one
     // OnError each); a failed load outside live mode leaves an empty display, one in live mode
-    // keeps the last image. A LoadImage that arrives while another is running (from a handler
-    // re-entered during the transfer) is run right after it, in order.
+    // keeps the last image. The file is decoded on a worker thread (BackgroundRead). A LoadImage
+    // that arrives while another is running (from a handler re-entered during the transfer or the
+    // decode) is run right after it, in order. A loader destroyed meanwhile is not touched again.
     void loadImage(const QString& server, const QString& path, const QString& userName,
                    const QString& password);
     // msub_SaveImage with the key "current" (SaveCurrentImage) or any list key; "LEAD_image" saves
