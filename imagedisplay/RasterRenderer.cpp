@@ -124,6 +124,36 @@ void RasterRenderer::setImage(const QImage& image)
     imageChanged();
 }
 
+void RasterRenderer::setImage(const QImage& image, std::vector<QImage> reductions)
+{
+    setImage(image);
+    if (!drawnAsIs(image.format()))
+        return;
+    const QImage* previous = &image;
+    for (QImage& level : reductions) {
+        const QSize halved((previous->width() + 1) / 2, (previous->height() + 1) / 2);
+        if (level.format() != image.format() || level.size() != halved ||
+            (previous->width() <= 1 && previous->height() <= 1))
+            break;
+        m_levels.push_back(std::move(level));
+        previous = &m_levels.back();
+    }
+}
+
+std::vector<QImage> RasterRenderer::reductions(const QImage& image, int count)
+{
+    std::vector<QImage> levels;
+    if (image.isNull() || !drawnAsIs(image.format()))
+        return levels;
+    while (int(levels.size()) < count) {
+        const QImage& last = levels.empty() ? image : levels.back();
+        if (last.width() <= 1 && last.height() <= 1)
+            break;
+        levels.push_back(halve(last));
+    }
+    return levels;
+}
+
 void RasterRenderer::imageChanged()
 {
     m_converted = QImage();

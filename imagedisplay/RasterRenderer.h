@@ -44,6 +44,12 @@ public:
 
     // A new bitmap (shared, not copied). Drops the reductions and the buffer.
     void setImage(const QImage& image);
+    // A new bitmap with its first reduction levels made ahead by reductions(); levels that do not
+    // fit the bitmap are dropped (and built on first use as usual).
+    void setImage(const QImage& image, std::vector<QImage> reductions);
+    // The first `count` reduction levels of a bitmap drawn as it is (RGB32 or grey), exactly as
+    // paint() builds them; none for other formats. Touches no renderer: runs on any thread.
+    static std::vector<QImage> reductions(const QImage& image, int count);
     const QImage& image() const { return m_image; }
     // The bitmap's pixels changed in place: drops the reductions and the buffer.
     void imageChanged();

@@ -29,6 +29,12 @@ void RasterView::setBitmap(const QImage& image)
     changed();
 }
 
+void RasterView::setBitmap(const QImage& image, std::vector<QImage> reductions)
+{
+    m_renderer.setImage(image, std::move(reductions));
+    changed();
+}
+
 void RasterView::clearBitmap()
 {
     setBitmap(QImage());

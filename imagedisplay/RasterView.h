@@ -41,6 +41,8 @@ public:
 
     // The bitmap, kept as given (a grey image stays grey).
     void setBitmap(const QImage& image);
+    // The same, with its first reduction levels made ahead (RasterRenderer::reductions).
+    void setBitmap(const QImage& image, std::vector<QImage> reductions);
     const QImage& bitmap() const { return m_renderer.image(); }
     bool hasBitmap() const { return !m_renderer.image().isNull(); }
     void clearBitmap();

@@ -5,6 +5,7 @@
 #include "imagedisplay/MouseDispatcher.h"
 #include "imagedisplay/NXRImageDisplay.h"
 #include "imagedisplay/NXRViewButtons.h"
+#include "imagedisplay/RasterRenderer.h"
 #include "imagedisplay/RasterView.h"
 
 namespace nxr {
@@ -14,14 +15,21 @@ QImage DisplaySurface::shownImage() const
     return m_display.leadView()->bitmap();
 }
 
-void DisplaySurface::showImage(const QImage& image)
+void DisplaySurface::showImage(const QImage& image, std::vector<QImage> reductions)
 {
     QImage shown = image;
-    // Colour mode off: the display shows grey whatever arrives.
-    if (!m_display.state().colorMode && !shown.isNull() && shown.format() != QImage::Format_Grayscale8)
+    // Colour mode off: the display shows grey whatever arrives (and the colour reductions go).
+    if (!m_display.state().colorMode && !shown.isNull() && shown.format() != QImage::Format_Grayscale8) {
         shown = shown.convertToFormat(QImage::Format_Grayscale8);
-    m_display.leadView()->setBitmap(shown);
+        reductions.clear();
+    }
+    m_display.leadView()->setBitmap(shown, std::move(reductions));
     m_display.viewport().imageSizeChanged();
+}
+
+int DisplaySurface::reductionLevel() const
+{
+    return RasterRenderer::levelForZoom(m_display.leadView()->zoom());
 }
 
 void DisplaySurface::clearImage()

@@ -15,7 +15,8 @@ public:
     explicit DisplaySurface(NXRImageDisplay& display) : m_display(display) {}
 
     QImage shownImage() const override;
-    void showImage(const QImage& image) override;
+    void showImage(const QImage& image, std::vector<QImage> reductions) override;
+    int reductionLevel() const override;
     void clearImage() override;
     void setLandingImage(const QImage& image) override;
     float zoom() const override;

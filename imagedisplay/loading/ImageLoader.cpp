@@ -3,7 +3,9 @@
 #include "frame/Conversions.h"
 #include "frame/Globals.h"
 #include "frame/ScriptableCore.h"
+#include "frame/SyncCall.h"
 #include "frame/Trace.h"
+#include "imagedisplay/loading/BackgroundRead.h"
 #include "imagedisplay/loading/ControllerFiles.h"
 #include "imagedisplay/loading/ImageFile.h"
 #include "imagedisplay/loading/ImageSurface.h"
@@ -53,10 +55,18 @@ ImageLoader::ImageLoader(ImageSurface& surface, LiveMode& live, ScriptableCore& 
 void ImageLoader::loadImage(const QString& server, const QString& path, const QString& userName,
                             const QString& password)
 {
-    m_core.trace(kLoadImage, QStringLiteral("Entered, vstr_FilePath = ") + path);
-    m_pending.push_back(Request{server, path, userName, password});
+    // The loader may be destroyed while a transfer or a decode waits: the call then unwinds
+    // without touching it.
+    CallEntry::run(this, [&] { runQueue(Request{server, path, userName, password}); });
+}
+
+void ImageLoader::runQueue(const Request& first)
+{
+    m_core.trace(kLoadImage, QStringLiteral("Entered, vstr_FilePath = ") + first.path);
+    m_pending.push_back(first);
     if (m_loading) {
-        // A handler re-entered while the transfer waited: this image follows the running one.
+        // A handler re-entered while the transfer or the decode waited: this image follows the
+        // running one.
         m_core.trace(kLoadImage, QStringLiteral("a load is running, this one follows it"));
         return;
     }
@@ -122,9 +132,9 @@ bool ImageLoader::loadNewImage(const Request& request, bool noWait)
         }
     }
 
-    QImage image;
+    BackgroundRead::Result read;
     try {
-        image = ImageFile::read(local);
+        read = BackgroundRead::read(local, m_surface.reductionLevel());
     } catch (const Failure& f) {
         // The reason goes to the trace; the page gets the display's fixed message.
         errorTrace(m_core.className(), kLoadNewImage, f.description());
@@ -132,11 +142,11 @@ bool ImageLoader::loadNewImage(const Request& request, bool noWait)
                                               request.path + QStringLiteral(" does not contain image"));
         return false;
     }
-    m_surface.setLandingImage(image);
-    m_images.insert(ImageList::kCurrent, image);
+    m_surface.setLandingImage(read.image);
+    m_images.insert(ImageList::kCurrent, read.image);
     m_originalFile = Globals::fileNameOfPath(request.path);
     m_currentFile = local;
-    resetAndShowListImage(noWait);
+    resetAndShowListImage(noWait, false, std::move(read.reductions));
     m_core.trace(kLoadNewImage, QStringLiteral("Done"));
     return true;
 }
@@ -147,7 +157,7 @@ void ImageLoader::showImage(const QImage& image, bool keepViewIfSameSize)
     resetAndShowListImage(false, !keepViewIfSameSize);
 }
 
-void ImageLoader::resetAndShowListImage(bool noWait, bool fit)
+void ImageLoader::resetAndShowListImage(bool noWait, bool fit, std::vector<QImage> reductions)
 {
     const float oldZoom = m_surface.zoom();
     const QSize oldSize = m_surface.shownImage().size();
@@ -156,7 +166,7 @@ void ImageLoader::resetAndShowListImage(bool noWait, bool fit)
     m_surface.setAutoRepaint(false);
 
     const QImage image = m_images.image(ImageList::kCurrent);
-    m_surface.showImage(image);
+    m_surface.showImage(image, std::move(reductions));
     if (!image.isNull() && (fit || oldSize.isEmpty() || oldSize != image.size())) {
         m_core.trace(kShowListImage, QStringLiteral("reset zoom etc."));
         const float newZoom = m_surface.fitImage();

@@ -15,6 +15,7 @@
 
 #include <deque>
 #include <functional>
+#include <vector>
 
 namespace nxr {
 
@@ -39,8 +40,9 @@ public:
 
     // LoadImage: an empty path clears the display. Failures are reported through the core (one
     // OnError each); a failed load outside live mode leaves an empty display, one in live mode
-    // keeps the last image. A LoadImage that arrives while another is running (from a handler
-    // re-entered during the transfer) is run right after it, in order.
+    // keeps the last image. The file is decoded on a worker thread (BackgroundRead). A LoadImage
+    // that arrives while another is running (from a handler re-entered during the transfer or the
+    // decode) is run right after it, in order. A loader destroyed meanwhile is not touched again.
     void loadImage(const QString& server, const QString& path, const QString& userName,
                    const QString& password);
     // msub_SaveImage with the key "current" (SaveCurrentImage) or any list key; "LEAD_image" saves
@@ -85,9 +87,11 @@ private:
         QString server, path, userName, password;
     };
 
+    void runQueue(const Request& first);
     void runLoad(const Request& request);
-    bool loadNewImage(const Request& request, bool noWait);    // mflng_LoadNewImage
-    void resetAndShowListImage(bool noWait, bool fit = false); // msub_ResetAndShowListImage
+    bool loadNewImage(const Request& request, bool noWait); // mflng_LoadNewImage
+    // msub_ResetAndShowListImage; `reductions` are the current image's, made ahead, or none.
+    void resetAndShowListImage(bool noWait, bool fit = false, std::vector<QImage> reductions = {});
     void clearAfterFailure();
     void refreshTick(); // tmr_ImageRefresh
     ControllerFiles* files(const QString& routine);

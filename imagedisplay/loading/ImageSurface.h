@@ -8,6 +8,8 @@
 #include <QPointF>
 #include <QString>
 
+#include <vector>
+
 namespace nxr {
 
 class NXR_EXPORT ImageSurface
@@ -17,8 +19,11 @@ public:
 
     // The bitmap of the main raster view; null when it shows none.
     virtual QImage shownImage() const = 0;
-    // Puts a bitmap into the main raster view (the view, zoom and scroll are set separately).
-    virtual void showImage(const QImage& image) = 0;
+    // Puts a bitmap into the main raster view (the view, zoom and scroll are set separately), with
+    // its first reduction levels when they were made ahead (RasterRenderer::reductions), or none.
+    virtual void showImage(const QImage& image, std::vector<QImage> reductions) = 0;
+    // How many reduction levels the main raster view draws from at its zoom.
+    virtual int reductionLevel() const = 0;
     // Empties the main raster view.
     virtual void clearImage() = 0;
     // The never-visible landing raster view every file is read into first; a null image empties it.

@@ -130,6 +130,42 @@ TEST(RendererReduction, SmallZoomsKeepTheImageExtentAndColours)
     }
 }
 
+TEST(RendererReduction, LevelsMadeAheadAreUsedWhenTheyFitTheBitmapAndPaintAsBuiltOnes)
+{
+    struct Case
+    {
+        QImage::Format format;
+        QSize image, madeFrom; // the levels are made from an image of `madeFrom`
+        int count;
+        bool used;
+    };
+    const Case cases[] = {
+        {QImage::Format_RGB32, {201, 121}, {201, 121}, 3, true},
+        {QImage::Format_Grayscale8, {200, 120}, {200, 120}, 2, true},
+        {QImage::Format_RGB32, {201, 121}, {100, 60}, 2, false}, // another image's size
+        {QImage::Format_RGB32, {2, 1}, {2, 1}, 4, true},         // stops at one pixel
+    };
+    for (const Case& c : cases) {
+        const QImage src = pattern(c.format, c.image.width(), c.image.height());
+        std::vector<QImage> ahead =
+            RasterRenderer::reductions(pattern(c.format, c.madeFrom.width(), c.madeFrom.height()), c.count);
+        ASSERT_FALSE(ahead.empty());
+        const uchar* firstLevel = ahead.front().constBits();
+        RasterRenderer made, built;
+        made.setBackground(kBackground);
+        built.setBackground(kBackground);
+        made.setImage(src, std::move(ahead));
+        built.setImage(src);
+        EXPECT_EQ(made.level(1).constBits() == firstLevel, c.used) << c.image.width();
+        for (float zoom : {50.0f, 25.0f, 12.5f, 30.0f})
+            EXPECT_EQ(render(made, QSize(120, 80), zoom, QPoint(3, 2)),
+                      render(built, QSize(120, 80), zoom, QPoint(3, 2)))
+                << c.image.width() << " at " << zoom;
+    }
+    // A bitmap drawn through a conversion gets none: its levels depend on the background.
+    EXPECT_TRUE(RasterRenderer::reductions(pattern(QImage::Format_ARGB32, 40, 40), 2).empty());
+}
+
 TEST(RendererBuffer, AChangedBitmapIsPaintedAfresh)
 {
     QImage src = pattern(QImage::Format_RGB32, 20, 20);

@@ -4,6 +4,7 @@
 #include "FakeFiles.h"
 
 #include "frame/Globals.h"
+#include "frame/SyncCall.h"
 #include "imagedisplay/ImageViewport.h"
 #include "imagedisplay/MouseDispatcher.h"
 #include "imagedisplay/NXRImageDisplay.h"
@@ -19,6 +20,7 @@
 #include <QFile>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThreadPool>
 
 #include <gtest/gtest.h>
 
@@ -198,6 +200,28 @@ TEST_F(DisplayLoadingTest, ZoomClicksDuringALoadWaitForTheNewImageAndApplyToIt)
     EXPECT_NEAR(clicked, ViewMaths::integerZoom(ViewMaths::integerZoom(fitted * 2.0, true) * 2.0, true) / 2.0,
                 0.01);
     EXPECT_EQ(errors, 0);
+}
+
+TEST_F(DisplayLoadingTest, DisplayDestroyedWhileItsImageDecodesReturnsCleanly)
+{
+    put("MC:\\E2E\\DECODE\\NOISE.JPG", nxr::testing::noise(2592, 1944), ImageFileFormat::Jpeg);
+    // Polls until the image has arrived and a worker decodes it while LoadImage waits.
+    bool destroyedDuringDecode = false;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        if (display && NestedWait::depth() > 0 && QThreadPool::globalInstance()->activeThreadCount() > 0) {
+            destroyedDuringDecode = true;
+            display.reset();
+        }
+    });
+    poll.start(1);
+    NXRImageDisplay* raw = display.get();
+    raw->LoadImage(sim->host(), "MC:\\E2E\\DECODE\\NOISE.JPG", sim->user(), sim->password());
+    poll.stop();
+    EXPECT_TRUE(destroyedDuringDecode);
+    EXPECT_EQ(display, nullptr);
+    EXPECT_EQ(errors, 0);
+    EXPECT_TRUE(QThreadPool::globalInstance()->waitForDone(10000));
 }
 
 TEST_F(DisplayLoadingTest, SaveRoundTripPerFormatAndNoImageToSave)

@@ -46,6 +46,21 @@ inline QImage pattern(int w, int h, int seed, bool grey = false)
     return img;
 }
 
+// Colour noise: its JPEG compresses badly and takes long to decode.
+inline QImage noise(int w, int h)
+{
+    QImage img(w, h, QImage::Format_RGB32);
+    quint32 state = 12345;
+    for (int y = 0; y < h; ++y) {
+        auto* line = reinterpret_cast<QRgb*>(img.scanLine(y));
+        for (int x = 0; x < w; ++x) {
+            state = state * 1664525u + 1013904223u;
+            line[x] = 0xff000000u | (state >> 8);
+        }
+    }
+    return img;
+}
+
 // Waits in the event loop, as a transfer does.
 inline void spin(int ms)
 {

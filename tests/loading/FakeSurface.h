@@ -28,12 +28,19 @@ public:
     bool activeIsMain = true;
     bool busyPointer = false;
     int repaints = 0;
+    int level = 0;                  // what reductionLevel() answers
+    std::vector<QImage> reductions; // those handed with the shown image
     int reinitializations = 0;
     std::vector<MouseDown> replayed;
     std::function<void(const MouseDown&)> onReplay;
 
     QImage shownImage() const override { return image; }
-    void showImage(const QImage& i) override { image = i; }
+    void showImage(const QImage& i, std::vector<QImage> r) override
+    {
+        image = i;
+        reductions = std::move(r);
+    }
+    int reductionLevel() const override { return level; }
     void clearImage() override { image = QImage(); }
     void setLandingImage(const QImage& i) override { landing = i; }
     float zoom() const override { return zoomValue; }
