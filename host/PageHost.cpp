@@ -23,6 +23,7 @@
 #include <QPixmap>
 #include <QTest>
 #include <QTextBrowser>
+#include <QThread>
 #include <QVariantMap>
 
 #include <cstdio>
@@ -164,7 +165,10 @@ PageHost::~PageHost()
 
 void PageHost::messageHandler(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
-    if (type == QtWarningMsg && g_current && g_current->takeEngineWarning(context, message))
+    // Script errors come from the engine on the host's own thread; messages of worker threads (an
+    // image decoder's warning) pass on untouched.
+    if (type == QtWarningMsg && g_current && QThread::currentThread() == g_current->thread() &&
+        g_current->takeEngineWarning(context, message))
         return;
     if (g_previousHandler)
         g_previousHandler(type, context, message);
