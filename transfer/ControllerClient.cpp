@@ -85,6 +85,7 @@ struct ControllerClient::Transfer
 {
     CURL* easy = nullptr;
     bool ftp = false;
+    qint64 lastEventMs = 0; // when one of its sockets last had an event (or it started)
     bool done = false;
     CURLcode code = CURLE_OK;
     char errorBuffer[CURL_ERROR_SIZE] = {};
@@ -275,6 +276,7 @@ ControllerClient::ControllerClient() : m_timeouts(defaultTimeouts())
     m_kick.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, [this] { socketAction(CURL_SOCKET_TIMEOUT, 0); });
     connect(&m_kick, &QTimer::timeout, this, [this] { kick(); });
+    m_clock.start();
     m_replyDeadline.setSingleShot(true);
     m_replyDeadline.setTimerType(Qt::PreciseTimer);
     connect(&m_replyDeadline, &QTimer::timeout, this, [this] {
@@ -297,6 +299,9 @@ ControllerClient::ControllerClient() : m_timeouts(defaultTimeouts())
 // reply is not (see updateReplyDeadline()).
 void ControllerClient::runAll()
 {
+    // A run may send a command: the time limit of its reply counts from here.
+    for (Transfer* t : m_active)
+        t->lastEventMs = m_clock.elapsed();
     int running = 0;
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -320,16 +325,21 @@ void ControllerClient::kick()
 // The library checks the time limit of an FTP reply only when the transfer runs and sets no
 // timer for it (it does for connecting and for a stalled body). A transfer waiting for a reply
 // that never comes is watched on its socket, and nothing runs it: so the transfers are run once
-// when none of their sockets had an event for the whole limit, the earliest moment a reply can
-// be late.
+// when an FTP transfer's sockets had no event for the whole limit, the earliest moment its reply
+// can be late.
 void ControllerClient::updateReplyDeadline()
 {
-    const bool ftp = std::any_of(m_active.begin(), m_active.end(), [](const Transfer* t) { return t->ftp; });
-    if (!m_multi || !ftp) {
+    std::optional<qint64> earliest;
+    for (const Transfer* t : m_active) {
+        if (t->ftp && (!earliest || t->lastEventMs < *earliest))
+            earliest = t->lastEventMs;
+    }
+    if (!m_multi || !earliest) {
         m_replyDeadline.stop();
         return;
     }
-    m_replyDeadline.start(stallSeconds(m_timeouts.stallMs) * 1000 + 20);
+    const qint64 limitMs = stallSeconds(m_timeouts.stallMs) * 1000 + 20;
+    m_replyDeadline.start(int(qBound<qint64>(0, *earliest + limitMs - m_clock.elapsed(), limitMs)));
 }
 
 bool ControllerClient::hasUnwatchedTransfer() const
@@ -512,6 +522,7 @@ void ControllerClient::run(Transfer& t, int& busy)
         throw TransferError(CURLE_FAILED_INIT, QString::fromLatin1(curl_multi_strerror(added)));
     // While a session carries a transfer, its state is what the transfer last saw.
     ++busy;
+    t.lastEventMs = m_clock.elapsed();
     m_active.insert(&t);
     updateKick();
     updateReplyDeadline();
@@ -574,12 +585,18 @@ void ControllerClient::socketAction(long long s, int events)
 {
     if (!m_multi)
         return;
+    if (s != CURL_SOCKET_TIMEOUT) {
+        const auto watch = m_watches.find(s);
+        for (Transfer* t : m_active) {
+            if (watch != m_watches.end() && watch->second.easy == t->easy)
+                t->lastEventMs = m_clock.elapsed();
+        }
+    }
     int running = 0;
     curl_multi_socket_action(static_cast<CURLM*>(m_multi), curl_socket_t(s), events, &running);
     processDone();
     updateKick();
-    if (s != CURL_SOCKET_TIMEOUT || m_active.empty())
-        updateReplyDeadline();
+    updateReplyDeadline();
 }
 
 void ControllerClient::processDone()

@@ -17,6 +17,7 @@
 #include "frame/Conversions.h"
 #include "frame/Export.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QString>
 #include <QTimer>
@@ -166,6 +167,7 @@ private:
     int m_kickDelayMs = 0;
     long m_extraRuns = 0;
     QTimer m_replyDeadline;
+    QElapsedTimer m_clock;
     long m_deadlineRuns = 0;
     struct Watch
     {
