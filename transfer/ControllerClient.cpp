@@ -50,8 +50,6 @@ int settingMs(const QString& key, int fallback, int lowest, int highest)
 // rounds through the event loop.
 constexpr long kBufferSize = 128 * 1024;
 
-// How often transfers waiting on their sockets are run for the library's time checks.
-
 void globalInit()
 {
     static std::once_flag once;
@@ -287,16 +285,7 @@ ControllerClient::ControllerClient() : m_timeouts(defaultTimeouts())
     });
 }
 
-// Transfers are driven by their sockets' events and the transfer library's timer, with one
-// exception. The library (7.88) opens an FTP data connection lazily: when the passive-mode reply
-// arrives in the same run that sent the request (a fast server on a near network), the transfer
-// moves on to connecting its data connection but returns without running that step, so it has no
-// socket yet to be watched and no timer but its connect timeout; nothing would run it again
-// before that timeout. After every run, a transfer the library left watching no socket is
-// therefore run again at once (then after 1, 2, 4 ... ms while it stays so, at most every 100 ms);
-// one such run starts the data connection, whose socket is watched from then on. The library's
-// own checks of the connect time and of a stalled body are backed by its timer; that of an FTP
-// reply is not (see updateReplyDeadline()).
+// Runs every transfer of this client once (see kick() and updateReplyDeadline()).
 void ControllerClient::runAll()
 {
     // A run may send a command: the time limit of its reply counts from here.
@@ -312,6 +301,16 @@ void ControllerClient::runAll()
     updateReplyDeadline();
 }
 
+// Transfers are driven by their sockets' events and the transfer library's timer, with one
+// exception. The library (7.88) opens an FTP data connection lazily: when the passive-mode reply
+// arrives in the same run that sent the request (a fast server on a near network), the transfer
+// moves on to connecting its data connection but returns without running that step, so it has no
+// socket yet to be watched and no timer but its connect timeout; nothing would run it again
+// before that timeout. After every run, a transfer the library left watching no socket is
+// therefore run again at once (then after 1, 2, 4 ... ms while it stays so, at most every 100 ms);
+// one such run starts the data connection, whose socket is watched from then on. The library's
+// own checks of the connect time and of a stalled body are backed by its timer; that of an FTP
+// reply is not (see updateReplyDeadline()).
 void ControllerClient::kick()
 {
     if (!m_multi || m_active.empty()) {
@@ -453,6 +452,7 @@ void ControllerClient::resetMulti()
     m_watches.clear();
     m_timer.stop();
     m_kick.stop();
+    m_replyDeadline.stop();
     m_ftp.up = false;
     m_ftp.socket = -1;
     m_http.up = false;
