@@ -25,6 +25,23 @@ struct PageRun
     QStringList outLines() const { return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts); }
 };
 
+// The first line of a run's standard output that starts with `prefix`, or an empty text.
+inline QString lineStartingWith(const PageRun& run, const QString& prefix)
+{
+    for (const QString& line : run.outLines())
+        if (line.startsWith(prefix))
+            return line;
+    return QString();
+}
+
+// A run ended by itself with `code`; on failure both outputs are shown.
+#define EXPECT_RUN(run, code)                                                                                \
+    ASSERT_FALSE((run).timedOut);                                                                            \
+    ASSERT_FALSE((run).crashed) << qPrintable((run).err);                                                    \
+    EXPECT_EQ((run).exitCode, (code)) << "stdout:\n"                                                         \
+                                      << qPrintable((run).out) << "stderr:\n"                                \
+                                      << qPrintable((run).err)
+
 class PageRunner
 {
 public:

@@ -17,25 +17,10 @@ namespace {
 const QByteArray kPad = PageRunner::item("TestClickPad", "ctl_Pad");
 const QByteArray kEmptyForm = PageRunner::form(200, 100, {});
 
-QString lineStartingWith(const PageRun& run, const QString& prefix)
-{
-    for (const QString& line : run.outLines())
-        if (line.startsWith(prefix))
-            return line;
-    return QString();
-}
-
 QStringList baseArg(const TestHttpServer& server)
 {
     return {"--script-arg", "base=" + server.url("")};
 }
-
-#define EXPECT_RUN(run, code)                                                                                \
-    ASSERT_FALSE((run).timedOut);                                                                            \
-    ASSERT_FALSE((run).crashed) << qPrintable((run).err);                                                    \
-    EXPECT_EQ((run).exitCode, (code)) << "stdout:\n"                                                         \
-                                      << qPrintable((run).out) << "stderr:\n"                                \
-                                      << qPrintable((run).err)
 
 // One page run of a table: its script, extra arguments, exit code, whole output, a text of stderr.
 struct PageCase

@@ -17,13 +17,6 @@
 
 namespace {
 
-#define EXPECT_RUN(run, code)                                                                                \
-    ASSERT_FALSE((run).timedOut);                                                                            \
-    ASSERT_FALSE((run).crashed) << qPrintable((run).err);                                                    \
-    EXPECT_EQ((run).exitCode, (code)) << "stdout:\n"                                                         \
-                                      << qPrintable((run).out) << "stderr:\n"                                \
-                                      << qPrintable((run).err)
-
 const QByteArray kEmptyForm = PageRunner::form(200, 100, {});
 
 // A page at `server`/p/: page.json, page.ui and page.js.
@@ -40,14 +33,6 @@ PageRun runTrusted(const PageRunner& runner, const TestHttpServer& server, const
     return runner.run(QStringList{"--headless", "--timeout", "30000", "--trust", server.url("")} + extra +
                           QStringList{server.url("/p/")},
                       60000, QStringLiteral(NEXARO_PAGE));
-}
-
-QString line(const PageRun& run, const QString& start)
-{
-    for (const QString& l : run.outLines())
-        if (l.startsWith(start))
-            return l;
-    return QString();
 }
 
 QString copySample(const QString& to)
@@ -142,10 +127,10 @@ console.log("name " + txt_Name.text + " " + typeof txt_Name.setText + " " + type
 )JS");
     const PageRun run = runTrusted(runner, server, {"--script-arg", "evil=" + evil});
     EXPECT_RUN(run, 0);
-    EXPECT_EQ(line(run, "env "), "env [||||de|]") << qPrintable(run.out);
-    EXPECT_EQ(line(run, "browser "), "browser undefined");
-    EXPECT_EQ(line(run, "label "), "label undefined,undefined,undefined,undefined,string");
-    EXPECT_EQ(line(run, "name "), "name typed undefined undefined");
+    EXPECT_EQ(lineStartingWith(run, "env "), "env [||||de|]") << qPrintable(run.out);
+    EXPECT_EQ(lineStartingWith(run, "browser "), "browser undefined");
+    EXPECT_EQ(lineStartingWith(run, "label "), "label undefined,undefined,undefined,undefined,string");
+    EXPECT_EQ(lineStartingWith(run, "name "), "name typed undefined undefined");
     EXPECT_TRUE(run.err.contains("txt_Browser (QTextBrowser) is not scriptable")) << qPrintable(run.err);
     EXPECT_FALSE(QFile::exists(runner.path("marker"))) << "the page started a program";
 }
@@ -176,12 +161,12 @@ load("inside");
                    {"--script-arg", "inside=" + inside, "--script-arg", "secret=" + secret, "--script-arg",
                     "link=" + storage + "/link.png", "--script-arg", "missing=" + missing});
     EXPECT_RUN(run, 0);
-    EXPECT_TRUE(line(run, "inside: ").startsWith("inside:  ")) << qPrintable(run.out);
+    EXPECT_TRUE(lineStartingWith(run, "inside: ").startsWith("inside:  ")) << qPrintable(run.out);
     // Refused and absent files give the same answer: a page cannot tell which files exist.
     for (const auto& [name, path] :
          {std::pair{"secret", secret}, {"link", storage + "/link.png"}, {"missing", missing}})
         EXPECT_TRUE(
-            line(run, QString(name) + ": ")
+            lineStartingWith(run, QString(name) + ": ")
                 .startsWith(QString(name) + ": Error in LoadLocalImage: file " + path + " does not exist"))
             << qPrintable(run.out);
 }
@@ -241,7 +226,7 @@ console.log("host " + [typeof host.click, typeof host.type, typeof host.screensh
             runner.run(QStringList{"--exit-after", "300"} + extra + QStringList{runner.path("local")}, 60000,
                        QStringLiteral(NEXARO_PAGE));
         EXPECT_RUN(onScreen, 0);
-        EXPECT_EQ(line(onScreen, "host "), "host " + functions + ",object,string,boolean");
+        EXPECT_EQ(lineStartingWith(onScreen, "host "), "host " + functions + ",object,string,boolean");
     }
 }
 
@@ -273,16 +258,17 @@ console.log("partner headers " + send("GET", host.args.partner + "/headers", for
                                    {"--trust", partner.url(""), "--script-arg", "other=" + other.url(""),
                                     "--script-arg", "partner=" + partner.url("")});
     EXPECT_RUN(run, 0);
-    EXPECT_EQ(line(run, "own "), "own 200 own data");
+    EXPECT_EQ(lineStartingWith(run, "own "), "own 200 own data");
     for (const char* method : {"GET", "PUT", "DELETE", "POST"})
-        EXPECT_EQ(line(run, QString("other ") + method), QString("other ") + method + " refused true");
+        EXPECT_EQ(lineStartingWith(run, QString("other ") + method),
+                  QString("other ") + method + " refused true");
     EXPECT_TRUE(other.requests().isEmpty()) << qPrintable(other.requests().join('\n'));
-    EXPECT_EQ(line(run, "partner "), "partner 200 partner data");
+    EXPECT_EQ(lineStartingWith(run, "partner "), "partner 200 partner data");
 
     // The page sets none of the headers that speak for the browser; Authorization only to its own
     // origin.
-    const QString own = line(run, "own headers ");
-    const QString partnerHeaders = line(run, "partner headers ");
+    const QString own = lineStartingWith(run, "own headers ");
+    const QString partnerHeaders = lineStartingWith(run, "partner headers ");
     for (const QString& headers : {own, partnerHeaders}) {
         EXPECT_TRUE(headers.contains("x-test: 1")) << qPrintable(headers);
         for (const char* forged : {"evil", "stolen"})

@@ -20,21 +20,6 @@
 
 namespace {
 
-#define EXPECT_RUN(run, code)                                                                                \
-    ASSERT_FALSE((run).timedOut);                                                                            \
-    ASSERT_FALSE((run).crashed) << qPrintable((run).err);                                                    \
-    EXPECT_EQ((run).exitCode, (code)) << "stdout:\n"                                                         \
-                                      << qPrintable((run).out) << "stderr:\n"                                \
-                                      << qPrintable((run).err)
-
-QString lineStartingWith(const PageRun& run, const QString& prefix)
-{
-    for (const QString& line : run.outLines())
-        if (line.startsWith(prefix))
-            return line;
-    return QString();
-}
-
 // The distinct colours in a rectangle of an image.
 int coloursIn(const QImage& image, const QRect& area)
 {
