@@ -2,6 +2,7 @@
 // rectangles, and the view over the camera image.
 
 #include "mask/MaskEditor.h"
+#include "PixelChecks.h"
 #include "mask/MaskCompositor.h"
 #include "mask/MaskPainter.h"
 
@@ -12,6 +13,7 @@
 #include <random>
 
 using namespace nxr;
+using nxr::testing::covers;
 
 namespace {
 
@@ -35,15 +37,6 @@ int runIn(const QImage& img, int y, QRgb color)
     for (int x = 0; x < img.width(); ++x)
         n += img.pixel(x, y) == color;
     return n;
-}
-
-bool covers(const QImage& before, const QImage& after, const QRect& rect)
-{
-    for (int y = 0; y < before.height(); ++y)
-        for (int x = 0; x < before.width(); ++x)
-            if (before.pixel(x, y) != after.pixel(x, y) && !rect.contains(x, y))
-                return false;
-    return true;
 }
 
 struct Editor

@@ -2,6 +2,7 @@
 // regions of ordinary shape.
 
 #include "mask/MaskFill.h"
+#include "PixelChecks.h"
 #include "ReferenceFill.h"
 
 #include <QPainter>
@@ -12,6 +13,7 @@
 #include <random>
 
 using namespace nxr;
+using nxr::testing::covers;
 using nxr::testing::ReferenceFill;
 
 namespace {
@@ -62,16 +64,6 @@ void regionFill(QImage& img, QPoint seed, QRgb pen)
             }
         }
     }
-}
-
-// Every pixel that differs between before and after lies in `rect`.
-bool covers(const QImage& before, const QImage& after, const QRect& rect)
-{
-    for (int y = 0; y < before.height(); ++y)
-        for (int x = 0; x < before.width(); ++x)
-            if (before.pixel(x, y) != after.pixel(x, y) && !rect.contains(x, y))
-                return false;
-    return true;
 }
 
 } // namespace
