@@ -7,6 +7,7 @@ var setup = createObject("NexaroControls.NXRClientSetupObject");
 
 lbl_BuildID.text = info.NXRBuildID;
 lbl_StorageFolder.text = info.StorageFolder;
+lbl_StorageFolder.toolTip = info.StorageFolder; // a long path is cut at the window's edge
 
 function showVersionCheck() {
     var n = spn_VNUM.value;
