@@ -4,7 +4,6 @@
 #include "frame/Globals.h"
 #include "frame/PageTrust.h"
 #include "frame/Trace.h"
-#include "graphics/MovableShapes.h"
 #include "imagedisplay/DisplayEditHost.h"
 #include "imagedisplay/DisplayLayout.h"
 #include "imagedisplay/DisplayState.h"
@@ -21,7 +20,6 @@
 #include "imagedisplay/edit/EditSession.h"
 #include "imagedisplay/loading/DisplayLoading.h"
 #include "imagedisplay/loading/ImageFile.h"
-#include "imagedisplay/parts/GraphicsPart.h"
 #include "imagedisplay/parts/MaskPart.h"
 
 #include <QFileInfo>
@@ -109,7 +107,7 @@ struct NXRImageDisplay::Private
     bool shown = false;
 };
 
-NXRImageDisplay::NXRImageDisplay(QWidget* parent) : ScriptableWidget(parent), d(std::make_unique<Private>())
+NXRImageDisplay::NXRImageDisplay(QWidget* parent) : DisplayPartsFace(parent), d(std::make_unique<Private>())
 {
     UserControl_Initialize();
     InitDisplay();
@@ -206,7 +204,7 @@ void NXRImageDisplay::InitDisplay()
 
 void NXRImageDisplay::showEvent(QShowEvent* event)
 {
-    ScriptableWidget::showEvent(event);
+    DisplayPartsFace::showEvent(event);
     if (d->shown)
         return;
     d->shown = true;
@@ -215,7 +213,7 @@ void NXRImageDisplay::showEvent(QShowEvent* event)
 
 void NXRImageDisplay::resizeEvent(QResizeEvent* event)
 {
-    ScriptableWidget::resizeEvent(event);
+    DisplayPartsFace::resizeEvent(event);
     UserControl_Resize();
 }
 
@@ -395,80 +393,6 @@ QTimer* NXRImageDisplay::liveModeTimer() const { return d->tmrLiveMode; }
 QTimer* NXRImageDisplay::imageRefreshTimer() const { return d->tmrImageRefresh; }
 QTimer* NXRImageDisplay::leadDoubleClickTimer() const { return d->tmrLEADDblClick; }
 // clang-format on
-
-// ---- Masks: one-line forwards to nxr::MaskPart (imagedisplay/parts/MaskPart) ----
-
-// clang-format off
-void NXRImageDisplay::LoadMask(const QString& vstr_FileServer, const QString& vstr_FilePath, const QString& vstr_FTPUserName, const QString& vstr_FTPPassword, int vlng_MaskType) { part<nxr::MaskPart>().session().LoadMask(vstr_FileServer, vstr_FilePath, vstr_FTPUserName, vstr_FTPPassword, vlng_MaskType); }
-void NXRImageDisplay::EditDontCareMask() { part<nxr::MaskPart>().session().EditDontCareMask(); }
-void NXRImageDisplay::EditEmphasisMask() { part<nxr::MaskPart>().session().EditEmphasisMask(); }
-int NXRImageDisplay::ShowMask() const { return part<nxr::MaskPart>().session().ShowMask(); }
-void NXRImageDisplay::setShowMask(int value) { part<nxr::MaskPart>().session().setShowMask(value); }
-int NXRImageDisplay::EditMaskMode() const { return part<nxr::MaskPart>().session().EditMaskMode(); }
-void NXRImageDisplay::setEditMaskMode(int value) { part<nxr::MaskPart>().setEditMaskMode(value); }
-QString NXRImageDisplay::MaskImageFilename(int vlng_Mask) { return part<nxr::MaskPart>().session().MaskImageFilename(vlng_Mask); }
-// clang-format on
-// ---- result graphics and movable shapes: one-line forwards to imagedisplay/parts ----
-
-// clang-format off
-void NXRImageDisplay::DrawText(const QString& vstr_Text, int vlng_X, int vlng_Y, int vlng_Color) { part<nxr::GraphicsPart>().graphics().DrawText(vstr_Text, vlng_X, vlng_Y, vlng_Color); }
-void NXRImageDisplay::DrawTextArray(const QVariant& vvar_Text, const QVariant& vvar_X, const QVariant& vvar_Y, const QVariant& vvar_Color) { part<nxr::GraphicsPart>().graphics().DrawTextArray(vvar_Text, vvar_X, vvar_Y, vvar_Color); }
-void NXRImageDisplay::ClearGraphics() { part<nxr::GraphicsPart>().graphics().ClearGraphics(); }
-void NXRImageDisplay::EraseOverlay() { part<nxr::GraphicsPart>().graphics().EraseOverlay(); }
-bool NXRImageDisplay::ShowOverlay() const { return part<nxr::GraphicsPart>().graphics().ShowOverlay(); }
-void NXRImageDisplay::setShowOverlay(bool value) { part<nxr::GraphicsPart>().graphics().setShowOverlay(value); }
-void NXRImageDisplay::LoadOverlay(const QString& vstr_FileServer, const QString& vstr_FilePath, const QString& vstr_FTPUserName, const QString& vstr_FTPPassword) { part<nxr::GraphicsPart>().graphics().LoadOverlay(vstr_FileServer, vstr_FilePath, vstr_FTPUserName, vstr_FTPPassword); }
-void NXRImageDisplay::LoadCombinedImageAndOverlay(const QString& vstr_FileServer, const QString& vstr_ImageFilePath, const QString& vstr_OverlayFilePath, const QString& vstr_FTPUserName, const QString& vstr_FTPPassword) { part<nxr::GraphicsPart>().graphics().LoadCombinedImageAndOverlay(vstr_FileServer, vstr_ImageFilePath, vstr_OverlayFilePath, vstr_FTPUserName, vstr_FTPPassword); }
-void NXRImageDisplay::DrawLine(double vdbl_X1, double vdbl_Y1, double vdbl_X2, double vdbl_Y2, int vlng_Color, const QString& vstr_Key) { part<nxr::GraphicsPart>().graphics().DrawLine(vdbl_X1, vdbl_Y1, vdbl_X2, vdbl_Y2, vlng_Color, vstr_Key); }
-void NXRImageDisplay::DrawArrow(double vdbl_X1, double vdbl_Y1, double vdbl_X2, double vdbl_Y2, int vlng_Color, int vint_Style, const QString& vstr_Key) { part<nxr::GraphicsPart>().graphics().DrawArrow(vdbl_X1, vdbl_Y1, vdbl_X2, vdbl_Y2, vlng_Color, qint16(vint_Style), vstr_Key); }
-void NXRImageDisplay::DrawBox(double vdbl_Left, double vdbl_Top, double vdbl_Width, double vdbl_Height, double vdbl_Angle, int vlng_Color, const QString& vstr_Key) { part<nxr::GraphicsPart>().graphics().DrawBox(vdbl_Left, vdbl_Top, vdbl_Width, vdbl_Height, vdbl_Angle, vlng_Color, vstr_Key); }
-void NXRImageDisplay::DrawCircle(double vdbl_X, double vdbl_Y, double vdbl_Radius, int vlng_Color, const QString& vstr_Key) { part<nxr::GraphicsPart>().graphics().DrawCircle(vdbl_X, vdbl_Y, vdbl_Radius, vlng_Color, vstr_Key); }
-void NXRImageDisplay::DrawCross(double vdbl_X, double vdbl_Y, double vdbl_Angle, int vlng_Color, const QString& vstr_Key) { part<nxr::GraphicsPart>().graphics().DrawCross(vdbl_X, vdbl_Y, vdbl_Angle, vlng_Color, vstr_Key); }
-void NXRImageDisplay::RemoveGraphic(const QString& vstr_Key) { part<nxr::GraphicsPart>().graphics().RemoveGraphic(vstr_Key); }
-void NXRImageDisplay::SetMovableWindow(double VDbl_Top, double VDbl_Left, double VDbl_Height, double VDbl_Width, double VDbl_Angle, bool vbln_Rotatable) { part<nxr::GraphicsPart>().shapes().SetMovableWindow(VDbl_Top, VDbl_Left, VDbl_Height, VDbl_Width, VDbl_Angle, vbln_Rotatable); }
-void NXRImageDisplay::EditMovableWindow() { part<nxr::GraphicsPart>().shapes().EditMovableWindow(); }
-void NXRImageDisplay::ShowMovableWindow(int vlng_Color) { part<nxr::GraphicsPart>().shapes().ShowMovableWindow(vlng_Color); }
-double NXRImageDisplay::MovableWindowTop() const { return part<nxr::GraphicsPart>().shapes().MovableWindowTop(); }
-double NXRImageDisplay::MovableWindowLeft() const { return part<nxr::GraphicsPart>().shapes().MovableWindowLeft(); }
-double NXRImageDisplay::MovableWindowHeight() const { return part<nxr::GraphicsPart>().shapes().MovableWindowHeight(); }
-double NXRImageDisplay::MovableWindowWidth() const { return part<nxr::GraphicsPart>().shapes().MovableWindowWidth(); }
-double NXRImageDisplay::MovableWindowAngle() const { return part<nxr::GraphicsPart>().shapes().MovableWindowAngle(); }
-bool NXRImageDisplay::MovableWindowVisible() const { return part<nxr::GraphicsPart>().shapes().MovableWindowVisible(); }
-void NXRImageDisplay::setMovableWindowVisible(bool value) { part<nxr::GraphicsPart>().shapes().setMovableWindowVisible(value); }
-void NXRImageDisplay::SetMovableCursor(double vdbl_X, double vdbl_Y) { part<nxr::GraphicsPart>().shapes().SetMovableCursor(vdbl_X, vdbl_Y); }
-void NXRImageDisplay::EditMovableCursor() { part<nxr::GraphicsPart>().shapes().EditMovableCursor(); }
-void NXRImageDisplay::ShowMovableCursor(bool vbln_Show) { part<nxr::GraphicsPart>().shapes().ShowMovableCursor(vbln_Show); }
-double NXRImageDisplay::MovableCursorX() const { return part<nxr::GraphicsPart>().shapes().MovableCursorX(); }
-double NXRImageDisplay::MovableCursorY() const { return part<nxr::GraphicsPart>().shapes().MovableCursorY(); }
-bool NXRImageDisplay::MovableCursorVisible() const { return part<nxr::GraphicsPart>().shapes().MovableCursorVisible(); }
-void NXRImageDisplay::setMovableCursorVisible(bool value) { part<nxr::GraphicsPart>().shapes().setMovableCursorVisible(value); }
-int NXRImageDisplay::MovableCursorColor() const { return part<nxr::GraphicsPart>().shapes().MovableCursorColor(); }
-void NXRImageDisplay::setMovableCursorColor(int value) { part<nxr::GraphicsPart>().shapes().setMovableCursorColor(value); }
-bool NXRImageDisplay::MoveableCursor() const { return part<nxr::GraphicsPart>().shapes().MoveableCursor(); }
-void NXRImageDisplay::setMoveableCursor(bool value) { part<nxr::GraphicsPart>().shapes().setMoveableCursor(value); }
-void NXRImageDisplay::SetMovableLine(double vdbl_X1, double vdbl_Y1, double vdbl_X2, double vdbl_Y2, bool vbln_Arrowed) { part<nxr::GraphicsPart>().shapes().SetMovableLine(vdbl_X1, vdbl_Y1, vdbl_X2, vdbl_Y2, vbln_Arrowed); }
-void NXRImageDisplay::EditMovableLine() { part<nxr::GraphicsPart>().shapes().EditMovableLine(); }
-void NXRImageDisplay::ShowMovableLine(bool vbln_Show) { part<nxr::GraphicsPart>().shapes().ShowMovableLine(vbln_Show); }
-bool NXRImageDisplay::MovableLineVisible() const { return part<nxr::GraphicsPart>().shapes().MovableLineVisible(); }
-void NXRImageDisplay::setMovableLineVisible(bool value) { part<nxr::GraphicsPart>().shapes().setMovableLineVisible(value); }
-double NXRImageDisplay::MovableLineEndpoint(int lng_Endpoint, const QString& str_XorY) { return part<nxr::GraphicsPart>().shapes().MovableLineEndpoint(lng_Endpoint, str_XorY); }
-void NXRImageDisplay::SetMovableLinePair(double vdbl_X1, double vdbl_Y1, double vdbl_X2, double vdbl_Y2, double vdbl_StartingWidth) { part<nxr::GraphicsPart>().shapes().SetMovableLinePair(vdbl_X1, vdbl_Y1, vdbl_X2, vdbl_Y2, vdbl_StartingWidth); }
-void NXRImageDisplay::EditMovableLinePair() { part<nxr::GraphicsPart>().shapes().EditMovableLinePair(); }
-void NXRImageDisplay::ShowMovableLinePair(bool vbln_Show) { part<nxr::GraphicsPart>().shapes().ShowMovableLinePair(vbln_Show); }
-bool NXRImageDisplay::MovableLinePairVisible() const { return part<nxr::GraphicsPart>().shapes().MovableLinePairVisible(); }
-void NXRImageDisplay::setMovableLinePairVisible(bool value) { part<nxr::GraphicsPart>().shapes().setMovableLinePairVisible(value); }
-double NXRImageDisplay::MovableLinePairEndpoint(int vlng_Endpoint, const QString& vstr_XorY) { return part<nxr::GraphicsPart>().shapes().MovableLinePairEndpoint(vlng_Endpoint, vstr_XorY); }
-double NXRImageDisplay::MovableLinePairWidth() const { return part<nxr::GraphicsPart>().shapes().MovableLinePairWidth(); }
-bool NXRImageDisplay::MoveWindowEnabled() const { return part<nxr::GraphicsPart>().shapes().MoveWindowEnabled(); }
-void NXRImageDisplay::setMoveWindowEnabled(bool value) { part<nxr::GraphicsPart>().shapes().setMoveWindowEnabled(value); }
-bool NXRImageDisplay::MoveCursorEnabled() const { return part<nxr::GraphicsPart>().shapes().MoveCursorEnabled(); }
-void NXRImageDisplay::setMoveCursorEnabled(bool value) { part<nxr::GraphicsPart>().shapes().setMoveCursorEnabled(value); }
-bool NXRImageDisplay::MoveLineEnabled() const { return part<nxr::GraphicsPart>().shapes().MoveLineEnabled(); }
-void NXRImageDisplay::setMoveLineEnabled(bool value) { part<nxr::GraphicsPart>().shapes().setMoveLineEnabled(value); }
-bool NXRImageDisplay::MoveLinePairEnabled() const { return part<nxr::GraphicsPart>().shapes().MoveLinePairEnabled(); }
-void NXRImageDisplay::setMoveLinePairEnabled(bool value) { part<nxr::GraphicsPart>().shapes().setMoveLinePairEnabled(value); }
-// clang-format on
-// ---- end of result graphics and movable shapes ----
 
 // ---- typed properties ----
 
