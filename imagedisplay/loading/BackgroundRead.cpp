@@ -21,12 +21,16 @@ struct Outcome
     std::exception_ptr error;
 };
 
-Outcome readFile(const QString& localPath, int reductions)
+Outcome readFile(const QString& localPath, int reductions, bool grey)
 {
     Outcome outcome;
     try {
-        outcome.result.image = ImageFile::read(localPath);
-        outcome.result.reductions = RasterRenderer::reductions(outcome.result.image, reductions);
+        BackgroundRead::Result& r = outcome.result;
+        r.image = ImageFile::read(localPath);
+        r.shown = grey && r.image.format() != QImage::Format_Grayscale8
+                      ? r.image.convertToFormat(QImage::Format_Grayscale8)
+                      : r.image;
+        r.reductions = RasterRenderer::reductions(r.shown, reductions);
     } catch (...) {
         outcome.error = std::current_exception();
     }
@@ -35,9 +39,9 @@ Outcome readFile(const QString& localPath, int reductions)
 
 } // namespace
 
-BackgroundRead::Result BackgroundRead::read(const QString& localPath, int reductions)
+BackgroundRead::Result BackgroundRead::read(const QString& localPath, int reductions, bool grey)
 {
-    QFuture<Outcome> future = QtConcurrent::run(&readFile, localPath, reductions);
+    QFuture<Outcome> future = QtConcurrent::run(&readFile, localPath, reductions, grey);
     if (!future.isFinished()) {
         QEventLoop loop;
         QFutureWatcher<Outcome> watcher;

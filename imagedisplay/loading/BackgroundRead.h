@@ -9,7 +9,8 @@
 // ImageFile::read threw.
 //
 // The worker also makes the first reduction levels the view will draw the image from
-// (RasterRenderer::reductions), so that the first paint of a large image need not.
+// (RasterRenderer::reductions), so that the first paint of a large image need not, and for a
+// view that shows grey (colour mode off) the grey image it will show.
 
 #include "frame/Export.h"
 
@@ -25,10 +26,11 @@ class NXR_EXPORT BackgroundRead
 public:
     struct Result
     {
-        QImage image;
-        std::vector<QImage> reductions; // the first `reductions` levels, fewer for a small image
+        QImage image;                   // as read
+        QImage shown;                   // the image the view shows: `image`, or its grey copy
+        std::vector<QImage> reductions; // the first `reductions` levels of `shown`, fewer for a small image
     };
-    static Result read(const QString& localPath, int reductions = 0);
+    static Result read(const QString& localPath, int reductions = 0, bool grey = false);
 };
 
 } // namespace nxr

@@ -19,12 +19,17 @@ void DisplaySurface::showImage(const QImage& image, std::vector<QImage> reductio
 {
     QImage shown = image;
     // Colour mode off: the display shows grey whatever arrives (and the colour reductions go).
-    if (!m_display.state().colorMode && !shown.isNull() && shown.format() != QImage::Format_Grayscale8) {
+    if (showsGrey() && !shown.isNull() && shown.format() != QImage::Format_Grayscale8) {
         shown = shown.convertToFormat(QImage::Format_Grayscale8);
         reductions.clear();
     }
     m_display.leadView()->setBitmap(shown, std::move(reductions));
     m_display.viewport().imageSizeChanged();
+}
+
+bool DisplaySurface::showsGrey() const
+{
+    return !m_display.state().colorMode;
 }
 
 int DisplaySurface::reductionLevel() const

@@ -17,6 +17,7 @@ public:
     QImage shownImage() const override;
     void showImage(const QImage& image, std::vector<QImage> reductions) override;
     int reductionLevel() const override;
+    bool showsGrey() const override;
     void clearImage() override;
     void setLandingImage(const QImage& image) override;
     float zoom() const override;

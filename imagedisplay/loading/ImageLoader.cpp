@@ -134,7 +134,7 @@ bool ImageLoader::loadNewImage(const Request& request, bool noWait)
 
     BackgroundRead::Result read;
     try {
-        read = BackgroundRead::read(local, m_surface.reductionLevel());
+        read = BackgroundRead::read(local, m_surface.reductionLevel(), m_surface.showsGrey());
     } catch (const Failure& f) {
         // The reason goes to the trace; the page gets the display's fixed message.
         errorTrace(m_core.className(), kLoadNewImage, f.description());
@@ -146,7 +146,7 @@ bool ImageLoader::loadNewImage(const Request& request, bool noWait)
     m_images.insert(ImageList::kCurrent, read.image);
     m_originalFile = Globals::fileNameOfPath(request.path);
     m_currentFile = local;
-    resetAndShowListImage(noWait, false, std::move(read.reductions));
+    resetAndShowListImage(noWait, false, std::move(read.reductions), read.shown);
     m_core.trace(kLoadNewImage, QStringLiteral("Done"));
     return true;
 }
@@ -157,7 +157,8 @@ void ImageLoader::showImage(const QImage& image, bool keepViewIfSameSize)
     resetAndShowListImage(false, !keepViewIfSameSize);
 }
 
-void ImageLoader::resetAndShowListImage(bool noWait, bool fit, std::vector<QImage> reductions)
+void ImageLoader::resetAndShowListImage(bool noWait, bool fit, std::vector<QImage> reductions,
+                                        const QImage& shown)
 {
     const float oldZoom = m_surface.zoom();
     const QSize oldSize = m_surface.shownImage().size();
@@ -166,7 +167,7 @@ void ImageLoader::resetAndShowListImage(bool noWait, bool fit, std::vector<QImag
     m_surface.setAutoRepaint(false);
 
     const QImage image = m_images.image(ImageList::kCurrent);
-    m_surface.showImage(image, std::move(reductions));
+    m_surface.showImage(shown.isNull() ? image : shown, std::move(reductions));
     if (!image.isNull() && (fit || oldSize.isEmpty() || oldSize != image.size())) {
         m_core.trace(kShowListImage, QStringLiteral("reset zoom etc."));
         const float newZoom = m_surface.fitImage();

@@ -90,8 +90,10 @@ private:
     void runQueue(const Request& first);
     void runLoad(const Request& request);
     bool loadNewImage(const Request& request, bool noWait); // mflng_LoadNewImage
-    // msub_ResetAndShowListImage; `reductions` are the current image's, made ahead, or none.
-    void resetAndShowListImage(bool noWait, bool fit = false, std::vector<QImage> reductions = {});
+    // msub_ResetAndShowListImage; `shown` is what the view shows of the current image when that
+    // was made ahead (its grey copy), and `reductions` are its reduction levels, or none.
+    void resetAndShowListImage(bool noWait, bool fit = false, std::vector<QImage> reductions = {},
+                               const QImage& shown = QImage());
     void clearAfterFailure();
     void refreshTick(); // tmr_ImageRefresh
     ControllerFiles* files(const QString& routine);

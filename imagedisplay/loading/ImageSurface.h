@@ -24,6 +24,8 @@ public:
     virtual void showImage(const QImage& image, std::vector<QImage> reductions) = 0;
     // How many reduction levels the main raster view draws from at its zoom.
     virtual int reductionLevel() const = 0;
+    // True when the main raster view shows every image in grey (colour mode off).
+    virtual bool showsGrey() const = 0;
     // Empties the main raster view.
     virtual void clearImage() = 0;
     // The never-visible landing raster view every file is read into first; a null image empties it.

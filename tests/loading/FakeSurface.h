@@ -29,6 +29,7 @@ public:
     bool busyPointer = false;
     int repaints = 0;
     int level = 0;                  // what reductionLevel() answers
+    bool grey = false;              // what showsGrey() answers
     std::vector<QImage> reductions; // those handed with the shown image
     int reinitializations = 0;
     std::vector<MouseDown> replayed;
@@ -41,6 +42,7 @@ public:
         reductions = std::move(r);
     }
     int reductionLevel() const override { return level; }
+    bool showsGrey() const override { return grey; }
     void clearImage() override { image = QImage(); }
     void setLandingImage(const QImage& i) override { landing = i; }
     float zoom() const override { return zoomValue; }

@@ -63,6 +63,22 @@ TEST_F(ImageLoaderTest, CorruptImageInLiveModeKeepsTheLastImageAndAsksForTheNext
     EXPECT_TRUE(snap.wait(1000));
 }
 
+// With colour mode off the worker makes the grey image and its reductions; "current" stays as read.
+TEST_F(ImageLoaderTest, GreyViewGetsItsGreyImageAndReductionsMadeAhead)
+{
+    const QImage colour = pattern(640, 480, 4);
+    put("MC:\\V\\c.png", colour);
+    surface.grey = true;
+    surface.level = 1;
+    load("MC:\\V\\c.png");
+    EXPECT_EQ(errors, 0);
+    EXPECT_EQ(loader.images().image("current"), colour);
+    EXPECT_EQ(surface.image, colour.convertToFormat(QImage::Format_Grayscale8));
+    ASSERT_EQ(surface.reductions.size(), 1u);
+    EXPECT_EQ(surface.reductions[0].format(), QImage::Format_Grayscale8);
+    EXPECT_EQ(surface.reductions[0].size(), QSize(320, 240));
+}
+
 TEST_F(ImageLoaderTest, FailuresOutsideLiveModeEmptyTheDisplayAndHideThePassword)
 {
     put("MC:\\V\\a.png", pattern(64, 48, 1));
