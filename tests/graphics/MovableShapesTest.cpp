@@ -1,7 +1,7 @@
 // The display's movable shapes against a stand-in display: items under their keys, the edit
 // mode with its mouse mode and exit report, read-back, enabling, pair limits and refused input.
 
-#include "FakeMovableHost.h"
+#include "FakeHosts.h"
 
 #include "graphics/MovableShapes.h"
 #include "graphics/OverlayItems.h"

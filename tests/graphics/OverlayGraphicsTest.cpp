@@ -1,7 +1,7 @@
 // The display's result graphics against a stand-in display: text and its arrays, clearing and
 // erasing, the raster overlay, keyed adders and the crosshair.
 
-#include "FakeGraphicsHost.h"
+#include "FakeHosts.h"
 
 #include "frame/Globals.h"
 #include "frame/ScriptableCore.h"
