@@ -25,8 +25,7 @@ TEST(LineItem, PairWidthGuards)
         {{true, 0.5, 1, -1}, {true, 1000, 1000, -1}},
         {{false, 10, 1, 10}, {true, 5, 5, 10}, {true, 12, 5, 10}, {true, 10, 5, 10}},
         {{true, 5, 5, -1}, {false, 3, 5, -1}, {false, 5, 5, -1}, {false, 5.5, 5, 5.5}, {false, -1, 5, -1}},
-        {{false, -2, 1, -1}, {false, 2, 1, 2}, {true, 0.2, 1, 2}},
-    };
+        {{false, -2, 1, -1}, {false, 2, 1, 2}, {true, 0.2, 1, 2}}};
     for (const auto& run : runs) {
         clsLineItem line;
         for (const Step& s : run) {
