@@ -69,12 +69,10 @@ TEST(MaskPen, ColourByModeAndButtonWidthBySizeDoubledByShiftAlone)
         int mode, button;
         QImage start;
         QRgb painted;
-    } colours[] = {
-        {KSEEditMask_DontCare, L, blankMask(), kRed},
-        {KSEEditMask_ExtraCare, L, blankMask(), kBlue},
-        {KSEEditMask_DontCare, R, blankMask(200, 150, kRed), kBlack},
-        {KSEEditMask_ExtraCare, R, blankMask(200, 150, kBlue), kBlack},
-    };
+    } colours[] = {{KSEEditMask_DontCare, L, blankMask(), kRed},
+                   {KSEEditMask_ExtraCare, L, blankMask(), kBlue},
+                   {KSEEditMask_DontCare, R, blankMask(200, 150, kRed), kBlack},
+                   {KSEEditMask_ExtraCare, R, blankMask(200, 150, kBlue), kBlack}};
     for (const auto& c : colours) {
         Editor ed(c.mode, c.start);
         ed.e.setTool(KSEMaskTool_Freehand);

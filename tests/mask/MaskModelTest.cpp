@@ -30,8 +30,7 @@ TEST(MaskStroke, PointsAreFlooredAndConsecutiveRepeatsDroppedIndexesOutOfRangeIg
         {{{-0.5, 0}}, {{-1, 0}}},
         {{{0, -1.0}, {0.99, -0.01}}, {{0, -1}}},              // -0.01 floors to -1: the same pixel
         {{{1, 1}, {2, 1}, {1, 1}}, {{1, 1}, {2, 1}, {1, 1}}}, // only consecutive repeats go
-        {{{3.5, 3.5}, {3.2, 4.0}, {3.9, 3.1}}, {{3, 3}, {3, 4}, {3, 3}}},
-    };
+        {{{3.5, 3.5}, {3.2, 4.0}, {3.9, 3.1}}, {{3, 3}, {3, 4}, {3, 3}}}};
     for (const auto& [added, stored] : cases) {
         clsMaskPixelBlocks stroke;
         for (const auto& [x, y] : added)

@@ -75,8 +75,7 @@ TEST_F(Palette, BadValuesReportTheirKeysTextsAndChangeNothing)
         {"ProgressCursor", "yes", "Error setting ProgressCursor property: Type mismatch"},
         {"BackColor", "red", "Error setting BackColor property: Type mismatch"},
         {"SelectedTool", "1", "Error: unknown property (SelectedTool)"},
-        {"commandenabled", "2, True", "Error: unknown property (commandenabled)"},
-    };
+        {"commandenabled", "2, True", "Error: unknown property (commandenabled)"}};
     int expectedErrors = 0;
     for (const auto& c : cases) {
         palette->SetProperty(c.key, c.value);

@@ -140,11 +140,9 @@ TEST_F(MaskSessionTest, MaskFilesAreWrittenInTheirFilesFormats)
         const char* path;
         int type;
         QByteArray magic;
-    } cases[] = {
-        {"MC:\\VISION\\EMPH", 2, QByteArray("\x89PNG", 4)}, // no extension: PNG
-        {"MC:\\VISION\\EM.JPG", 2, QByteArray("\xFF\xD8", 2)},
-        {"MC:\\VISION\\DC.PNG", 0, QByteArray("\x89PNG", 4)},
-    };
+    } cases[] = {{"MC:\\VISION\\EMPH", 2, QByteArray("\x89PNG", 4)}, // no extension: PNG
+                 {"MC:\\VISION\\EM.JPG", 2, QByteArray("\xFF\xD8", 2)},
+                 {"MC:\\VISION\\DC.PNG", 0, QByteArray("\x89PNG", 4)}};
     for (const auto& c : cases) {
         session.LoadMask("srv", c.path, "u", "p", c.type);
         c.type == 2 ? session.EditEmphasisMask() : session.EditDontCareMask();
@@ -194,9 +192,8 @@ TEST_F(MaskSessionTest, ShowMaskSelectsTheTintedMasks)
     {
         int show;
         QRgb pixel;
-    } cases[] = {
-        {0, 0}, {1, qRgb(177, 50, 50)}, {2, qRgb(50, 50, 177)}, {3, qRgb(88, 25, 152)}, {4, 0}, {-1, 0},
-    };
+    } cases[] = {{0, 0}, {1, qRgb(177, 50, 50)}, {2, qRgb(50, 50, 177)}, {3, qRgb(88, 25, 152)}, {4, 0},
+                 {-1, 0}};
     for (const auto& c : cases) {
         const int redraws = host.redraws;
         session.setShowMask(c.show);
