@@ -11,6 +11,7 @@
 
 #include <cmath>
 #include <functional>
+#include <tuple>
 
 using namespace nxr;
 
@@ -143,25 +144,24 @@ TEST(OverlayPainter, TurnedCrossAndTheUnscaledMarker)
 
 TEST(OverlayPainter, ArrowHeadsAreFifteenScreenPixelsAtEitherEnd)
 {
-    struct Case
-    {
-        int style;
-        bool atFirst, atSecond;
-    };
-    const Case cases[] = {{0, false, false}, {4, true, false}, {8, false, true}, {12, true, true}};
+    const std::tuple<int, bool, bool> cases[] = {// style, head at the first end, at the second
+                                                 {0, false, false},
+                                                 {4, true, false},
+                                                 {8, false, true},
+                                                 {12, true, true}};
     for (double ratio : {1.0, 1.5}) {
-        for (const auto& k : cases) {
+        for (const auto& [style, atFirst, atSecond] : cases) {
+            SCOPED_TRACE(testing::Message() << "style " << style << " ratio " << ratio);
             const View v{200, {-10, -10}, ratio};
             const QImage img =
-                paintView(v, [&](OverlayPainter& p) { p.drawLine(kRed, 10, 50, 100, 50, k.style); });
+                paintView(v, [&](OverlayPainter& p) { p.drawLine(kRed, 10, 50, 100, 50, style); });
             const QPointF a = dev(v, 10, 50), b = dev(v, 100, 50);
             const double len = 15 * ratio, half = 7.5 * ratio;
             // Barb ends: tip + back +/- p/2 with back 15 screen pixels toward the other end.
-            EXPECT_EQ(near(img, b.x() - len, b.y() + half, kRedRgb), k.atSecond) << k.style << " r" << ratio;
-            EXPECT_EQ(near(img, b.x() - len, b.y() - half, kRedRgb), k.atSecond) << k.style << " r" << ratio;
-            EXPECT_EQ(near(img, a.x() + len, a.y() + half, kRedRgb), k.atFirst) << k.style << " r" << ratio;
-            EXPECT_EQ(near(img, a.x() + len * 0.5, a.y() - half * 0.5, kRedRgb), k.atFirst)
-                << k.style << " r" << ratio;
+            EXPECT_EQ(near(img, b.x() - len, b.y() + half, kRedRgb), atSecond);
+            EXPECT_EQ(near(img, b.x() - len, b.y() - half, kRedRgb), atSecond);
+            EXPECT_EQ(near(img, a.x() + len, a.y() + half, kRedRgb), atFirst);
+            EXPECT_EQ(near(img, a.x() + len * 0.5, a.y() - half * 0.5, kRedRgb), atFirst);
             EXPECT_FALSE(near(img, b.x() - len * 1.6, b.y() + half * 1.6, kRedRgb, 1));
         }
     }
@@ -206,24 +206,15 @@ QRect inkOf(const QImage& img, QRgb color)
 
 TEST(OverlayPainter, TextIsNinePointsWithAHaloOfTheContrastColour)
 {
-    struct Case
-    {
-        qint32 color;
-        QRgb text, halo;
-    };
-    const Case cases[] = {{0x0000FF, qRgb(255, 0, 0), qRgb(0, 0, 0)},       // light text, black halo
-                          {0x400000, qRgb(0, 0, 64), qRgb(255, 255, 255)}}; // dark text, white halo
-    for (const auto& k : cases) {
+    const std::tuple<qint32, QRgb, QRgb> cases[] = {
+        {0x0000FF, qRgb(255, 0, 0), qRgb(0, 0, 0)},       // light text, black halo
+        {0x400000, qRgb(0, 0, 64), qRgb(255, 255, 255)}}; // dark text, white halo
+    for (const auto& [color, textColor, haloColor] : cases) {
         const QImage img =
-            paintView({100, {0, 0}}, [&](OverlayPainter& p) { p.drawText(k.color, 20, 30, "Edge 42"); });
-        const QRect text = inkOf(img, k.text), halo = inkOf(img, k.halo);
-        ASSERT_FALSE(text.isEmpty()) << std::hex << k.color;
-        ASSERT_FALSE(halo.isEmpty()) << std::hex << k.color;
-        // The halo reaches one pixel beyond the text on every side.
-        EXPECT_EQ(halo.left(), text.left() - 1);
-        EXPECT_EQ(halo.right(), text.right() + 1);
-        EXPECT_EQ(halo.top(), text.top() - 1);
-        EXPECT_EQ(halo.bottom(), text.bottom() + 1);
+            paintView({100, {0, 0}}, [&](OverlayPainter& p) { p.drawText(color, 20, 30, "Edge 42"); });
+        const QRect text = inkOf(img, textColor), halo = inkOf(img, haloColor);
+        ASSERT_FALSE(text.isEmpty()) << std::hex << color;
+        EXPECT_EQ(halo, text.adjusted(-1, -1, 1, 1)); // one pixel beyond the text on every side
         // The text starts 3 pixels right of its point (glyph bearings aside) and hangs below it.
         EXPECT_GE(text.left(), 23);
         EXPECT_LE(text.left(), 26);
