@@ -1,7 +1,7 @@
 // The display's movable shapes against a stand-in display: items under their keys, the edit
 // mode with its mouse mode and exit report, read-back, enabling, pair limits and refused input.
 
-#include "FakeMovableHost.h"
+#include "FakeHosts.h"
 
 #include "graphics/MovableShapes.h"
 #include "graphics/OverlayItems.h"
@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 using namespace nxr;
 using namespace nxr::testing;
@@ -146,20 +147,14 @@ TEST_F(MovableShapesTest, LineAndPairReadBack)
     const auto& line = std::get<clsLineItem>(graphics.Item("MovableLine"));
     EXPECT_EQ(line.Arrowed, 8);
     EXPECT_FALSE(line.IsPair);
-    struct Case
-    {
-        int endpoint;
-        QString xy;
-        double value;
-        bool error;
-    };
-    for (const Case& c :
-         {Case{1, "X", 1, false}, Case{1, "Y", 2, false}, Case{2, "X", 3, false}, Case{2, "Y", 4, false},
-          Case{3, "X", 0, true}, Case{0, "Y", 0, true}, Case{1, "Z", 0, true}, Case{1, "x", 0, true}}) {
+    // End point, coordinate, value; 0 with an error for anything else.
+    const std::tuple<int, const char*, double> reads[] = {{1, "X", 1}, {1, "Y", 2}, {2, "X", 3}, {2, "Y", 4},
+                                                          {3, "X", 0}, {0, "Y", 0}, {1, "Z", 0}, {1, "x", 0}};
+    for (const auto& [endpoint, xy, value] : reads) {
         host.errors.clear();
-        EXPECT_EQ(shapes.MovableLineEndpoint(c.endpoint, c.xy), c.value) << c.endpoint << c.xy.toStdString();
+        EXPECT_EQ(shapes.MovableLineEndpoint(endpoint, xy), value) << endpoint << xy;
         EXPECT_EQ(host.errors,
-                  c.error ? QStringList{"Error in MovableLineEndpoint: invalid parameters"} : QStringList{});
+                  value ? QStringList{} : QStringList{"Error in MovableLineEndpoint: invalid parameters"});
     }
     host.errors.clear();
     EXPECT_EQ(shapes.MovableLinePairEndpoint(5, "X"), 0);
@@ -188,14 +183,12 @@ TEST_F(MovableShapesTest, PairWidthFollowsItsLimits)
         double width, minAfter, maxAfter;
     };
     const double none = std::numeric_limits<double>::quiet_NaN();
-    const Step steps[] = {
-        {"narrower than a pixel", none, none, 0.5, 1, 1, -1},
-        {"a minimum widens it", 5, none, none, 5, 5, -1},
-        {"a maximum below the minimum is ignored", none, 3, none, 5, 5, -1},
-        {"a maximum caps a new pair", none, 20, 100, 20, 5, 20},
-        {"a smaller maximum narrows it", none, 8, none, 8, 5, 8},
-        {"no maximum again", none, -1, 50, 50, 5, -1},
-    };
+    const Step steps[] = {{"narrower than a pixel", none, none, 0.5, 1, 1, -1},
+                          {"a minimum widens it", 5, none, none, 5, 5, -1},
+                          {"a maximum below the minimum is ignored", none, 3, none, 5, 5, -1},
+                          {"a maximum caps a new pair", none, 20, 100, 20, 5, 20},
+                          {"a smaller maximum narrows it", none, 8, none, 8, 5, 8},
+                          {"no maximum again", none, -1, 50, 50, 5, -1}};
     for (const Step& s : steps) {
         if (!std::isnan(s.minimum))
             shapes.setMinPairWidth(s.minimum);
@@ -212,30 +205,16 @@ TEST_F(MovableShapesTest, PairWidthFollowsItsLimits)
 
 TEST_F(MovableShapesTest, EnablingSwitchesTheWindowResetButton)
 {
-    struct Step
-    {
-        int which;
-        bool enabled;
-        const char* sent;
-    };
-    for (const Step s :
-         {Step{0, true, "ButtonEnabled=13, True"}, Step{1, false, "ButtonEnabled=13, True"},
-          Step{3, true, "ButtonEnabled=13, True"}, Step{0, false, "ButtonEnabled=13, True"},
-          Step{3, false, "ButtonEnabled=13, False"}, Step{2, true, "ButtonEnabled=13, True"}}) {
-        switch (s.which) {
-        case 0:
-            shapes.setMoveWindowEnabled(s.enabled);
-            break;
-        case 1:
-            shapes.setMoveCursorEnabled(s.enabled);
-            break;
-        case 2:
-            shapes.setMoveLineEnabled(s.enabled);
-            break;
-        default:
-            shapes.setMoveLinePairEnabled(s.enabled);
-        }
-        EXPECT_EQ(host.buttonProperties.last(), s.sent) << s.which << s.enabled;
+    // The reset button is on while the window or the pair may move.
+    void (MovableShapes::*const set[])(bool) = {
+        &MovableShapes::setMoveWindowEnabled, &MovableShapes::setMoveCursorEnabled,
+        &MovableShapes::setMoveLineEnabled, &MovableShapes::setMoveLinePairEnabled};
+    const std::tuple<int, bool, const char*> steps[] = {{0, true, "True"},   {1, false, "True"},
+                                                        {3, true, "True"},   {0, false, "True"},
+                                                        {3, false, "False"}, {2, true, "True"}};
+    for (const auto& [which, enabled, sent] : steps) {
+        (shapes.*set[which])(enabled);
+        EXPECT_EQ(host.buttonProperties.last(), QString("ButtonEnabled=13, ") + sent) << which << enabled;
     }
     EXPECT_TRUE(shapes.MoveLineEnabled());
     EXPECT_FALSE(shapes.MoveWindowEnabled());

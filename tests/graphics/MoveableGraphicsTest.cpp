@@ -29,6 +29,22 @@ clsVector at(const G& g, double fu, double fv)
                      c[0].Y() + fu * (c[1].Y() - c[0].Y()) + fv * (c[3].Y() - c[0].Y()));
 }
 
+G lineModel(double x1, double y1, double x2, double y2)
+{
+    G g;
+    g.Line.X1 = x1;
+    g.Line.Y1 = y1;
+    g.Line.X2 = x2;
+    g.Line.Y2 = y2;
+    return g;
+}
+
+void expectLine(const G& g, double x1, double y1, double x2, double y2)
+{
+    EXPECT_LT(std::hypot(g.Line.X1 - x1, g.Line.Y1 - y1) + std::hypot(g.Line.X2 - x2, g.Line.Y2 - y2), 1e-9)
+        << "line now " << g.Line.X1 << "," << g.Line.Y1 << " to " << g.Line.X2 << "," << g.Line.Y2;
+}
+
 } // namespace
 
 TEST(MoveableGraphicsTest, PointerAtEachPartOfUnrotatedAndRotatedWindows)
@@ -41,34 +57,32 @@ TEST(MoveableGraphicsTest, PointerAtEachPartOfUnrotatedAndRotatedWindows)
         int pointer;
     };
     // An 80 x 40 window: on it, 1/80 of its width is one image pixel.
-    const Case cases[] = {
-        {0, true, 0.5, 0.5, kPointerSizeAll},
-        {0, true, 0.0, 0.5, kPointerSizeWE},
-        {0, true, 1.0, 0.5, kPointerRotate},
-        {0, false, 1.0, 0.5, kPointerSizeWE},
-        {0, true, 1.0, 0.25, kPointerSizeWE},
-        {0, true, 0.5, 0.0, kPointerSizeNS},
-        {0, true, 0.5, 1.0, kPointerSizeNS},
-        {0, true, 0.0, 0.0, kPointerSizeNWSE},
-        {0, true, 1.0, 0.0, kPointerSizeNESW},
-        {0, true, 1.0, 1.0, kPointerSizeNWSE},
-        {0, true, 0.0, 1.0, kPointerSizeNESW},
-        {0, true, -6.0 / 80, 0.5, kPointerDefault},
-        {0, true, -4.0 / 80, 0.5, kPointerSizeWE},
-        {0, true, 0.5, -0.5, kPointerDefault},
-        // Turned a quarter: the U edges lie across the screen.
-        {90, true, 1.0, 0.5, kPointerRotate},
-        {90, true, 1.0, 0.2, kPointerSizeNS},
-        {90, true, 0.5, 0.0, kPointerSizeWE},
-        {90, false, 1.0, 0.5, kPointerSizeNS},
-        // Turned 30 degrees counter-clockwise: the U axis points up and right.
-        {30, true, 0.0, 0.5, kPointerSizeNESW},
-        {30, true, 0.5, 0.0, kPointerSizeNWSE},
-        {30, true, 1.0, 0.5, kPointerRotate},
-        {-80, false, 0.0, 0.5, kPointerSizeNS},
-        {170, true, 0.5, 0.5, kPointerSizeAll},
-        {170, true, 0.0, 0.5, kPointerSizeWE},
-    };
+    const Case cases[] = {{0, true, 0.5, 0.5, kPointerSizeAll},
+                          {0, true, 0.0, 0.5, kPointerSizeWE},
+                          {0, true, 1.0, 0.5, kPointerRotate},
+                          {0, false, 1.0, 0.5, kPointerSizeWE},
+                          {0, true, 1.0, 0.25, kPointerSizeWE},
+                          {0, true, 0.5, 0.0, kPointerSizeNS},
+                          {0, true, 0.5, 1.0, kPointerSizeNS},
+                          {0, true, 0.0, 0.0, kPointerSizeNWSE},
+                          {0, true, 1.0, 0.0, kPointerSizeNESW},
+                          {0, true, 1.0, 1.0, kPointerSizeNWSE},
+                          {0, true, 0.0, 1.0, kPointerSizeNESW},
+                          {0, true, -6.0 / 80, 0.5, kPointerDefault},
+                          {0, true, -4.0 / 80, 0.5, kPointerSizeWE},
+                          {0, true, 0.5, -0.5, kPointerDefault},
+                          // Turned a quarter: the U edges lie across the screen.
+                          {90, true, 1.0, 0.5, kPointerRotate},
+                          {90, true, 1.0, 0.2, kPointerSizeNS},
+                          {90, true, 0.5, 0.0, kPointerSizeWE},
+                          {90, false, 1.0, 0.5, kPointerSizeNS},
+                          // Turned 30 degrees counter-clockwise: the U axis points up and right.
+                          {30, true, 0.0, 0.5, kPointerSizeNESW},
+                          {30, true, 0.5, 0.0, kPointerSizeNWSE},
+                          {30, true, 1.0, 0.5, kPointerRotate},
+                          {-80, false, 0.0, 0.5, kPointerSizeNS},
+                          {170, true, 0.5, 0.5, kPointerSizeAll},
+                          {170, true, 0.0, 0.5, kPointerSizeWE}};
     for (const Case& c : cases) {
         G g = windowModel(100, 50, 80, 40, c.angle, c.rotatable);
         bool hit = false;
@@ -104,8 +118,7 @@ TEST(MoveableGraphicsTest, ThinWindowKeepsOnlyTheNearerEdge)
         {6, 200, 102, 120, true, false, false, false}, {6, 200, 104.5, 120, false, true, false, false},
         {6, 200, 103, 120, false, true, false, false}, // a tie goes to the right edge
         {200, 6, 120, 52, false, false, true, false},  {200, 6, 120, 54, false, false, false, true},
-        {6, 6, 102, 52, true, false, true, false},     {6, 6, 103, 53, false, true, false, true},
-    };
+        {6, 6, 102, 52, true, false, true, false},     {6, 6, 103, 53, false, true, false, true}};
     for (const Case& c : cases) {
         G g = windowModel(100, 50, c.width, c.height, 0, false);
         bool hit = false;
@@ -140,11 +153,10 @@ TEST(MoveableGraphicsTest, HighlightColoursOfWhatIsGrabbed)
         double fu, fv;
         std::array<qint32, 5> colors;
     };
-    const Case cases[] = {
-        {0.5, 0.5, {O, O, O, O, O}}, {1.0, 0.5, {R, R, R, R, Gr}}, {0.0, 0.5, {V, R, R, V, R}},
-        {1.0, 0.2, {R, V, V, R, R}}, {0.5, 0.0, {V, V, R, R, R}},  {0.5, 1.0, {R, R, V, V, R}},
-        {0.0, 0.0, {V, V, R, V, R}}, {0.5, 3.0, {R, R, R, R, R}},
-    };
+    const Case cases[] = {{0.5, 0.5, {O, O, O, O, O}}, {1.0, 0.5, {R, R, R, R, Gr}},
+                          {0.0, 0.5, {V, R, R, V, R}}, {1.0, 0.2, {R, V, V, R, R}},
+                          {0.5, 0.0, {V, V, R, R, R}}, {0.5, 1.0, {R, R, V, V, R}},
+                          {0.0, 0.0, {V, V, R, V, R}}, {0.5, 3.0, {R, R, R, R, R}}};
     G g = windowModel(100, 50, 80, 40, 20, true);
     for (const Case& c : cases) {
         g.HitTestWindow(at(g, c.fu, c.fv));
@@ -154,16 +166,12 @@ TEST(MoveableGraphicsTest, HighlightColoursOfWhatIsGrabbed)
 
 TEST(MoveableGraphicsTest, SizingPointerSectors)
 {
-    struct Case
-    {
-        double degrees; // direction on the screen, image coordinates (Y down)
-        int pointer;
-    };
-    for (const Case c :
-         {Case{0, 9}, Case{20, 9}, Case{-20, 9}, Case{180, 9}, Case{30, 8}, Case{60, 8}, Case{-150, 8},
-          Case{-30, 6}, Case{-60, 6}, Case{150, 6}, Case{70, 7}, Case{90, 7}, Case{-90, 7}, Case{-110, 7}}) {
-        const double r = c.degrees * kMathPi / 180.0;
-        EXPECT_EQ(G::SizingPointer(std::cos(r), std::sin(r)), c.pointer) << c.degrees;
+    // Direction on the screen in degrees (image coordinates, Y down), pointer.
+    const int sectors[][2] = {{0, 9},   {20, 9},  {-20, 9}, {180, 9}, {30, 8}, {60, 8},  {-150, 8},
+                              {-30, 6}, {-60, 6}, {150, 6}, {70, 7},  {90, 7}, {-90, 7}, {-110, 7}};
+    for (const auto& [degrees, pointer] : sectors) {
+        const double r = degrees * kMathPi / 180.0;
+        EXPECT_EQ(G::SizingPointer(std::cos(r), std::sin(r)), pointer) << degrees;
     }
 }
 
@@ -187,55 +195,36 @@ TEST(MoveableGraphicsTest, LineEndPointMovesKeepOnePixel)
         {4, 0, 0, false, 10, 10, 50, 10},     // no such index
     };
     for (const Case& c : cases) {
-        G g;
-        g.Line.X1 = 10;
-        g.Line.Y1 = 10;
-        g.Line.X2 = 50;
-        g.Line.Y2 = 10;
+        SCOPED_TRACE(testing::Message() << c.idx << " to " << c.x << "," << c.y);
+        G g = lineModel(10, 10, 50, 10);
         g.MoveLine(c.idx, c.x, c.y, c.keepDirection);
-        EXPECT_NEAR(g.Line.X1, c.x1, 1e-9) << c.idx << " " << c.x << "," << c.y;
-        EXPECT_NEAR(g.Line.Y1, c.y1, 1e-9) << c.idx << " " << c.x << "," << c.y;
-        EXPECT_NEAR(g.Line.X2, c.x2, 1e-9) << c.idx << " " << c.x << "," << c.y;
-        EXPECT_NEAR(g.Line.Y2, c.y2, 1e-9) << c.idx << " " << c.x << "," << c.y;
+        expectLine(g, c.x1, c.y1, c.x2, c.y2);
         EXPECT_GE(std::hypot(g.Line.X2 - g.Line.X1, g.Line.Y2 - g.Line.Y1), 1.0 - 1e-12);
     }
     // A line collapsed by the page: an end moved onto the other goes one pixel to the right.
-    G g;
-    g.Line.X1 = g.Line.X2 = 5;
-    g.Line.Y1 = g.Line.Y2 = 5;
+    G g = lineModel(5, 5, 5, 5);
     g.MoveLine(2, 5, 5, true);
-    EXPECT_EQ(g.Line.X2, 6);
-    EXPECT_EQ(g.Line.Y2, 5);
+    expectLine(g, 5, 5, 6, 5);
 }
 
 TEST(MoveableGraphicsTest, PairWidthStaysWithinItsLimits)
 {
-    struct Case
-    {
-        double minimum, maximum, distance, width;
-    };
-    for (const Case c : {Case{1, -1, 7, 14}, Case{4, 10, 1, 4}, Case{4, 10, 20, 10}, Case{4, 10, 3, 6},
-                         Case{1, -1, 0, 1}, Case{0.2, -1, 0.1, 1}}) {
-        G g;
-        g.Line.X1 = 0;
-        g.Line.Y1 = 0;
-        g.Line.X2 = 30;
-        g.Line.Y2 = 40; // direction (0.6, 0.8), normal (-0.8, 0.6)
+    const double cases[][4] = {// minimum, maximum, distance from the line, width
+                               {1, -1, 7, 14}, {4, 10, 1, 4}, {4, 10, 20, 10},
+                               {4, 10, 3, 6},  {1, -1, 0, 1}, {0.2, -1, 0.1, 1}};
+    for (const auto& [minimum, maximum, distance, width] : cases) {
+        G g = lineModel(0, 0, 30, 40); // direction (0.6, 0.8), normal (-0.8, 0.6)
         g.Line.IsPair = true;
-        g.Line.SetMinPairWidth(c.minimum);
-        g.Line.SetMaxPairWidth(c.maximum);
-        g.SetPairWidthThrough(clsVector(15 - 0.8 * c.distance, 20 + 0.6 * c.distance));
-        EXPECT_NEAR(g.Line.PairWidth, c.width, 1e-9) << c.minimum << " " << c.maximum << " " << c.distance;
+        g.Line.SetMinPairWidth(minimum);
+        g.Line.SetMaxPairWidth(maximum);
+        g.SetPairWidthThrough(clsVector(15 - 0.8 * distance, 20 + 0.6 * distance));
+        EXPECT_NEAR(g.Line.PairWidth, width, 1e-9) << minimum << " " << maximum << " " << distance;
     }
 }
 
 TEST(MoveableGraphicsTest, LineAndPairHitParts)
 {
-    G g;
-    g.Line.X1 = 0;
-    g.Line.Y1 = 0;
-    g.Line.X2 = 100;
-    g.Line.Y2 = 0;
+    G g = lineModel(0, 0, 100, 0);
     g.Line.PairWidth = 20;
     struct Case
     {
@@ -249,8 +238,7 @@ TEST(MoveableGraphicsTest, LineAndPairHitParts)
         {50, 4, false, LinePart::Whole, kPointerSizeAll}, {50, 6, false, LinePart::None, kPointerDefault},
         {50, 9, true, LinePart::Side, kPointerSizeNS},    {50, -12, true, LinePart::Side, kPointerSizeNS},
         {50, 4, true, LinePart::Whole, kPointerSizeAll},  {50, 16, true, LinePart::None, kPointerDefault},
-        {-8, 0, true, LinePart::None, kPointerDefault},
-    };
+        {-8, 0, true, LinePart::None, kPointerDefault}};
     for (const Case& c : cases) {
         const LinePart part = g.HitTestLine(clsVector(c.x, c.y), c.pair);
         EXPECT_EQ(part, c.part) << c.x << "," << c.y << " pair " << c.pair;
@@ -271,10 +259,7 @@ TEST(MoveableGraphicsTest, WindowFromALineAndItsCorners)
     g.Window = w;
     const auto c = g.GetMoveableWindowCornerPoints();
     // Corner 0 and 1 lie at the line's two ends, shifted half the width across it.
-    EXPECT_NEAR(c[0].X(), 13, 1e-6);
-    EXPECT_NEAR(c[0].Y(), 10, 1e-6);
-    EXPECT_NEAR(c[1].X(), 13, 1e-6);
-    EXPECT_NEAR(c[1].Y(), 50, 1e-6);
-    EXPECT_NEAR(c[2].X(), 7, 1e-6);
-    EXPECT_NEAR(c[3].Y(), 10, 1e-6);
+    const double expected[4][2] = {{13, 10}, {13, 50}, {7, 50}, {7, 10}};
+    for (int i = 0; i < 4; ++i)
+        EXPECT_LT(c[i].DistanceTo(clsVector(expected[i][0], expected[i][1])), 1e-6) << i;
 }

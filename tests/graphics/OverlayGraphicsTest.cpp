@@ -1,7 +1,7 @@
 // The display's result graphics against a stand-in display: text and its arrays, clearing and
 // erasing, the raster overlay, keyed adders and the crosshair.
 
-#include "FakeGraphicsHost.h"
+#include "FakeHosts.h"
 
 #include "frame/Globals.h"
 #include "frame/ScriptableCore.h"
@@ -36,6 +36,7 @@ protected:
                 img.scanLine(y)[x] = uchar(40 + (x + y) % 100);
         return img;
     }
+    const clsTextItem& text(int index) { return std::get<clsTextItem>(graphics.graphics().Item(index)); }
     // An overlay drawn on black: a green square in its top left quarter.
     static QImage overlayOnBlack(int w, int h)
     {
@@ -51,10 +52,8 @@ TEST_F(OverlayGraphicsTest, TextAndTextArrays)
     graphics.DrawText("one", 10, 20, 0xFF);
     EXPECT_EQ(host.repaints, 1);
     ASSERT_EQ(graphics.graphics().Count(), 1);
-    const auto& t = std::get<clsTextItem>(graphics.graphics().Item(1));
-    EXPECT_EQ(t.Text, "one");
-    EXPECT_EQ(t.X, 10);
-    EXPECT_EQ(t.Color, 0xFF);
+    EXPECT_EQ(QPointF(text(1).X, text(1).Y), QPointF(10, 20));
+    EXPECT_EQ(text(1).Color, 0xFF);
 
     // Lists from the host's scripts, numbers as text allowed.
     graphics.DrawTextArray(QVariantList{"a", "b"}, QVariantList{1, "2.5"}, QVariantList{3, 4},
@@ -62,8 +61,8 @@ TEST_F(OverlayGraphicsTest, TextAndTextArrays)
     EXPECT_EQ(errors, 0);
     EXPECT_EQ(host.repaints, 2);
     ASSERT_EQ(graphics.graphics().Count(), 3);
-    EXPECT_EQ(std::get<clsTextItem>(graphics.graphics().Item(3)).X, 2.5);
-    EXPECT_EQ(std::get<clsTextItem>(graphics.graphics().Item(3)).Color, 0x20);
+    EXPECT_EQ(text(3).X, 2.5);
+    EXPECT_EQ(text(3).Color, 0x20);
 
     // Script arrays; a shorter colour array skips the texts past its end and says so once.
     QJSEngine engine;
@@ -74,8 +73,8 @@ TEST_F(OverlayGraphicsTest, TextAndTextArrays)
               "Error in DrawTextArray: 1 of 3 texts skipped: no X, Y or colour of that index, or more than "
               "200000 graphics");
     ASSERT_EQ(graphics.graphics().Count(), 5);
-    EXPECT_EQ(std::get<clsTextItem>(graphics.graphics().Item(5)).Text, "q");
-    EXPECT_EQ(std::get<clsTextItem>(graphics.graphics().Item(5)).Y, 5);
+    EXPECT_EQ(text(5).Text, "q");
+    EXPECT_EQ(text(5).Y, 5);
 
     // Something that is no array adds nothing.
     graphics.DrawTextArray(QVariant("text"), js("[1]"), js("[1]"), js("[1]"));
@@ -128,11 +127,9 @@ TEST_F(OverlayGraphicsTest, OverlayOfTheSameSizeAndOfAnother)
         ImageFileFormat format;
         const char* local;
     };
-    const Case cases[] = {
-        {"MC:\\VISION\\result.png", {64, 48}, ImageFileFormat::Png, "/overlay.PNG"},
-        {"MC:\\VISION\\result.bmp", {32, 24}, ImageFileFormat::Bmp, "/overlay.BMP"},
-        {"MC:\\VISION\\result", {128, 96}, ImageFileFormat::Png, "/overlay.PNG"},
-    };
+    const Case cases[] = {{"MC:\\VISION\\result.png", {64, 48}, ImageFileFormat::Png, "/overlay.PNG"},
+                          {"MC:\\VISION\\result.bmp", {32, 24}, ImageFileFormat::Bmp, "/overlay.BMP"},
+                          {"MC:\\VISION\\result", {128, 96}, ImageFileFormat::Png, "/overlay.PNG"}};
     for (const auto& k : cases) {
         SCOPED_TRACE(k.path);
         host.controllerFiles[k.path] =

@@ -11,6 +11,7 @@
 
 #include <cmath>
 #include <functional>
+#include <tuple>
 
 using namespace nxr;
 
@@ -58,6 +59,12 @@ bool near(const QImage& img, double x, double y, QRgb color, int r = 1)
     return false;
 }
 
+// Whether red lies within `r` device pixels of where the view puts image point (x, y).
+bool redAt(const QImage& img, const View& v, double x, double y, int r = 1)
+{
+    return near(img, v.origin.x() + x * v.zoom / 100.0, v.origin.y() + y * v.zoom / 100.0, kRedRgb, r);
+}
+
 int countNot(const QImage& img, QRgb background)
 {
     int n = 0;
@@ -78,81 +85,54 @@ const View kViews[] = {
     centred(400, {3, -2}),    centred(100, {0, 0}, 1.5), centred(250, {-11, 6}, 1.5),
 };
 
-TEST(OverlayPainter, ThinLinesLandWhereTheViewPutsThemAtEveryZoomAndScroll)
+TEST(OverlayPainter, LinesBoxCrossAndCircleLandWhereTheViewPutsThemAtEveryZoomAndScroll)
 {
     for (const View& v : kViews) {
         SCOPED_TRACE(testing::Message() << "zoom " << v.zoom << " ratio " << v.ratio);
-        const QImage img = paintView(v, [](OverlayPainter& p) {
+        QImage img = paintView(v, [](OverlayPainter& p) {
             p.drawLine(kRed, 10, 40, 90, 40, 0); // horizontal
             p.drawLine(kRed, 60, 10, 60, 30, 0); // vertical
         });
-        const QPointF mid = dev(v, 50, 40), vmid = dev(v, 60, 20);
-        EXPECT_TRUE(near(img, mid.x(), mid.y(), kRedRgb));
-        EXPECT_TRUE(near(img, vmid.x(), vmid.y(), kRedRgb));
-        EXPECT_FALSE(near(img, mid.x(), mid.y() + 4, kRedRgb, 1));
-        EXPECT_FALSE(near(img, mid.x(), mid.y() - 4, kRedRgb, 1));
-        const QPointF beyond = dev(v, 95, 40);
-        EXPECT_FALSE(near(img, beyond.x() + 3, beyond.y(), kRedRgb, 1));
+        EXPECT_TRUE(redAt(img, v, 50, 40) && redAt(img, v, 60, 20));
+        EXPECT_FALSE(near(img, dev(v, 50, 40).x(), dev(v, 50, 40).y() + 4, kRedRgb));
+        EXPECT_FALSE(near(img, dev(v, 50, 40).x(), dev(v, 50, 40).y() - 4, kRedRgb));
+        EXPECT_FALSE(near(img, dev(v, 95, 40).x() + 3, dev(v, 95, 40).y(), kRedRgb));
         // One screen pixel thick at any zoom.
         int rows = 0;
         for (int y = 0; y < img.height(); ++y)
-            rows += img.pixel(int(mid.x()), y) == kRedRgb;
+            rows += img.pixel(int(dev(v, 50, 40).x()), y) == kRedRgb;
         EXPECT_GE(rows, 1);
         EXPECT_LE(rows, int(std::ceil(v.ratio)));
-    }
-}
 
-TEST(OverlayPainter, RotatedBoxCrossAndCircle)
-{
-    for (const View& v : kViews) {
-        SCOPED_TRACE(testing::Message() << "zoom " << v.zoom << " ratio " << v.ratio);
-        const double s = v.zoom / 100.0;
         // A 20 x 40 box at (30, 20) turned by 90 degrees about its centre (40, 40): 40 wide, 20 high.
-        QImage img =
-            paintView(v, [](OverlayPainter& p) { p.drawRectangle(kRed, false, 30, 20, 20, 40, 90); });
-        QPointF top = dev(v, 40, 30), left = dev(v, 20, 40), oldTop = dev(v, 40, 20);
-        EXPECT_TRUE(near(img, top.x(), top.y(), kRedRgb));
-        EXPECT_TRUE(near(img, left.x(), left.y(), kRedRgb));
-        if (s >= 0.5) {
-            EXPECT_FALSE(near(img, oldTop.x(), oldTop.y(), kRedRgb, 1));
-        }
-
+        img = paintView(v, [](OverlayPainter& p) { p.drawRectangle(kRed, false, 30, 20, 20, 40, 90); });
+        EXPECT_TRUE(redAt(img, v, 40, 30) && redAt(img, v, 20, 40));
+        EXPECT_FALSE(redAt(img, v, 40, 20));
         // Crosses from the collection are 11 in size: half-length 22 image pixels.
         clsOverlayCollection items;
         items.AddCross(50, 40, 0, kRed);
         img = paintView(v, [&](OverlayPainter& p) { p.paint(items); });
-        QPointF inside = dev(v, 50 + 20, 40), outside = dev(v, 50 + 25, 40), up = dev(v, 50, 40 - 20);
-        EXPECT_TRUE(near(img, inside.x(), inside.y(), kRedRgb));
-        EXPECT_TRUE(near(img, up.x(), up.y(), kRedRgb));
-        EXPECT_FALSE(near(img, outside.x(), outside.y(), kRedRgb, 1));
-
+        EXPECT_TRUE(redAt(img, v, 70, 40) && redAt(img, v, 50, 20));
+        EXPECT_FALSE(redAt(img, v, 75, 40));
         // Radius 20 image pixels.
         img = paintView(v, [](OverlayPainter& p) { p.drawCircle(kRed, 50, 40, 20); });
-        QPointF rim = dev(v, 70, 40), bottom = dev(v, 50, 60), centre = dev(v, 50, 40),
-                within = dev(v, 62, 40);
-        EXPECT_TRUE(near(img, rim.x(), rim.y(), kRedRgb));
-        EXPECT_TRUE(near(img, bottom.x(), bottom.y(), kRedRgb));
-        EXPECT_FALSE(near(img, centre.x(), centre.y(), kRedRgb, 2));
-        EXPECT_FALSE(near(img, within.x(), within.y(), kRedRgb, 1));
+        EXPECT_TRUE(redAt(img, v, 70, 40) && redAt(img, v, 50, 60));
+        EXPECT_FALSE(redAt(img, v, 50, 40, 2) || redAt(img, v, 62, 40));
     }
 }
 
 TEST(OverlayPainter, TurnedCrossAndTheUnscaledMarker)
 {
     const View v{400, {-100, -100}};
-    // 45 degrees: strokes run along the diagonals.
+    // 45 degrees: strokes run along the diagonals, well inside the half-length 2 * 11 * 4 = 88.
     QImage img = paintView(v, [](OverlayPainter& p) { p.drawCross(kRed, false, 50, 50, 45, 11); });
-    QPointF c = dev(v, 50, 50);
-    const double d = 40.0; // well inside the half-length 2 * 11 * 4 = 88
-    EXPECT_TRUE(near(img, c.x() + d, c.y() - d, kRedRgb));
-    EXPECT_TRUE(near(img, c.x() - d, c.y() - d, kRedRgb));
-    EXPECT_FALSE(near(img, c.x() + d, c.y(), kRedRgb, 2));
+    EXPECT_TRUE(redAt(img, v, 60, 40) && redAt(img, v, 40, 40));
+    EXPECT_FALSE(redAt(img, v, 60, 50, 2));
 
     for (double ratio : {1.0, 1.5}) {
         const View m{400, {-100, -100}, ratio};
         img = paintView(m, [](OverlayPainter& p) { p.drawCross(kRed, true, 50.3, 50.3, 0, 11); });
-        c = dev(m, 50.3, 50.3);
-        const double cx = std::round(c.x()), cy = std::round(c.y());
+        const double cx = std::round(dev(m, 50.3, 50.3).x()), cy = std::round(dev(m, 50.3, 50.3).y());
         // Half-length 11 screen pixels whatever the zoom, and a filled dot of 11.
         EXPECT_TRUE(near(img, cx + 10 * ratio, cy, kRedRgb)) << ratio;
         EXPECT_FALSE(near(img, cx + 13 * ratio, cy, kRedRgb, 1)) << ratio;
@@ -164,31 +144,30 @@ TEST(OverlayPainter, TurnedCrossAndTheUnscaledMarker)
 
 TEST(OverlayPainter, ArrowHeadsAreFifteenScreenPixelsAtEitherEnd)
 {
-    struct Case
-    {
-        int style;
-        bool atFirst, atSecond;
-    };
-    const Case cases[] = {{0, false, false}, {4, true, false}, {8, false, true}, {12, true, true}};
+    const std::tuple<int, bool, bool> cases[] = {// style, head at the first end, at the second
+                                                 {0, false, false},
+                                                 {4, true, false},
+                                                 {8, false, true},
+                                                 {12, true, true}};
     for (double ratio : {1.0, 1.5}) {
-        for (const auto& k : cases) {
+        for (const auto& [style, atFirst, atSecond] : cases) {
+            SCOPED_TRACE(testing::Message() << "style " << style << " ratio " << ratio);
             const View v{200, {-10, -10}, ratio};
             const QImage img =
-                paintView(v, [&](OverlayPainter& p) { p.drawLine(kRed, 10, 50, 100, 50, k.style); });
+                paintView(v, [&](OverlayPainter& p) { p.drawLine(kRed, 10, 50, 100, 50, style); });
             const QPointF a = dev(v, 10, 50), b = dev(v, 100, 50);
             const double len = 15 * ratio, half = 7.5 * ratio;
             // Barb ends: tip + back +/- p/2 with back 15 screen pixels toward the other end.
-            EXPECT_EQ(near(img, b.x() - len, b.y() + half, kRedRgb), k.atSecond) << k.style << " r" << ratio;
-            EXPECT_EQ(near(img, b.x() - len, b.y() - half, kRedRgb), k.atSecond) << k.style << " r" << ratio;
-            EXPECT_EQ(near(img, a.x() + len, a.y() + half, kRedRgb), k.atFirst) << k.style << " r" << ratio;
-            EXPECT_EQ(near(img, a.x() + len * 0.5, a.y() - half * 0.5, kRedRgb), k.atFirst)
-                << k.style << " r" << ratio;
+            EXPECT_EQ(near(img, b.x() - len, b.y() + half, kRedRgb), atSecond);
+            EXPECT_EQ(near(img, b.x() - len, b.y() - half, kRedRgb), atSecond);
+            EXPECT_EQ(near(img, a.x() + len, a.y() + half, kRedRgb), atFirst);
+            EXPECT_EQ(near(img, a.x() + len * 0.5, a.y() - half * 0.5, kRedRgb), atFirst);
             EXPECT_FALSE(near(img, b.x() - len * 1.6, b.y() + half * 1.6, kRedRgb, 1));
         }
     }
 }
 
-TEST(OverlayPainter, PenStylesFromTheLowStyleBits)
+TEST(OverlayPainter, PenStylesFromTheLowStyleBitsAndLinePairs)
 {
     std::vector<int> painted;
     for (int style : {0, 1, 2, 3}) {
@@ -205,15 +184,12 @@ TEST(OverlayPainter, PenStylesFromTheLowStyleBits)
         EXPECT_GT(painted[std::size_t(i)], 20) << "style " << i;
     }
     EXPECT_NE(painted[1], painted[2]);
-}
 
-TEST(OverlayPainter, LinePairShowsBothSides)
-{
+    // A line pair shows both sides.
     clsOverlayCollection items;
     items.AddLinePair(20, 50, 180, 50, 30, kRed);
     const QImage img = paintView({100, {0, 0}}, [&](OverlayPainter& p) { p.paint(items); });
-    EXPECT_TRUE(near(img, 100, 35, kRedRgb));
-    EXPECT_TRUE(near(img, 100, 65, kRedRgb));
+    EXPECT_TRUE(near(img, 100, 35, kRedRgb) && near(img, 100, 65, kRedRgb));
     EXPECT_FALSE(near(img, 100, 42, kRedRgb, 2));
 }
 
@@ -228,32 +204,31 @@ QRect inkOf(const QImage& img, QRgb color)
     return r;
 }
 
-TEST(OverlayPainter, TextHaloTakesTheContrastColour)
+TEST(OverlayPainter, TextIsNinePointsWithAHaloOfTheContrastColour)
 {
-    struct Case
-    {
-        qint32 color;
-        QRgb text, halo;
-    };
-    const Case cases[] = {{0x0000FF, qRgb(255, 0, 0), qRgb(0, 0, 0)},       // light text, black halo
-                          {0x400000, qRgb(0, 0, 64), qRgb(255, 255, 255)}}; // dark text, white halo
-    for (const auto& k : cases) {
+    const std::tuple<qint32, QRgb, QRgb> cases[] = {
+        {0x0000FF, qRgb(255, 0, 0), qRgb(0, 0, 0)},       // light text, black halo
+        {0x400000, qRgb(0, 0, 64), qRgb(255, 255, 255)}}; // dark text, white halo
+    for (const auto& [color, textColor, haloColor] : cases) {
         const QImage img =
-            paintView({100, {0, 0}}, [&](OverlayPainter& p) { p.drawText(k.color, 20, 30, "Edge 42"); });
-        const QRect text = inkOf(img, k.text), halo = inkOf(img, k.halo);
-        ASSERT_FALSE(text.isEmpty()) << std::hex << k.color;
-        ASSERT_FALSE(halo.isEmpty()) << std::hex << k.color;
-        // The halo reaches one pixel beyond the text on every side.
-        EXPECT_EQ(halo.left(), text.left() - 1);
-        EXPECT_EQ(halo.right(), text.right() + 1);
-        EXPECT_EQ(halo.top(), text.top() - 1);
-        EXPECT_EQ(halo.bottom(), text.bottom() + 1);
+            paintView({100, {0, 0}}, [&](OverlayPainter& p) { p.drawText(color, 20, 30, "Edge 42"); });
+        const QRect text = inkOf(img, textColor), halo = inkOf(img, haloColor);
+        ASSERT_FALSE(text.isEmpty()) << std::hex << color;
+        EXPECT_EQ(halo, text.adjusted(-1, -1, 1, 1)); // one pixel beyond the text on every side
         // The text starts 3 pixels right of its point (glyph bearings aside) and hangs below it.
         EXPECT_GE(text.left(), 23);
         EXPECT_LE(text.left(), 26);
         EXPECT_GE(text.top(), 30);
         EXPECT_LE(text.top(), 36);
     }
+    // Nine points on the screen at any pixel ratio: a capital is 8 to 10 pixels high at 96 dpi.
+    const auto capital = [](double ratio) {
+        const auto draw = [](OverlayPainter& p) { p.drawText(kRed, 10, 20, "HHH"); };
+        return inkOf(paintView({100, {0, 0}, ratio}, draw), kRedRgb).height();
+    };
+    EXPECT_GE(capital(1.0), 7);
+    EXPECT_LE(capital(1.0), 11);
+    EXPECT_NEAR(double(capital(1.5)) / capital(1.0), 1.5, 0.25);
 }
 
 TEST(OverlayPainter, TextNearTheRightEdgeStaysInside)
@@ -278,18 +253,6 @@ TEST(OverlayPainter, TextNearTheRightEdgeStaysInside)
     EXPECT_GE(inkOf(result({100, {0, 0}}, 230, visible), kRedRgb).left(), 230);
     // Without a visible area the text runs on past 200: the rule above is what moved it.
     EXPECT_GT(inkOf(result({100, {0, 0}}, 185, QRectF()), kRedRgb).right(), 220);
-}
-
-TEST(OverlayPainter, TextIsNinePointsOnTheScreenAtAnyPixelRatio)
-{
-    const QImage one = paintView({100, {0, 0}}, [](OverlayPainter& p) { p.drawText(kRed, 10, 20, "HHH"); });
-    const QImage more =
-        paintView({100, {0, 0}, 1.5}, [](OverlayPainter& p) { p.drawText(kRed, 10, 20, "HHH"); });
-    const int h1 = inkOf(one, kRedRgb).height(), h2 = inkOf(more, kRedRgb).height();
-    // A capital of a 9-point font at 96 dots per inch is 8 to 10 pixels high.
-    EXPECT_GE(h1, 7);
-    EXPECT_LE(h1, 11);
-    EXPECT_NEAR(double(h2) / h1, 1.5, 0.25);
 }
 
 TEST(OverlayPainter, ItemsOutsideTheDirtyAreaAreSkipped)

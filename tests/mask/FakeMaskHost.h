@@ -50,13 +50,10 @@ public:
     bool batch = false;
     int redraws = 0;
     bool controlsShown = false;
-    bool busy = false;
     std::vector<QRect> viewChanges;
-    std::vector<QRectF> bandRepaints;
     QMap<QString, QString> paletteKeys{{"SelectedTool", "0"}, {"SelectedToolSize", "1"}};
     QMap<QString, QString> viewKeys{{"ActiveMouseCursor", "3"}};
     QStringList errors;
-    QStringList messages;
     std::vector<bool> exits;
     std::vector<bool> repaintDuringLoad;
 
@@ -71,15 +68,15 @@ public:
     bool inBatchUpdate() const override { return batch; }
     void resetAndRedraw() override { ++redraws; }
     void editMaskChanged(const QRect& changed) override { viewChanges.push_back(changed); }
-    void repaintEditArea(const QRectF& area) override { bandRepaints.push_back(area); }
+    void repaintEditArea(const QRectF&) override {}
     void showMaskEditControls(bool show) override { controlsShown = show; }
-    void setBusyPointer(bool on) override { busy = on; }
+    void setBusyPointer(bool) override {}
     QString maskToolProperty(const QString& key) override { return paletteKeys.value(key); }
     void setMaskToolProperty(const QString& key, const QString& value) override { paletteKeys[key] = value; }
     QString viewButtonProperty(const QString& key) override { return viewKeys.value(key); }
     void setViewButtonProperty(const QString& key, const QString& value) override { viewKeys[key] = value; }
     void reportError(const QString&, const QString& text) override { errors << text; }
-    void showCriticalMessage(const QString& text) override { messages << text; }
+    void showCriticalMessage(const QString&) override {}
     void raiseExitMaskEditMode(bool accepted) override { exits.push_back(accepted); }
 };
 

@@ -62,21 +62,18 @@ struct Editor
 
 } // namespace
 
-TEST(MaskPen, ColourFollowsModeAndButton)
+TEST(MaskPen, ColourByModeAndButtonWidthBySizeDoubledByShiftAlone)
 {
     const struct
     {
-        int mode;
-        int button;
+        int mode, button;
         QImage start;
         QRgb painted;
-    } cases[] = {
-        {KSEEditMask_DontCare, L, blankMask(), kRed},
-        {KSEEditMask_ExtraCare, L, blankMask(), kBlue},
-        {KSEEditMask_DontCare, R, blankMask(200, 150, kRed), kBlack},
-        {KSEEditMask_ExtraCare, R, blankMask(200, 150, kBlue), kBlack},
-    };
-    for (const auto& c : cases) {
+    } colours[] = {{KSEEditMask_DontCare, L, blankMask(), kRed},
+                   {KSEEditMask_ExtraCare, L, blankMask(), kBlue},
+                   {KSEEditMask_DontCare, R, blankMask(200, 150, kRed), kBlack},
+                   {KSEEditMask_ExtraCare, R, blankMask(200, 150, kBlue), kBlack}};
+    for (const auto& c : colours) {
         Editor ed(c.mode, c.start);
         ed.e.setTool(KSEMaskTool_Freehand);
         ed.drag({20, 50}, {120, 50}, c.button);
@@ -85,30 +82,20 @@ TEST(MaskPen, ColourFollowsModeAndButton)
         ASSERT_EQ(ed.e.model().Operations().Count(), 1);
         EXPECT_EQ(ed.e.model().Operations().Item(1)->EraseMode, c.button == R);
     }
-}
-
-TEST(MaskPen, WidthBySizeDoubledByShiftAlone)
-{
-    const struct
-    {
-        int size;
-        int shift;
-        int width;
-    } cases[] = {
-        {KSEMaskToolSize_Small, 0, 1},   {KSEMaskToolSize_Medium, 0, 10}, {KSEMaskToolSize_Large, 0, 26},
-        {KSEMaskToolSize_Large, 1, 52},  {KSEMaskToolSize_Large, 3, 26},  {KSEMaskToolSize_Large, 5, 26},
-        {KSEMaskToolSize_Medium, 1, 20}, {KSEMaskToolSize_None, 0, 0},
-    };
-    for (const auto& c : cases) {
+    const int widths[][3] = {// size, shift, width
+                             {KSEMaskToolSize_Small, 0, 1},   {KSEMaskToolSize_Medium, 0, 10},
+                             {KSEMaskToolSize_Large, 0, 26},  {KSEMaskToolSize_Large, 1, 52},
+                             {KSEMaskToolSize_Large, 3, 26},  {KSEMaskToolSize_Large, 5, 26},
+                             {KSEMaskToolSize_Medium, 1, 20}, {KSEMaskToolSize_None, 0, 0}};
+    for (const auto& [size, shift, width] : widths) {
         Editor ed;
         ed.e.setTool(KSEMaskTool_Freehand);
-        ed.e.setToolSize(c.size);
-        ed.click({100, 75}, L, c.shift);
-        EXPECT_EQ(ed.e.penWidth(), c.width) << c.size << "/" << c.shift;
+        ed.e.setToolSize(size);
+        ed.click({100, 75}, L, shift);
+        EXPECT_EQ(ed.e.penWidth(), width) << size << "/" << shift;
         // A dot as wide as the pen (a single pixel below two).
-        const int painted = runIn(ed.e.working(), 75, kRed);
-        EXPECT_NEAR(painted, std::max(1, c.width), 1) << c.size << "/" << c.shift;
-        EXPECT_EQ(ed.e.model().Operations().Item(1)->PixelBlocks->BlockWidth, c.width);
+        EXPECT_NEAR(runIn(ed.e.working(), 75, kRed), std::max(1, width), 1) << size << "/" << shift;
+        EXPECT_EQ(ed.e.model().Operations().Item(1)->PixelBlocks->BlockWidth, width);
     }
 }
 
@@ -199,54 +186,25 @@ TEST(MaskShapes, RectangleEllipseJoinedLineAndFillOnMaskPixels)
     }
 }
 
-TEST(MaskCommands, UndoAcrossMaskAllRemovesOnlyTheLastOperation)
+TEST(MaskCommands, PositionsFarOutsideAreClippedHelpIsNoOperationNoModePaintsBlack)
 {
     Editor ed;
-    EXPECT_EQ(ed.e.undoEnabledValue(), "2, False");
     ed.e.undo(); // empty: nothing
-    ed.e.command(KSEMaskCommand_MaskAll);
-    EXPECT_EQ(runIn(ed.e.working(), 5, kRed), 200);
-    ed.e.setTool(KSEMaskTool_Freehand);
-    ed.drag({20, 50}, {120, 50}, R);
-    EXPECT_EQ(ed.e.working().pixel(70, 50), kBlack);
-    EXPECT_EQ(ed.e.undoEnabledValue(), "2, True");
-    ed.e.command(KSEMaskCommand_Undo);
-    EXPECT_EQ(ed.e.working().pixel(70, 50), kRed);
-    EXPECT_EQ(ed.e.model().Operations().Count(), 1);
-    EXPECT_TRUE(ed.e.canRedo());
-    ed.e.redo();
-    EXPECT_EQ(ed.e.working().pixel(70, 50), kBlack);
-    ed.e.command(KSEMaskCommand_MaskNone);
-    EXPECT_EQ(runIn(ed.e.working(), 5, kRed), 0);
-    ed.e.undo();
-    ed.e.undo();
-    ed.e.command(KSEMaskCommand_Help); // not an operation
-    EXPECT_FALSE(ed.e.canRedo() && ed.e.model().Operations().Count() != 1);
     ed.e.setTool(KSEMaskTool_Rectangle);
-    ed.drag({1, 1}, {2, 2}); // a new operation ends redo
-    EXPECT_FALSE(ed.e.canRedo());
-    EXPECT_EQ(ed.e.model().Operations().Count(), 2);
-}
-
-TEST(MaskShapes, PositionsFarOutsideTheMaskAreClipped)
-{
-    Editor ed;
-    ed.e.setTool(KSEMaskTool_Rectangle);
-    const QRect changed = ed.drag({-1e12, -1e12}, {1e12, 1e12});
-    EXPECT_EQ(changed, ed.e.working().rect());
+    EXPECT_EQ(ed.drag({-1e12, -1e12}, {1e12, 1e12}), ed.e.working().rect());
     EXPECT_EQ(runIn(ed.e.working(), 149, kRed), 200);
     ed.e.setTool(KSEMaskTool_Fill);
     EXPECT_TRUE(ed.click({std::nan(""), 1e300}, R).isEmpty());
-}
+    const int operations = ed.e.model().Operations().Count();
+    EXPECT_TRUE(ed.e.command(KSEMaskCommand_Help).isEmpty());
+    EXPECT_EQ(ed.e.model().Operations().Count(), operations);
 
-TEST(MaskCommands, NoEditModePaintsBlackAndSaysSo)
-{
-    Editor ed(KSEEditMask_None, blankMask(200, 150, kRed));
+    Editor none(KSEEditMask_None, blankMask(200, 150, kRed));
     QStringList messages;
-    ed.e.onPenColorError = [&](const QString& m) { messages << m; };
-    ed.e.setTool(KSEMaskTool_Rectangle);
-    ed.drag({10, 10}, {20, 20});
-    EXPECT_EQ(ed.e.working().pixel(15, 15), kBlack);
+    none.e.onPenColorError = [&](const QString& m) { messages << m; };
+    none.e.setTool(KSEMaskTool_Rectangle);
+    none.drag({10, 10}, {20, 20});
+    EXPECT_EQ(none.e.working().pixel(15, 15), kBlack);
     ASSERT_FALSE(messages.isEmpty());
     EXPECT_EQ(messages.first(), "mflng_GetMaskPenColor error: No edit mask mode!");
 }
@@ -280,10 +238,11 @@ TEST(MaskUndo, ReplayEqualsDirectPaintingOnRandomSequences)
             QRect changed;
             const int choice = uni(0, 11);
             if (choice <= 1 && live.e.canUndo()) {
-                changed = live.e.undo();
+                changed = live.e.command(KSEMaskCommand_Undo);
                 undone.push_back(kept.back());
                 kept.pop_back();
-            } else if (choice == 2 && live.e.canRedo()) {
+            } else if (choice == 2 && !undone.empty()) {
+                ASSERT_TRUE(live.e.canRedo());
                 changed = live.e.redo();
                 kept.push_back(undone.back());
                 undone.pop_back();
@@ -313,6 +272,7 @@ TEST(MaskUndo, ReplayEqualsDirectPaintingOnRandomSequences)
             }
             ASSERT_TRUE(covers(before, live.e.working(), changed)) << "round " << round << " step " << step;
             ASSERT_EQ(live.e.model().Operations().Count(), int(kept.size()));
+            ASSERT_EQ(live.e.canRedo(), !undone.empty()); // a new operation ends redo
 
             Editor direct(mode, start);
             for (const Action& act : kept)

@@ -4,9 +4,9 @@
 #include "mask/MaskSession.h"
 #include "FakeMaskHost.h"
 
-#include <QBuffer>
+#include "imagedisplay/loading/ImageFile.h"
+
 #include <QFileInfo>
-#include <QImageWriter>
 
 #include <gtest/gtest.h>
 
@@ -18,13 +18,9 @@ namespace {
 const QRgb kRed = qRgb(255, 0, 0);
 const QRgb kBlack = qRgb(0, 0, 0);
 
-QByteArray encoded(const QImage& img, const char* format)
+QByteArray png(const QImage& img)
 {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    img.save(&buffer, format);
-    return bytes;
+    return ImageFile::encode(img, ImageFileFormat::Png);
 }
 
 QImage maskImage(int w, int h, QRgb color = kBlack)
@@ -42,9 +38,9 @@ protected:
         QImage camera(64, 48, QImage::Format_Grayscale8);
         camera.fill(100);
         host.list.insert(ImageList::kCurrent, camera);
-        host.files.put("MC:\\VISION\\DC.PNG", encoded(maskImage(64, 48), "PNG"));
-        host.files.put("MC:\\VISION\\EMPH", encoded(maskImage(32, 24), "PNG")); // no extension, half size
-        host.files.put("MC:\\VISION\\EM.JPG", encoded(maskImage(64, 48), "JPG"));
+        host.files.put("MC:\\VISION\\DC.PNG", png(maskImage(64, 48)));
+        host.files.put("MC:\\VISION\\EMPH", png(maskImage(32, 24))); // no extension, half size
+        host.files.put("MC:\\VISION\\EM.JPG", ImageFile::encode(maskImage(64, 48), ImageFileFormat::Jpeg));
         host.files.put("MC:\\VISION\\TEXT.PNG", "not an image");
     }
     QImage onController(const QString& path) { return QImage(host.files.fileFor(path)); }
@@ -140,11 +136,9 @@ TEST_F(MaskSessionTest, MaskFilesAreWrittenInTheirFilesFormats)
         const char* path;
         int type;
         QByteArray magic;
-    } cases[] = {
-        {"MC:\\VISION\\EMPH", 2, QByteArray("\x89PNG", 4)}, // no extension: PNG
-        {"MC:\\VISION\\EM.JPG", 2, QByteArray("\xFF\xD8", 2)},
-        {"MC:\\VISION\\DC.PNG", 0, QByteArray("\x89PNG", 4)},
-    };
+    } cases[] = {{"MC:\\VISION\\EMPH", 2, QByteArray("\x89PNG", 4)}, // no extension: PNG
+                 {"MC:\\VISION\\EM.JPG", 2, QByteArray("\xFF\xD8", 2)},
+                 {"MC:\\VISION\\DC.PNG", 0, QByteArray("\x89PNG", 4)}};
     for (const auto& c : cases) {
         session.LoadMask("srv", c.path, "u", "p", c.type);
         c.type == 2 ? session.EditEmphasisMask() : session.EditDontCareMask();
@@ -186,17 +180,16 @@ TEST_F(MaskSessionTest, CancelKeepsTheMaskAndAFailedUploadKeepsTheEditOpen)
 
 TEST_F(MaskSessionTest, ShowMaskSelectsTheTintedMasks)
 {
-    host.files.put("MC:\\VISION\\RED.PNG", encoded(maskImage(64, 48, kRed), "PNG"));
-    host.files.put("MC:\\VISION\\BLUE.PNG", encoded(maskImage(64, 48, qRgb(0, 0, 255)), "PNG"));
+    host.files.put("MC:\\VISION\\RED.PNG", png(maskImage(64, 48, kRed)));
+    host.files.put("MC:\\VISION\\BLUE.PNG", png(maskImage(64, 48, qRgb(0, 0, 255))));
     session.LoadMask("srv", "MC:\\VISION\\RED.PNG", "u", "p", 0);
     session.LoadMask("srv", "MC:\\VISION\\BLUE.PNG", "u", "p", 2);
     const struct
     {
         int show;
         QRgb pixel;
-    } cases[] = {
-        {0, 0}, {1, qRgb(177, 50, 50)}, {2, qRgb(50, 50, 177)}, {3, qRgb(88, 25, 152)}, {4, 0}, {-1, 0},
-    };
+    } cases[] = {{0, 0}, {1, qRgb(177, 50, 50)}, {2, qRgb(50, 50, 177)}, {3, qRgb(88, 25, 152)}, {4, 0},
+                 {-1, 0}};
     for (const auto& c : cases) {
         const int redraws = host.redraws;
         session.setShowMask(c.show);
