@@ -51,7 +51,8 @@ void LiveMode::turnOn()
         *m_on = true;
         *m_abortRequested = false;
         m_timer->setInterval(kInterval);
-        m_sinceRequest.invalidate();
+        m_clock.start();
+        m_requestDue = -1;
         emit liveModeToggled(true);
     }
     m_core.trace(routine, QStringLiteral("Done, caption=") + m_surface.caption());
@@ -91,9 +92,15 @@ void LiveMode::loadFinished()
         return;
     // Requests are paced at one per interval: the time the load took since the last request
     // counts towards the wait, so a load shorter than the interval still gives 25 images a second.
+    // Each request is due one interval after the previous one was due, not after it was made: a
+    // late tick (the event loop was busy, another display's load waited) is made up by a shorter
+    // wait, never shorter than kMinGap, instead of slowing the pace for good.
     int wait = kInterval;
-    if (m_sinceRequest.isValid())
-        wait = int(std::clamp<qint64>(kInterval - m_sinceRequest.elapsed(), 0, kInterval));
+    if (m_requestDue >= 0) {
+        const qint64 now = m_clock.elapsed();
+        const qint64 earliest = m_requestMade + kMinGap - now;
+        wait = int(std::clamp<qint64>(std::max(m_requestDue + kInterval - now, earliest), 0, kInterval));
+    }
     m_timer->start(wait);
 }
 
@@ -115,7 +122,11 @@ void LiveMode::tick()
     m_timer->stop();
     m_timer->setInterval(kInterval);
     m_core.trace(QStringLiteral("tmr_LiveMode_Timer"), QStringLiteral("raising event OnButtonClicked(Snap)"));
-    m_sinceRequest.start();
+    // A request more than an interval behind its due time starts the pace afresh.
+    const qint64 now = m_clock.elapsed();
+    const qint64 due = m_requestDue + kInterval;
+    m_requestDue = m_requestDue >= 0 && now - due < kInterval ? due : now;
+    m_requestMade = now;
     emit snapRequested();
 }
 

@@ -21,8 +21,9 @@ class NXR_EXPORT LiveMode : public QObject
     Q_OBJECT
 
 public:
-    static constexpr int kInterval = 40;       // ms between a shown image and the next request
-    static constexpr int kAbortInterval = 500; // ms granted to a running load before an abort
+    static constexpr int kInterval = 40;          // ms between a shown image and the next request
+    static constexpr int kAbortInterval = 500;    // ms granted to a running load before an abort
+    static constexpr int kMinGap = kInterval / 2; // ms at least between two requests
     static inline const QString kMouseDownHandler = QStringLiteral("ctl_LEAD_MouseDown");
 
     // `timer` is the display's tmr_LiveMode when it has one; otherwise the object makes its own.
@@ -48,8 +49,9 @@ public:
     // the next tick of the timer (at kAbortInterval).
     void requestAbort();
     // An image load has finished: in live mode, the timer starts unless it runs already. It fires
-    // one interval after the previous request (at once when the load took longer), so the page
-    // is asked at most 25 times a second and loads do not add to the interval.
+    // when the next request is due, one interval after the previous request was due (at once
+    // when the load took longer), so the page is asked 25 times a second on average, loads do
+    // not add to the interval, and a late request is made up, never less than kMinGap apart.
     void loadFinished();
 
     // A zoom click on the main raster view. While live mode is busy it is queued (true returned)
@@ -81,8 +83,10 @@ private:
     bool* m_on = &m_ownFlags[0];
     bool* m_busy = &m_ownFlags[1];
     bool* m_abortRequested = &m_ownFlags[2];
-    QList<QStringList> m_queue;   // handler name, Button, Shift, X, Y
-    QElapsedTimer m_sinceRequest; // since the last request for an image
+    QList<QStringList> m_queue; // handler name, Button, Shift, X, Y
+    QElapsedTimer m_clock;      // runs from the moment live mode was turned on
+    qint64 m_requestDue = -1;   // when the last request for an image was due on m_clock; -1 none yet
+    qint64 m_requestMade = 0;   // when it was made
 };
 
 } // namespace nxr
