@@ -21,6 +21,18 @@ const QMetaObject* qtBase(const QMetaObject* meta)
     return base;
 }
 
+// The library's classes from `meta` up to Qt's: the scripting base every class shares first, then
+// the class itself, then the bases between (whose members a page sees on the class too).
+QList<const QMetaObject*> libraryClasses(const QMetaObject* meta)
+{
+    QList<const QMetaObject*> chain;
+    for (const QMetaObject* cls = meta; cls && cls != qtBase(meta); cls = cls->superClass())
+        chain << cls;
+    if (chain.size() > 1)
+        chain.move(chain.size() - 1, 0);
+    return chain;
+}
+
 MethodInfo methodInfo(const QMetaMethod& m)
 {
     MethodInfo info;
@@ -66,21 +78,23 @@ ClassDescription describe(const QMetaObject* meta, QObject* instance)
         d.description = QString::fromUtf8(meta->classInfo(info).value());
     d.isControl = meta->inherits(&QWidget::staticMetaObject);
 
-    const QMetaObject* base = qtBase(meta);
-    for (int i = base ? base->propertyCount() : 0; i < meta->propertyCount(); ++i) {
-        const QMetaProperty p = meta->property(i);
-        d.properties << PropertyInfo{QString::fromLatin1(p.name()), QString::fromLatin1(p.typeName()),
-                                     p.isWritable(), d.isControl && p.isWritable() && p.isDesignable()};
-    }
-    for (int i = base ? base->methodCount() : 0; i < meta->methodCount(); ++i) {
-        const QMetaMethod m = meta->method(i);
-        // A method with default arguments has one clone per left-out argument; the full one is enough.
-        if (m.attributes() & QMetaMethod::Cloned)
-            continue;
-        if (m.methodType() == QMetaMethod::Signal)
-            d.events << methodInfo(m);
-        else if (m.access() == QMetaMethod::Public && m.methodType() != QMetaMethod::Constructor)
-            d.methods << methodInfo(m);
+    for (const QMetaObject* cls : libraryClasses(meta)) {
+        const QMetaObject* super = cls->superClass();
+        for (int i = super ? super->propertyCount() : 0; i < cls->propertyCount(); ++i) {
+            const QMetaProperty p = meta->property(i);
+            d.properties << PropertyInfo{QString::fromLatin1(p.name()), QString::fromLatin1(p.typeName()),
+                                         p.isWritable(), d.isControl && p.isWritable() && p.isDesignable()};
+        }
+        for (int i = super ? super->methodCount() : 0; i < cls->methodCount(); ++i) {
+            const QMetaMethod m = meta->method(i);
+            // A method with default arguments has one clone per left-out argument; the full one is enough.
+            if (m.attributes() & QMetaMethod::Cloned)
+                continue;
+            if (m.methodType() == QMetaMethod::Signal)
+                d.events << methodInfo(m);
+            else if (m.access() == QMetaMethod::Public && m.methodType() != QMetaMethod::Constructor)
+                d.methods << methodInfo(m);
+        }
     }
 
     if (const PropertyTable* table = keyTable(instance)) {
