@@ -255,11 +255,18 @@ TEST_F(OpenSaveDialogTest, OpensALocalFileThroughTheTemporaryImageFolder)
     EXPECT_EQ(loaded.count(), 1);
 }
 
-TEST_F(OpenSaveDialogTest, SavesLocallyAndToTheControllerWithEqualPixels)
+TEST_F(OpenSaveDialogTest, SavesLocallyAndToTheControllerWithEqualPixelsAndNothingWithoutAnImage)
 {
+    // Nothing shown yet: nothing to save, and no dialog.
+    QSignalSpy errors(display.get(), &NXRImageDisplay::OnError);
+    display->dialogs().msub_SaveImageByDialog();
+    EXPECT_EQ(display->LastErrorString(), "Error in msub_SaveImageByDialog: No image to save");
+    EXPECT_FALSE(display->dialogs().hasDialog() && dialog().isVisible());
+    ASSERT_EQ(errors.count(), 1);
+    errors.clear();
+
     const QImage shown = pattern(50, 40, 5);
     display->showImage(shown);
-    QSignalSpy errors(display.get(), &NXRImageDisplay::OnError);
 
     // Locally, as PNG and as BMP; a name without extension gets the type's.
     QTemporaryDir folder;
@@ -296,15 +303,6 @@ TEST_F(OpenSaveDialogTest, SavesLocallyAndToTheControllerWithEqualPixels)
     display->dialogs().msub_SaveImageByDialog();
     EXPECT_EQ(what->count(), 1);
     dialog().cmd_Cancel_Click();
-}
-
-TEST_F(OpenSaveDialogTest, SavingWithoutAnImageReportsAndShowsNoDialog)
-{
-    QSignalSpy errors(display.get(), &NXRImageDisplay::OnError);
-    display->dialogs().msub_SaveImageByDialog();
-    EXPECT_EQ(errors.count(), 1);
-    EXPECT_EQ(display->LastErrorString(), "Error in msub_SaveImageByDialog: No image to save");
-    EXPECT_FALSE(display->dialogs().hasDialog() && dialog().isVisible());
 }
 
 TEST_F(OpenSaveDialogTest, MemoryDevicesAreReadButNeverWritten)
