@@ -172,8 +172,7 @@ TEST(HostPage, XmlHttpRequestTalksToAServer)
     server.set("/login", "text/plain", "welcome", "Set-Cookie: session=abc123; Max-Age=3600; Path=/\r\n");
     PageRunner runner;
     runner.write("xhr/local.txt", "beside the page");
-    // Steps run one after the other; each ends with done(its line). Synchronous requests are the
-    // security test's (every request there is one).
+    // Steps run one after the other; each ends with done(its line).
     const PageRun run = runner.runPage(QStringLiteral("xhr"), kEmptyForm, R"JS(
 var log = [], steps = [];
 function step(name, fn) { steps.push([name, fn]); }
@@ -223,6 +222,12 @@ step("json", function (done) {
   });
   x.send();
 });
+step("sync", function (done) {
+  var x = new XMLHttpRequest();
+  x.open("GET", host.args.base + "/json", false);
+  x.send();
+  done(x.readyState + " " + x.status + " " + x.responseText);
+});
 step("local", function (done) { var x = new XMLHttpRequest(); x.open("GET", "local.txt"); show(x, done); });
 step("cookie", function (done) {
   var x = request("/login");
@@ -253,6 +258,7 @@ next();
                                   "timeout: timed out, status 0",
                                   "abort: abort 4,loadend then state 0",
                                   "json: 2 application/json null",
+                                  "sync: 4 200 {\"list\": [1, 2]}",
                                   "local: 200 beside the page",
                                   "cookie: 200 cookie: session=abc123",
                                   "misuse: Error: InvalidStateError: send() needs open() first",

@@ -333,6 +333,7 @@ TEST_F(FileTransferObjectTest, RetryRulesAndSessionMembers)
         return o.UploadFile("Masks", file, sim->host(), target, sim->user(), sim->password(), retries);
     };
     EXPECT_EQ(o.DriveList(), QString()) << "no open session, no listing";
+    EXPECT_TRUE(o.CheckVNUM(64) && o.CheckVNUM(-1) && !o.CheckVNUM(65)) << "the object's own version rule";
     // -1 means three attempts, n means n + 1; a "501" answer is not retried.
     const struct
     {
