@@ -17,26 +17,13 @@ TEST(DialogPageTest, TheOperatorOpensAndSavesThroughTheDialogInAHeadlessRun)
     QTemporaryDir shots;
     QProcess page;
     page.setProcessChannelMode(QProcess::MergedChannels);
-    page.start(QStringLiteral(NXR_PAGE_HOST), {"--headless",
-                                               "--timeout",
-                                               "60000",
-                                               "--screenshot-dir",
-                                               shots.path(),
-                                               "--script-arg",
-                                               "server=" + sim.host(),
-                                               "--script-arg",
-                                               "httpPort=" + QString::number(sim.httpPort()),
-                                               "--script-arg",
-                                               "ftpPort=" + QString::number(sim.ftpPort()),
-                                               "--script-arg",
-                                               "user=" + sim.user(),
-                                               "--script-arg",
-                                               "password=" + sim.password(),
-                                               "--script-arg",
-                                               "dialog=1",
-                                               "--script-arg",
-                                               "shots=" + shots.path(),
-                                               QStringLiteral(NXR_VISION_SETUP_PAGE)});
+    QStringList args{"--headless", "--timeout", "60000", "--screenshot-dir", shots.path()};
+    for (const QString& arg :
+         {"server=" + sim.host(), "httpPort=" + QString::number(sim.httpPort()),
+          "ftpPort=" + QString::number(sim.ftpPort()), "user=" + sim.user(), "password=" + sim.password(),
+          QStringLiteral("dialog=1"), "shots=" + shots.path()})
+        args << "--script-arg" << arg;
+    page.start(QStringLiteral(NXR_PAGE_HOST), args << QStringLiteral(NXR_VISION_SETUP_PAGE));
     ASSERT_TRUE(page.waitForFinished(90000));
     const QString output = QString::fromLocal8Bit(page.readAll());
     EXPECT_EQ(page.exitCode(), 0) << output.toStdString();

@@ -22,62 +22,39 @@ QStringList dateOrder(const clsLogDataList& log)
     return out;
 }
 
-TEST(ImageLog, AddingCreatesMissingLevelsOnce)
+TEST(ImageLog, LevelsAreMadeOnceKeysAreExactAndClearingEmptiesAll)
 {
     clsLogDataList log;
     log.AddLogImage("2026-11-22", "Weld", "10:00:01", "MC:\\LOG\\A.PNG");
     log.AddLogImage("2026-11-22", "Weld", "10:00:02", "MC:\\LOG\\B.PNG");
     log.AddLogImage("2026-11-22", "Glue", "10:00:01", "MC:\\LOG\\C.PNG");
-    log.AddLogImage("2026-11-21", "Weld", "09:00:00", "MC:\\LOG\\D.PNG");
-
+    log.AddLogImage("2026-11-21", "Weld", "09:00:00", "first");
+    log.AddLogImage("2026-11-21", "Weld", "09:00:00", "MC:\\LOG\\D.PNG"); // the same path: replaced
     EXPECT_EQ(log.dateCount(), 2);
     EXPECT_EQ(log.imageCount(), 4);
     ASSERT_NE(log.date("2026-11-22"), nullptr);
-    EXPECT_EQ(log.date("2026-11-22")->Date, "2026-11-22");
     EXPECT_EQ(log.date("2026-11-22")->Processes.count(), 2);
-    EXPECT_EQ(log.date("2026-11-22")->Processes.item("Weld")->Process, "Weld");
     EXPECT_EQ(log.date("2026-11-22")->Processes.item("Weld")->Images.count(), 2);
     // The same time stamp under two processes is two images.
     EXPECT_EQ(log.find("2026-11-22", "Glue", "10:00:01")->imageId, "MC:\\LOG\\C.PNG");
     EXPECT_EQ(log.find("2026-11-22", "Weld", "10:00:01")->imageId, "MC:\\LOG\\A.PNG");
-}
-
-TEST(ImageLog, MissingKeysAnswerNothingAtEveryLevel)
-{
-    clsLogDataList log;
-    log.AddLogImage("d", "p", "t", "id");
+    EXPECT_EQ(log.find("2026-11-21", "Weld", "09:00:00")->imageId, "MC:\\LOG\\D.PNG");
+    // Missing at each level; keys are exact (case and blanks count).
     EXPECT_EQ(log.date("x"), nullptr);
-    EXPECT_FALSE(log.find("x", "p", "t"));
-    EXPECT_FALSE(log.find("d", "x", "t"));
-    EXPECT_FALSE(log.find("d", "p", "x"));
-    // Keys are exact: case and blanks count.
-    EXPECT_FALSE(log.find("D", "p", "t"));
-    EXPECT_FALSE(log.find("d", "p ", "t"));
-}
+    for (const auto& [d, p, t] : {std::tuple{"x", "Weld", "09:00:00"},
+                                  {"2026-11-21", "x", "09:00:00"},
+                                  {"2026-11-21", "Weld", "x"},
+                                  {"2026-11-21", "weld", "09:00:00"},
+                                  {"2026-11-21", "Weld ", "09:00:00"}})
+        EXPECT_FALSE(log.find(d, p, t)) << d << "/" << p << "/" << t;
 
-TEST(ImageLog, DuplicatePathKeepsOneEntryWithTheNewestIdentifier)
-{
-    clsLogDataList log;
-    log.AddLogImage("d", "p", "t", "first");
-    log.AddLogImage("d", "p", "t", "second");
-    EXPECT_EQ(log.imageCount(), 1);
-    EXPECT_EQ(log.find("d", "p", "t")->imageId, "second");
-}
-
-TEST(ImageLog, ClearingEmptiesEverythingAndTheLogFillsAgain)
-{
-    clsLogDataList log;
-    for (int d = 0; d < 5; ++d)
-        for (int i = 0; i < 3; ++i)
-            log.AddLogImage(QString::number(d), "p", QString::number(i), "id");
-    ASSERT_EQ(log.imageCount(), 15);
     log.Clear();
     EXPECT_EQ(log.dateCount(), 0);
     EXPECT_EQ(log.imageCount(), 0);
-    EXPECT_FALSE(log.find("0", "p", "0"));
+    EXPECT_FALSE(log.find("2026-11-22", "Glue", "10:00:01"));
     EXPECT_TRUE(log.newestFirst().empty());
-    log.AddLogImage("0", "p", "0", "again");
-    EXPECT_EQ(log.find("0", "p", "0")->imageId, "again");
+    log.AddLogImage("2026-11-22", "Glue", "10:00:01", "again");
+    EXPECT_EQ(log.find("2026-11-22", "Glue", "10:00:01")->imageId, "again");
 }
 
 TEST(ImageLog, NewestFirstByDateAndTimeWhateverTheOrderOfAdding)
@@ -142,12 +119,7 @@ TEST(TimeLogger, MeasuresAKnownSleepAndIsCreatableByName)
     std::unique_ptr<QObject> created(ClassRegistry::instance().create("NXRTimeLogger"));
     auto* logger = qobject_cast<NXRTimeLogger*>(created.get());
     ASSERT_NE(logger, nullptr);
-    EXPECT_EQ(logger->frequency(), 1000000000);
-    EXPECT_GE(logger->overhead(), 0);
-    EXPECT_LT(logger->overhead(), 100000); // reading the clock costs far less than 0.1 ms
-
-    const double start = logger->StartTime();
-    EXPECT_NEAR(start, double(logger->startCount()) / 1e9, 1e-9);
+    logger->StartTime();
     QThread::msleep(200);
     const double elapsed = logger->ElapsedTime();
     // Never less than the sleep; a loaded machine may add to it, so the upper bound is generous.
@@ -159,7 +131,6 @@ TEST(TimeLogger, MeasuresAKnownSleepAndIsCreatableByName)
     // A new start begins again from zero.
     logger->StartTime();
     EXPECT_LT(logger->ElapsedTime(), 0.1);
-    EXPECT_TRUE(logger->LastErrorString().isEmpty());
 }
 
 } // namespace

@@ -34,10 +34,8 @@ QByteArray PageRunner::form(int width, int height, const QByteArray& items)
            items + "</layout>\n</widget>\n</ui>\n";
 }
 
-PageRun PageRunner::run(const QStringList& arguments, int timeoutMs, const QString& program) const
+void PageRunner::prepare(QProcess& process) const
 {
-    PageRun result;
-    QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     // The URL cache and cookie jar of these runs stay inside the test's folder.
     env.insert(QStringLiteral("XDG_CACHE_HOME"), m_dir.filePath(QStringLiteral("cache")));
@@ -46,6 +44,13 @@ PageRun PageRunner::run(const QStringList& arguments, int timeoutMs, const QStri
         env.insert(it.key(), it.value());
     process.setProcessEnvironment(env);
     process.setWorkingDirectory(m_dir.path());
+}
+
+PageRun PageRunner::run(const QStringList& arguments, int timeoutMs, const QString& program) const
+{
+    PageRun result;
+    QProcess process;
+    prepare(process);
     QEventLoop loop;
     QObject::connect(&process, &QProcess::finished, &loop, &QEventLoop::quit);
     QObject::connect(&process, &QProcess::errorOccurred, &loop, [&loop](QProcess::ProcessError e) {

@@ -2,7 +2,9 @@
 // Writes pages into a temporary folder and runs a page host process on them, keeping this
 // process's event loop running (so a test's HTTP server answers meanwhile).
 
+#include <QImage>
 #include <QMap>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -42,6 +44,30 @@ inline QString lineStartingWith(const PageRun& run, const QString& prefix)
                                       << qPrintable((run).out) << "stderr:\n"                                \
                                       << qPrintable((run).err)
 
+// Pixels of `image` in `area` (the whole image when empty) that show `colour`, alpha ignored.
+inline int pixelsOf(const QImage& image, QRgb colour, QRect area = {})
+{
+    int n = 0;
+    area = area.isEmpty() ? image.rect() : area.intersected(image.rect());
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        for (int x = area.left(); x <= area.right(); ++x)
+            n += (image.pixel(x, y) | 0xff000000) == (colour | 0xff000000);
+    return n;
+}
+
+// The distinct colours in a rectangle of an image.
+inline int coloursIn(const QImage& image, const QRect& area)
+{
+    QSet<QRgb> colours;
+    const QRect r = area.intersected(image.rect());
+    for (int y = r.top(); y <= r.bottom(); ++y)
+        for (int x = r.left(); x <= r.right(); ++x)
+            colours.insert(image.pixel(x, y) | 0xff000000);
+    return int(colours.size());
+}
+
+class QProcess;
+
 class PageRunner
 {
 public:
@@ -57,6 +83,8 @@ public:
 
     // Extra environment variables of the runs.
     void setEnv(const QString& name, const QString& value) { m_env.insert(name, value); }
+    // Gives a process the runs' environment and working folder.
+    void prepare(QProcess& process) const;
     PageRun run(const QStringList& arguments, int timeoutMs = 60000, const QString& program = {}) const;
     // A page folder `name` with page.ui and page.js, run headless with extra arguments.
     PageRun runPage(const QString& name, const QByteArray& ui, const QByteArray& js,

@@ -29,6 +29,14 @@ public:
         m_answers[path] = Answer{200, contentType, body, extraHeaders};
     }
 
+    // A page at /p/: page.json naming page.ui and page.js.
+    void servePage(const QByteArray& ui, const QByteArray& js)
+    {
+        set("/p/page.json", "application/json", R"({"form": "page.ui", "script": "page.js"})");
+        set("/p/page.ui", "text/xml", ui);
+        set("/p/page.js", "application/javascript", js);
+    }
+
 private:
     struct Answer
     {

@@ -75,13 +75,11 @@ host.screenshot("mid.png");
     EXPECT_EQ(lineStartingWith(run, "ok "), "ok 1 pad events 4 text Ab");
     // Positions arrive in the pad's own coordinates although it sits below two other widgets.
     const QStringList pad = lineStartingWith(run, "pad ").mid(4).split(';');
-    const QStringList expected{
-        "press right 10,20", "release right 10,20", "press left 30,30", "release left 30,30",
-        "double left 30,30", "release left 30,30",  "press left 40,10", "drag 45,15",
-        "drag 50,20",        "drag 55,25",          "drag 60,30",       "drag 65,35",
-        "drag 70,40",        "drag 75,45",          "drag 80,50",       "release left 80,50",
-        "wheel -120 15,25",  "wheel -120 15,25",
-    };
+    QStringList expected{"press right 10,20", "release right 10,20", "press left 30,30", "release left 30,30",
+                         "double left 30,30", "release left 30,30",  "press left 40,10"};
+    for (int i = 1; i <= 8; ++i)
+        expected << QString("drag %1,%2").arg(40 + 5 * i).arg(10 + 5 * i);
+    expected += {"release left 80,50", "wheel -120 15,25", "wheel -120 15,25"};
     ASSERT_GE(pad.size(), expected.size()) << qPrintable(pad.join('\n'));
     EXPECT_EQ(pad.mid(0, expected.size()), expected);
     EXPECT_TRUE(pad.mid(expected.size()).contains("key S '' ctrl")) << qPrintable(pad.join('\n'));
@@ -95,11 +93,7 @@ host.screenshot("mid.png");
         EXPECT_TRUE(f.read(8) == QByteArray("\x89PNG\r\n\x1a\n", 8)) << qPrintable(file);
         const QImage image(file);
         EXPECT_EQ(image.size(), QSize(400, 300));
-        int padPixels = 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                padPixels += (image.pixel(x, y) | 0xff000000) == TestClickPad::kColor;
-        EXPECT_GE(padPixels, 120 * 80) << qPrintable(file);
+        EXPECT_GE(pixelsOf(image, TestClickPad::kColor), 120 * 80) << qPrintable(file);
         EXPECT_NE(image.pixel(1, 1) | 0xff000000, TestClickPad::kColor);
     }
 }

@@ -19,20 +19,17 @@ namespace {
 
 const QByteArray kEmptyForm = PageRunner::form(200, 100, {});
 
-// A page at `server`/p/: page.json, page.ui and page.js.
-void servePage(TestHttpServer& server, const QByteArray& ui, const QByteArray& js)
+// A run of the real page host.
+PageRun runHost(const PageRunner& runner, const QStringList& arguments, int timeoutMs = 60000)
 {
-    server.set("/p/page.json", "application/json", R"({"form": "page.ui", "script": "page.js"})");
-    server.set("/p/page.ui", "text/xml", ui);
-    server.set("/p/page.js", "application/javascript", js);
+    return runner.run(arguments, timeoutMs, QStringLiteral(NEXARO_PAGE));
 }
 
 // Runs the page of `server` headless in the real page host, the server trusted.
 PageRun runTrusted(const PageRunner& runner, const TestHttpServer& server, const QStringList& extra = {})
 {
-    return runner.run(QStringList{"--headless", "--timeout", "30000", "--trust", server.url("")} + extra +
-                          QStringList{server.url("/p/")},
-                      60000, QStringLiteral(NEXARO_PAGE));
+    return runHost(runner, QStringList{"--headless", "--timeout", "30000", "--trust", server.url("")} +
+                               extra + QStringList{server.url("/p/")});
 }
 
 QString copySample(const QString& to)
@@ -47,7 +44,7 @@ QString copySample(const QString& to)
 TEST(HostSecurity, OnlyTrustedOriginsRunTheirPages)
 {
     TestHttpServer server;
-    servePage(server, kEmptyForm, R"JS(console.log("page ran");)JS");
+    server.servePage(kEmptyForm, R"JS(console.log("page ran");)JS");
     PageRunner runner;
     runner.setEnv(QStringLiteral("XDG_CONFIG_HOME"), runner.path("config"));
     const QString page = server.url("/p/");
@@ -55,8 +52,7 @@ TEST(HostSecurity, OnlyTrustedOriginsRunTheirPages)
 
     // Not trusted at all, or only another port of the same machine: nothing is fetched or run.
     for (const QStringList& trust : {QStringList{}, QStringList{"--trust", otherPort}}) {
-        const PageRun run = runner.run(QStringList{"--headless"} + trust + QStringList{page}, 60000,
-                                       QStringLiteral(NEXARO_PAGE));
+        const PageRun run = runHost(runner, QStringList{"--headless"} + trust + QStringList{page});
         EXPECT_RUN(run, 4);
         EXPECT_TRUE(run.err.contains(server.url("") + " is not a trusted controller")) << qPrintable(run.err);
         EXPECT_TRUE(run.err.contains("--trust " + server.url(""))) << qPrintable(run.err);
@@ -70,8 +66,7 @@ TEST(HostSecurity, OnlyTrustedOriginsRunTheirPages)
     server.set("/mixed/page.json", "application/json",
                R"({"form": "../p/page.ui", "script": ")" + other.url("/evil.js").toUtf8() + "\"}");
     const PageRun mixed =
-        runner.run({"--headless", "--trust", server.url(""), server.url("/mixed/page.json")}, 60000,
-                   QStringLiteral(NEXARO_PAGE));
+        runHost(runner, {"--headless", "--trust", server.url(""), server.url("/mixed/page.json")});
     EXPECT_RUN(mixed, 4);
     EXPECT_TRUE(mixed.err.contains(other.url("") + " is not a trusted controller")) << qPrintable(mixed.err);
     EXPECT_FALSE(mixed.out.contains("ran"));
@@ -81,8 +76,7 @@ TEST(HostSecurity, OnlyTrustedOriginsRunTheirPages)
                  "[Security]\nTrustedControllers=\"10.9.9.9, " + server.url("").toUtf8() + "\"\n");
     for (const QStringList& trust :
          {QStringList{"--trust", server.url("")}, QStringList{"--trust", "127.0.0.1"}, QStringList{}}) {
-        const PageRun run = runner.run(QStringList{"--headless"} + trust + QStringList{page}, 60000,
-                                       QStringLiteral(NEXARO_PAGE));
+        const PageRun run = runHost(runner, QStringList{"--headless"} + trust + QStringList{page});
         EXPECT_RUN(run, 0);
         EXPECT_EQ(run.outLines(), QStringList{"page ran"});
     }
@@ -109,7 +103,7 @@ TEST(HostSecurity, ControllerPageCannotStartProgramsNorReachQtWidgetsBeyondTheAl
                                                PageRunner::item("QTextBrowser", "txt_Browser", browser) +
                                                PageRunner::item("QLineEdit", "txt_Name"));
     TestHttpServer server;
-    servePage(server, ui, R"JS(
+    server.servePage(ui, R"JS(
 var env = createObject("NXRClientSetupObject");
 ["BROWSER", "DEFAULT_BROWSER", "BASH_ENV", "LD_PRELOAD", "PATH", "TMPDIR", "QT_PLUGIN_PATH", "TORVIK_LANG",
  "NXR_BROWSER"].forEach(function (name) { env.Environment(name, name === "TORVIK_LANG" ? "de" : host.args.evil); });
@@ -148,7 +142,7 @@ TEST(HostSecurity, ControllerPageReadsLocalImagesOnlyFromTheStorageFolder)
     const QString missing = runner.path("private/none.png");
 
     TestHttpServer server;
-    servePage(server, PageRunner::form(300, 200, PageRunner::item("NXRImageDisplay", "ctl_Display")), R"JS(
+    server.servePage(PageRunner::form(300, 200, PageRunner::item("NXRImageDisplay", "ctl_Display")), R"JS(
 function load(name) {
   ctl_Display.LoadLocalImage(host.args[name]);
   console.log(name + ": " + ctl_Display.LastErrorString + " " + ctl_Display.CurrentImageFilename);
@@ -178,7 +172,7 @@ TEST(HostSecurity, ScreenshotsStayInTheirFolderAndAutomationInRunsWithoutAUser)
     runner.write("shots/old.png", "keep");
     QFile::link(runner.dir(), shots + "/up");
     TestHttpServer server;
-    servePage(server, kEmptyForm, R"JS(
+    server.servePage(kEmptyForm, R"JS(
 function shot(p) { try { host.screenshot(p); return "ok"; } catch (e) { return String(e); } }
 ["a.png", "sub/b.png", "../escape.png", host.args.abs, "up/c.png", "up/new/d.png", "old.png", "e.png", "f.png"]
   .forEach(function (p) { console.log(p + " -> " + shot(p)); });
@@ -187,17 +181,13 @@ function shot(p) { try { host.screenshot(p); return "ok"; } catch (e) { return S
     const PageRun run = runTrusted(
         runner, server, {"--screenshot-dir", shots, "--screenshot-quota", "3", "--script-arg", "abs=" + abs});
     EXPECT_RUN(run, 0);
-    const QStringList expected{
-        "a.png -> ok",
-        "sub/b.png -> ok",
-        "../escape.png -> Error: host.screenshot: ../escape.png is outside the screenshot folder",
-        abs + " -> Error: host.screenshot: " + abs + " is outside the screenshot folder",
-        "up/c.png -> Error: host.screenshot: up/c.png is outside the screenshot folder",
-        "up/new/d.png -> Error: host.screenshot: up/new/d.png is outside the screenshot folder",
-        "old.png -> Error: host.screenshot: old.png exists; it is not replaced "
-        "(--overwrite-screenshots)",
-        "e.png -> ok",
-        "f.png -> Error: host.screenshot: the run's 3 screenshots are taken (--screenshot-quota)"};
+    QStringList expected{"a.png -> ok", "sub/b.png -> ok"};
+    for (const QString& p : {QString("../escape.png"), abs, QString("up/c.png"), QString("up/new/d.png")})
+        expected << p + " -> Error: host.screenshot: " + p + " is outside the screenshot folder";
+    expected +=
+        {"old.png -> Error: host.screenshot: old.png exists; it is not replaced (--overwrite-screenshots)",
+         "e.png -> ok",
+         "f.png -> Error: host.screenshot: the run's 3 screenshots are taken (--screenshot-quota)"};
     QStringList got;
     for (const QString& l : run.outLines())
         if (l.contains(" -> "))
@@ -223,8 +213,7 @@ console.log("host " + [typeof host.click, typeof host.type, typeof host.screensh
           {QStringList{"--automation"},
            QString("function,function,function,function,function,function,function,function")}}) {
         const PageRun onScreen =
-            runner.run(QStringList{"--exit-after", "300"} + extra + QStringList{runner.path("local")}, 60000,
-                       QStringLiteral(NEXARO_PAGE));
+            runHost(runner, QStringList{"--exit-after", "300"} + extra + QStringList{runner.path("local")});
         EXPECT_RUN(onScreen, 0);
         EXPECT_EQ(lineStartingWith(onScreen, "host "), "host " + functions + ",object,string,boolean");
     }
@@ -237,7 +226,7 @@ TEST(HostSecurity, ControllerPageRequestsFollowTheSameOriginRule)
     TestHttpServer partner; // another trusted controller
     server.set("/data", "text/plain", "own data");
     partner.set("/data", "text/plain", "partner data");
-    servePage(server, kEmptyForm, R"JS(
+    server.servePage(kEmptyForm, R"JS(
 function send(method, url, headers) {
   var x = new XMLHttpRequest();
   try { x.open(method, url, false); } catch (e) { return "refused " + (String(e).indexOf("SecurityError") >= 0); }
@@ -283,7 +272,7 @@ TEST(HostSecurity, OversizedResponsesAndEndlessScriptsAreStopped)
     TestHttpServer server;
     server.set("/big", "application/octet-stream", QByteArray(3 << 20, 'x'));
     server.set("/small", "text/plain", QByteArray(1000, 's'));
-    servePage(server, kEmptyForm, R"JS(
+    server.servePage(kEmptyForm, R"JS(
 function get(path, async) {
   var x = new XMLHttpRequest();
   x.onload = function () { console.log(path + " " + async + " loaded " + x.responseText.length); };
@@ -318,8 +307,7 @@ while (true) {}
         QElapsedTimer clock;
         clock.start();
         const PageRun endless =
-            runner.run(mode + QStringList{"--script-limit", "1000", runner.path("endless")}, 60000,
-                       QStringLiteral(NEXARO_PAGE));
+            runHost(runner, mode + QStringList{"--script-limit", "1000", runner.path("endless")});
         EXPECT_RUN(endless, 2);
         EXPECT_EQ(endless.outLines(), QStringList{"alive"});
         EXPECT_EQ(endless.err.count("without returning and was stopped (limit 1000 ms"), 3)
@@ -364,15 +352,14 @@ console.log("told " + (t.LastErrorString.indexOf("127.0.0.2 is not a trusted con
 )JS"));
 
     PageRunner runner;
-    const QStringList controllerArgs{"--script-arg", "server=127.0.0.1",
-                                     "--script-arg", "httpPort=" + QString::number(sim.httpPort()),
-                                     "--script-arg", "ftpPort=" + QString::number(sim.ftpPort()),
-                                     "--script-arg", "user=" + sim.user(),
-                                     "--script-arg", "password=" + sim.password()};
-    const PageRun copy = runner.run(QStringList{"--headless", "--trust", base, "--script-arg",
-                                                "elsewhere=" + QString::number(elsewhere.port())} +
-                                        controllerArgs + QStringList{base + "/MC/PAGES/COPY/PAGE.JSON"},
-                                    60000, QStringLiteral(NEXARO_PAGE));
+    QStringList controllerArgs;
+    for (const QString& arg :
+         {QStringLiteral("server=127.0.0.1"), "httpPort=" + QString::number(sim.httpPort()),
+          "ftpPort=" + QString::number(sim.ftpPort()), "user=" + sim.user(), "password=" + sim.password()})
+        controllerArgs << "--script-arg" << arg;
+    const PageRun copy = runHost(runner, QStringList{"--headless", "--trust", base, "--script-arg",
+                                                     "elsewhere=" + QString::number(elsewhere.port())} +
+                                             controllerArgs + QStringList{base + "/MC/PAGES/COPY/PAGE.JSON"});
     EXPECT_RUN(copy, 0);
     EXPECT_EQ(copy.outLines(), (QStringList{"elsewhere false", "own true", "elsewhere again false",
                                             "list elsewhere []", "upload elsewhere false", "told true"}));
@@ -380,10 +367,11 @@ console.log("told " + (t.LastErrorString.indexOf("127.0.0.2 is not a trusted con
 
     // The controller's own page: snap, live mode, save, with every control and request it uses.
     const QString shots = runner.path("shots");
-    const PageRun vision = runner.run(QStringList{"--headless", "--trust", base, "--screenshot-dir", shots,
-                                                  "--script-arg", "shots=" + shots} +
-                                          controllerArgs + QStringList{base + "/MC/PAGES/VISION/PAGE.JSON"},
-                                      90000, QStringLiteral(NEXARO_PAGE));
+    const PageRun vision = runHost(runner,
+                                   QStringList{"--headless", "--trust", base, "--screenshot-dir", shots,
+                                               "--script-arg", "shots=" + shots} +
+                                       controllerArgs + QStringList{base + "/MC/PAGES/VISION/PAGE.JSON"},
+                                   90000);
     EXPECT_RUN(vision, 0);
     EXPECT_TRUE(vision.out.contains("vision-setup demo done")) << qPrintable(vision.out);
     for (const char* name :

@@ -1,9 +1,9 @@
-// How a page's files are found and fetched, and the host's count of requests under way.
+// How a page's files and a form's pictures are found, and the host's count of requests under way.
+// (How modifier and button names are read is checked end to end in host_tools_test.)
 
 #include "PageRunner.h"
 #include "TestHttpServer.h"
 #include "host/FormResources.h"
-#include "host/InputSynthesizer.h"
 #include "host/NetworkAccess.h"
 #include "host/PageSource.h"
 
@@ -143,33 +143,4 @@ TEST(FormPictures, NamesAreFoundOnceAndReplacedOrDropped)
     EXPECT_TRUE(out.contains("<string>icons/ok.png</string>")) << qPrintable(out);
     EXPECT_TRUE(out.contains("<pixmap>:/builtin/logo.png</pixmap>")) << qPrintable(out);
     EXPECT_TRUE(out.contains("theme=\"edit-copy\"")) << qPrintable(out);
-}
-
-TEST(InputNames, ModifiersAndButtonsAreReadAsWritten)
-{
-    const struct
-    {
-        const char* text;
-        bool ok;
-        Qt::KeyboardModifiers modifiers;
-    } cases[] = {
-        {"", true, {}},
-        {"none", true, {}},
-        {"Shift", true, Qt::ShiftModifier},
-        {"ctrl+ALT", true, Qt::ControlModifier | Qt::AltModifier},
-        {" Control + Shift + Meta ", true, Qt::ControlModifier | Qt::ShiftModifier | Qt::MetaModifier},
-        {"Shift+", false, {}},
-        {"Hyper", false, {}},
-    };
-    for (const auto& c : cases) {
-        Qt::KeyboardModifiers m = Qt::KeypadModifier;
-        EXPECT_EQ(nxr::InputSynthesizer::parseModifiers(QString::fromLatin1(c.text), &m), c.ok) << c.text;
-        if (c.ok) {
-            EXPECT_EQ(m, c.modifiers) << c.text;
-        }
-    }
-    Qt::MouseButton b = Qt::NoButton;
-    EXPECT_TRUE(nxr::InputSynthesizer::parseButton("Right", &b));
-    EXPECT_EQ(b, Qt::RightButton);
-    EXPECT_FALSE(nxr::InputSynthesizer::parseButton("fourth", &b));
 }

@@ -94,10 +94,8 @@ TEST(Pose, PointsMoveIntoTheOuterFrameAndBack)
     // The pose's origin is its position; lengths are kept.
     expectPoint(t.transformPoint({}), pose.position());
     EXPECT_NEAR(length(t.transformPoint(p) - pose.position()), length(p), 1e-9);
-    // Stored column by column: the translation sits in elements 12, 13, 14.
-    EXPECT_EQ(t.m[12], 100);
-    EXPECT_EQ(t.m[13], -50);
-    EXPECT_EQ(t.m[14], 20);
+    // Stored column by column (as OpenGL takes it): the translation sits in elements 12, 13, 14.
+    expectPoint({t.m[12], t.m[13], t.m[14]}, pose.position(), 0);
 }
 
 TEST(Pose, PerspectiveAndLookAtMatchTheGluMatrices)
@@ -117,39 +115,21 @@ TEST(Pose, PerspectiveAndLookAtMatchTheGluMatrices)
                          200, 100, &w));
 }
 
-TEST(Scene, StartsEmptyWithTheBoxInsideOut)
-{
-    CalibrationScene scene;
-    EXPECT_EQ(scene.box().min.x, 1e10);
-    EXPECT_EQ(scene.box().max.z, -1e10);
-    EXPECT_TRUE(scene.box().isEmpty());
-    EXPECT_EQ(scene.radius(), 1.0);
-    EXPECT_EQ(scene.rotationCentreNames(), QStringList{"User Frame"});
-}
-
 // The camera and found-point limits and their messages are checked through the control
 // (RenderTest); here what only the scene shows.
-TEST(Scene, NothingIsAddedWithoutAnOpenCameraOrPastItsPointCount)
+TEST(Scene, NothingIsAddedWithoutAnOpenCameraAndInitializeEmptiesIt)
 {
     CalibrationScene scene;
     for (int i = 0; i < 5; ++i) {
         scene.addCamera(camera(QStringLiteral("C%1").arg(i), 2));
         scene.finishCamera();
     }
-    // Nothing to add to or finish once every camera is finished.
-    EXPECT_EQ(failureOf([&] { scene.addCalibrationPoint({}); }), "Subscript out of range");
+    // Nothing to add to once every camera is finished (the control's limits: RenderTest).
     EXPECT_EQ(failureOf([&] { scene.addFovCorner({}); }), "Subscript out of range");
-    EXPECT_EQ(failureOf([&] { scene.finishCamera(); }), "Subscript out of range");
     scene.addFoundPoint({});
-
     scene.initialize();
     EXPECT_TRUE(scene.cameras().empty());
     EXPECT_TRUE(scene.foundPoints().empty());
-    scene.addCamera(camera("again", 2));
-    scene.addCalibrationPoint({1, 2, 3});
-    scene.addCalibrationPoint({4, 5, 6});
-    EXPECT_EQ(failureOf([&] { scene.addCalibrationPoint({7, 8, 9}); }), "Subscript out of range");
-    EXPECT_EQ(scene.cameras()[0].calibrationPoints.size(), 2u);
 }
 
 TEST(Scene, BoxCoversEverythingAddedAndInitializeResetsIt)
@@ -175,7 +155,10 @@ TEST(Scene, BoxCoversEverythingAddedAndInitializeResetsIt)
 
     scene.setCentre({1, 2, 3});
     scene.initialize();
+    // Empty again: no box, a unit radius to frame, the user frame as the only rotation centre.
     EXPECT_TRUE(scene.box().isEmpty());
+    EXPECT_EQ(scene.radius(), 1.0);
+    EXPECT_EQ(scene.rotationCentreNames(), QStringList{"User Frame"});
     expectPoint(scene.centre(), {});
 }
 
@@ -283,8 +266,6 @@ TEST(View, ModelViewTurnsAboutTheCentre)
     // Pan moves the picture in eye units.
     v.setPan(5, -3);
     expectPoint(v.modelView(r, {}).transformPoint({}), {5, -3, -6 * r});
-    // The rotation's last element is 1.
-    EXPECT_EQ(v.rotation().m[15], 1.0);
 }
 
 TEST(Picker, FindsThePointUnderTheMouseAndDescribesIt)

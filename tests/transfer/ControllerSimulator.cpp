@@ -17,7 +17,6 @@ QString simulatorScript()
 {
     return QStringLiteral(NXR_SIM_SCRIPT);
 }
-
 QString simulatorPython()
 {
     return QStringLiteral(NXR_SIM_PYTHON);
@@ -49,25 +48,25 @@ bool ControllerSimulator::start()
         m_logPath = m_root + QStringLiteral("-protocol.log");
     }
     QStringList args{simulatorScript(),
-                     QStringLiteral("--ftp-port"),
+                     "--ftp-port",
                      QString::number(m_options.ftpPort),
-                     QStringLiteral("--http-port"),
+                     "--http-port",
                      QString::number(m_options.httpPort),
-                     QStringLiteral("--user"),
+                     "--user",
                      m_options.user,
-                     QStringLiteral("--password"),
+                     "--password",
                      m_options.password,
-                     QStringLiteral("--root"),
+                     "--root",
                      m_root,
-                     QStringLiteral("--log"),
+                     "--log",
                      m_logPath,
-                     QStringLiteral("--keep-root")};
+                     "--keep-root"};
     if (m_options.host != QLatin1String("127.0.0.1"))
-        args << QStringLiteral("--host") << m_options.host;
+        args << "--host" << m_options.host;
     if (m_options.anonymous)
-        args << QStringLiteral("--anonymous");
+        args << "--anonymous";
     if (m_options.bigFileMb > 0)
-        args << QStringLiteral("--big-file-mb") << QString::number(m_options.bigFileMb);
+        args << "--big-file-mb" << QString::number(m_options.bigFileMb);
 
     m_process = std::make_unique<QProcess>();
     m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);

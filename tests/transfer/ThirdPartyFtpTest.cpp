@@ -7,25 +7,11 @@
 #include "transfer/ControllerClient.h"
 #include "transfer/NXRFileTransferObject.h"
 
-#include <QProcess>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QThread>
-
-#include <gtest/gtest.h>
-
 using namespace nxr::test;
 
 namespace {
 
 const char* kDaemon = "/usr/sbin/vsftpd";
-
-quint16 freePort()
-{
-    QTcpServer server;
-    server.listen(QHostAddress::LocalHost, 0);
-    return server.serverPort();
-}
 
 class ThirdPartyFtpTest : public ::testing::Test
 {

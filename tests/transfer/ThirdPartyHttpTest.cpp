@@ -7,24 +7,13 @@
 #include "transfer/ConnectionPool.h"
 #include "transfer/NXRFileTransferObject.h"
 
-#include <QProcess>
 #include <QRegularExpression>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QThread>
 
 using namespace nxr::test;
 
 namespace {
 
 const char* kDaemon = "/usr/sbin/lighttpd";
-
-quint16 freePort()
-{
-    QTcpServer server;
-    server.listen(QHostAddress::LocalHost, 0);
-    return server.serverPort();
-}
 
 class ThirdPartyHttpTest : public ::testing::Test
 {

@@ -9,6 +9,7 @@
 #include <QProcess>
 #include <QString>
 #include <QStringList>
+#include <QTcpServer>
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QThread>
@@ -89,6 +90,14 @@ protected:
 
     static inline ControllerSimulator* sim = nullptr;
 };
+
+// A loopback port nobody listens on (for a moment).
+inline quint16 freePort()
+{
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost, 0);
+    return server.serverPort();
+}
 
 // Whether something accepts connections on the loopback port within about five seconds.
 inline bool listensSoon(quint16 port)
