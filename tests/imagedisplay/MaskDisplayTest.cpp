@@ -169,7 +169,7 @@ TEST_F(MaskDisplay, WhatIsPaintedAtAnyZoomIsWhatTheControllerReceives)
     };
     for (const Case& c :
          {Case{50, "MC:\\VISION\\DC50.PNG", "PNG"}, Case{100, "MC:\\VISION\\DC100.JPG", "JPG"},
-          Case{200, "MC:\\VISION\\DC200.PNG", "PNG"}, Case{200, "MC:\\VISION\\DC200.JPG", "JPG"}}) {
+          Case{200, "MC:\\VISION\\DC200.PNG", "PNG"}}) {
         SCOPED_TRACE(c.path);
         startEdit(c.path, c.format);
         zoomTo(c.zoom);
