@@ -23,6 +23,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -123,12 +124,11 @@ TEST_F(Display, KeysOfLaterFeaturesAreAcceptedAndBadKeysOrValuesRaiseOneErrorEac
         display->SetProperty(key, value);
     EXPECT_EQ(errors->count(), 0) << display->LastErrorString().toStdString();
     // Each bad key or value: its own text, one OnError, and the state stays. No value: GetProperty.
+    // Unknown keys in general are the protocol's, checked in the frame tests.
     const std::tuple<const char*, const char*, const char*> bad[] = {
-        {"zoom", "300", "Error: unknown property (zoom)"}, // keys are case-sensitive
         {"FTPPortNo", "ftp", "Error in SetProperty(FTPPortNo): Type mismatch"},
         {"LiveMode", "perhaps", "Error in SetProperty(LiveMode): Type mismatch"},
         {"Zoom", "-4", "Error in SetProperty(Zoom): Invalid property value"},
-        {"Bogus", nullptr, "Error: unknown property (Bogus)"},
         {"FTPPortNo", nullptr, "Error: unknown property (FTPPortNo)"}, // write-only
     };
     int expected = 0;
@@ -221,22 +221,6 @@ TEST_F(Display, LoadLocalImageShowsAFileAndReportsBadOnes)
     EXPECT_EQ(display->ImageWidth(), 1280); // the shown image stays
 }
 
-TEST_F(Display, SameSizeImageKeepsTheViewAnotherSizeRefitsOnce)
-{
-    showBig(200, QPoint(700, 500));
-    zooms->clear();
-    display->showImage(testImage(2592, 1944, QImage::Format_Grayscale8));
-    EXPECT_EQ(display->Zoom(), 200.0f);
-    EXPECT_EQ(maths().scrollPosition(), QPoint(700, 500));
-    EXPECT_EQ(zooms->count(), 0);
-
-    display->showImage(testImage(640, 480));
-    EXPECT_LT(display->Zoom(), 200.0f);
-    EXPECT_EQ(maths().scrollPosition(), QPoint(0, 0));
-    ASSERT_EQ(zooms->count(), 1);
-    EXPECT_EQ(zooms->front().front().toFloat(), display->Zoom());
-}
-
 // ---- tool bar clicks ----
 
 TEST_F(Display, MouseModeAndOpenClicksRaiseNoPageEvent)
@@ -268,8 +252,13 @@ TEST_F(Display, DefaultZoomAndFitPassOutsideEditingWhileAMaskIsEditedFitIsSilent
     EXPECT_NEAR(centre.x(), 1296, 1.0);
     EXPECT_NEAR(centre.y(), 972, 1.0);
     click(vvb_FitImage);
-    EXPECT_EQ(display->Zoom(), nxr::ViewMaths::fitZoom(maths().usableArea().height(),
-                                                       maths().usableArea().width(), 1944, 2592, false));
+    // The whole image shows without scroll bars and fills at least half the view one way.
+    EXPECT_EQ(maths().visibleSourceRect(), QRectF(0, 0, 2592, 1944));
+    EXPECT_FALSE(display->viewport().horizontalBar()->isVisible() ||
+                 display->viewport().verticalBar()->isVisible());
+    EXPECT_GT(std::max(maths().scaledSize().width() / maths().visibleSize().width(),
+                       maths().scaledSize().height() / maths().visibleSize().height()),
+              0.5);
     EXPECT_EQ(pageNames(), QStringList({"ZoomDefault", "ZoomFitImage"}));
 
     pageClicks->clear();
@@ -286,34 +275,6 @@ TEST_F(Display, DefaultZoomAndFitPassOutsideEditingWhileAMaskIsEditedFitIsSilent
     click(vvb_Save);
     click(vvb_LaserOn); // the laser still passes
     EXPECT_EQ(pageNames(), QStringList({"LaserOn"}));
-}
-
-TEST_F(Display, OkAndCancelReachThePageAfterTheClick)
-{
-    CountingEditor& window = editor;
-    display->editSession().begin(nxr::EditKind::Window, window);
-    auto* ok = display->findChild<QPushButton*>("cmd_OK");
-    ASSERT_TRUE(ok && ok->isVisible());
-    QTest::mouseClick(ok, Qt::LeftButton);
-    EXPECT_EQ(pageClicks->count(), 0); // not inside the click
-    ASSERT_TRUE(pageClicks->wait(1000));
-    EXPECT_FALSE(ok->isVisible());
-    display->editSession().begin(nxr::EditKind::Window, window);
-    QTest::mouseClick(display->findChild<QPushButton*>("cmd_Cancel"), Qt::LeftButton);
-    ASSERT_TRUE(pageClicks->wait(1000));
-    EXPECT_EQ(pageNames(), QStringList({"Accept", "Cancel"}));
-    EXPECT_EQ(window.accepts, 1);
-    EXPECT_EQ(window.cancels, 1);
-    EXPECT_FALSE(ok->isVisible());
-}
-
-TEST_F(Display, ClosingWhileEditingCancelsTheEdit)
-{
-    display->editSession().begin(nxr::EditKind::Cursor, editor);
-    QSignalSpy spy(display.get(), &NXRImageDisplay::OnButtonClicked);
-    display.reset();
-    ASSERT_EQ(spy.count(), 1);
-    EXPECT_EQ(spy.at(0).at(0).toString(), "Cancel");
 }
 
 // ---- mouse ----
@@ -346,25 +307,22 @@ TEST_F(Display, ZoomModeClicksDoubleAndHalveAtTheClickedPoint)
 
 TEST_F(Display, WheelZoomKeepsThePointUnderTheCursor)
 {
-    for (QSize size : {QSize(2592, 1944), QSize(6000, 1200), QSize(1200, 6000)}) {
-        display->showImage(testImage(size.width(), size.height()), false);
-        display->setZoom(100);
-        display->viewport().setScrollPosition(maths().scrollMaximum() / 2);
-        const QPoint at(331, 217);
-        const QPointF device = QPointF(at) * lead()->deviceRatio();
-        const QPointF before = maths().toImage(device);
-        zooms->clear();
-        wheel(at, 1);
-        EXPECT_EQ(display->Zoom(), 200.0f);
-        for (auto [notches, zoom] : {std::pair{2, 400.0f}, {-2, 200.0f}}) {
-            wheel(at, notches);
-            EXPECT_EQ(display->Zoom(), zoom);
-            const QPointF now = maths().toScreen(before);
-            EXPECT_NEAR(now.x(), device.x(), 0.5) << size.width() << " " << notches;
-            EXPECT_NEAR(now.y(), device.y(), 0.5) << size.width() << " " << notches;
-        }
-        EXPECT_EQ(zooms->count(), 3);
+    // The anchoring itself is the view maths' (checked there over image shapes); here the wheel's
+    // widget point reaches it in device pixels.
+    showBig(100);
+    display->viewport().setScrollPosition(maths().scrollMaximum() / 2);
+    const QPoint at(331, 217);
+    const QPointF device = QPointF(at) * lead()->deviceRatio();
+    const QPointF before = maths().toImage(device);
+    zooms->clear();
+    for (auto [notches, zoom] : {std::pair{1, 200.0f}, {2, 400.0f}, {-2, 200.0f}}) {
+        wheel(at, notches);
+        EXPECT_EQ(display->Zoom(), zoom);
+        const QPointF now = maths().toScreen(before);
+        EXPECT_NEAR(now.x(), device.x(), 0.5) << notches;
+        EXPECT_NEAR(now.y(), device.y(), 0.5) << notches;
     }
+    EXPECT_EQ(zooms->count(), 3);
     // At the zoom limits the wheel changes nothing and raises nothing.
     zooms->clear();
     for (auto [zoom, notches] : {std::pair{1e9f, 1}, {1.0f, -1}}) {
@@ -465,39 +423,6 @@ TEST_F(Display, ZoomToFillsTheViewportWithTheRectangle)
     const QRectF shown = maths().visibleSourceRect();
     EXPECT_TRUE(shown.contains(QRectF(1200, 1000, 100, 100))) << shown.x() << "," << shown.y();
     EXPECT_EQ(zooms->count(), 1);
-}
-
-TEST_F(Display, MouseEventsOnTheMaskGoToTheMaskEditor)
-{
-    display->showImage(testImage(400, 300));
-    struct Presses : nxr::Interaction
-    {
-        std::vector<QPointF>& downs;
-        explicit Presses(std::vector<QPointF>& d) : downs(d) {}
-        bool press(const nxr::PointerEvent& e) override
-        {
-            downs.push_back(e.image);
-            return true;
-        }
-    };
-    struct MaskEditor : CountingEditor
-    {
-        Presses* presses = nullptr;
-        nxr::Interaction* interaction() override { return presses; }
-    };
-    std::vector<QPointF> downs;
-    Presses presses(downs);
-    MaskEditor maskEditor;
-    maskEditor.presses = &presses;
-    display->editSession().begin(nxr::EditKind::Mask, maskEditor, 0);
-    nxr::RasterView* mask = display->maskLeadView();
-    ASSERT_TRUE(mask->isVisible());
-    QTest::mouseClick(mask, Qt::LeftButton, {}, QPoint(50, 40));
-    ASSERT_EQ(downs.size(), 1u);
-    const QPointF expected = maths().toImage(QPointF(50, 40) * mask->deviceRatio());
-    EXPECT_NEAR(downs[0].x(), expected.x(), 1e-9);
-    EXPECT_EQ(display->GetProperty("Zoom"), QString::number(double(mask->zoom()), 'g', 7));
-    display->editSession().cancel(); // the editor goes before the display
 }
 
 // ---- the raster view on its own ----

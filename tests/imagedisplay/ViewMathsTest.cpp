@@ -39,7 +39,6 @@ TEST(ViewMathsZoom, IntegerZoomSnapsToWholePixelZooms)
         {250, true, 300.0f},
         {249, true, 200.0f},
         {100, true, 100.0f},
-        {200, true, 200.0f},
         // zoom in from 100 and from 33.33 (single precision): 200 and 50, not 66.67 or 100
         {double(100.0f) * 2.0, true, 200.0f},
         {double(float(100.0 / 3.0)) * 2.0, true, 50.0f},

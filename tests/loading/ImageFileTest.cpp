@@ -172,20 +172,10 @@ TEST_F(ImageFileTest, SixteenBitGreyAndTransparencySurvivePng)
     EXPECT_TRUE(samePixels(ImageFile::read(path("alpha.png")), alpha));
 }
 
-TEST_F(ImageFileTest, TruncatedCorruptAndNonImageFilesGiveClearReasons)
+// Cut files of every format: the seeds' test below.
+TEST_F(ImageFileTest, CorruptAndNonImageFilesGiveClearReasons)
 {
     const QImage colour = colourField(200, 150);
-    for (ImageFileFormat format :
-         {ImageFileFormat::Jpeg, ImageFileFormat::Png, ImageFileFormat::Gif, ImageFileFormat::Bmp}) {
-        const QString ext = ImageFile::extensionOf(format);
-        SCOPED_TRACE(ext.toStdString());
-        const QByteArray whole = ImageFile::encode(colour, format);
-        writeBytes(path("half" + ext), whole.left(whole.size() / 2));
-        EXPECT_FALSE(failureOf(path("half" + ext)).isEmpty());
-        // Only the last few bytes missing.
-        writeBytes(path("short" + ext), whole.left(whole.size() - 3));
-        EXPECT_FALSE(failureOf(path("short" + ext)).isEmpty());
-    }
     // Bytes after the end of a complete JPEG (some cameras append their own data) are harmless.
     writeBytes(path("tail.jpg"), ImageFile::encode(colour, ImageFileFormat::Jpeg) + QByteArray(300, '\x55'));
     EXPECT_EQ(failureOf(path("tail.jpg")), "");
