@@ -21,7 +21,7 @@ class NXR_EXPORT LiveMode : public QObject
     Q_OBJECT
 
 public:
-    static constexpr int kInterval = 40;          // ms between a shown image and the next request
+    static constexpr int kInterval = 40;          // ms between two requests for an image, on average
     static constexpr int kAbortInterval = 500;    // ms granted to a running load before an abort
     static constexpr int kMinGap = kInterval / 2; // ms at least between two requests
     static inline const QString kMouseDownHandler = QStringLiteral("ctl_LEAD_MouseDown");
