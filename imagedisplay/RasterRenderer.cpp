@@ -107,6 +107,18 @@ QImage halve(const QImage& src)
     return dst;
 }
 
+// Adds halvings of the last level (or of `source`) until there are `count` levels or the last one
+// is a single pixel.
+void addLevels(std::vector<QImage>& levels, const QImage& source, int count)
+{
+    while (int(levels.size()) < count) {
+        const QImage& last = levels.empty() ? source : levels.back();
+        if (last.width() <= 1 && last.height() <= 1)
+            break;
+        levels.push_back(halve(last));
+    }
+}
+
 // The pixels of a halved image that depend on `region` of the image it was halved from.
 QRect halvedRegion(const QRect& region)
 {
@@ -145,12 +157,7 @@ std::vector<QImage> RasterRenderer::reductions(const QImage& image, int count)
     std::vector<QImage> levels;
     if (image.isNull() || !drawnAsIs(image.format()))
         return levels;
-    while (int(levels.size()) < count) {
-        const QImage& last = levels.empty() ? image : levels.back();
-        if (last.width() <= 1 && last.height() <= 1)
-            break;
-        levels.push_back(halve(last));
-    }
+    addLevels(levels, image, count);
     return levels;
 }
 
@@ -230,12 +237,7 @@ const QImage& RasterRenderer::level(int index)
     const QImage& source = displaySource();
     if (index <= 0 || source.isNull())
         return source;
-    while (int(m_levels.size()) < index) {
-        const QImage& last = m_levels.empty() ? source : m_levels.back();
-        if (last.width() <= 1 && last.height() <= 1)
-            break;
-        m_levels.push_back(halve(last));
-    }
+    addLevels(m_levels, source, index);
     if (m_levels.empty())
         return source;
     return m_levels[size_t(std::min(index, int(m_levels.size())) - 1)];
