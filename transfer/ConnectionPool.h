@@ -1,8 +1,8 @@
 #pragma once
 // The process-wide pool of controller connections: at most ten clients, one per controller (the
 // server string with the FTP and HTTP ports it is reached on), each shared by the users (pool keys)
-// that asked for it. Single-threaded, like everything that
-// touches it; the pool outlives the objects that use it and is emptied when the application ends.
+// that asked for it. Single-threaded, like everything that touches it; the pool outlives the
+// objects that use it and is emptied when the application ends.
 
 #include "frame/Export.h"
 #include "transfer/ControllerClient.h"

@@ -585,10 +585,9 @@ void ControllerClient::socketAction(long long s, int events)
 {
     if (!m_multi)
         return;
-    if (s != CURL_SOCKET_TIMEOUT) {
-        const auto watch = m_watches.find(s);
+    if (const auto watch = m_watches.find(s); watch != m_watches.end()) {
         for (Transfer* t : m_active) {
-            if (watch != m_watches.end() && watch->second.easy == t->easy)
+            if (t->easy == watch->second.easy)
                 t->lastEventMs = m_clock.elapsed();
         }
     }

@@ -72,7 +72,6 @@ NXRFileTransferObject::~NXRFileTransferObject()
             DisconnectRobot(false);
         }
         if (m_client) {
-            nxr::gsub_FreeFTPObject(m_poolKey, m_slotName, false);
             releaseSlot();
         }
     }
@@ -99,8 +98,10 @@ void NXRFileTransferObject::takeClient(const QString& poolKey, const QString& se
         m_client ? nxr::ConnectionPool::slotName(server, quint16(m_ftpPort), quint16(m_httpPort)) : QString();
 }
 
-void NXRFileTransferObject::releaseSlot()
+void NXRFileTransferObject::releaseSlot(bool force)
 {
+    if (!m_slotName.isEmpty())
+        nxr::gsub_FreeFTPObject(m_poolKey, m_slotName, force);
     m_client.reset();
     m_slotServer.clear();
     m_slotName.clear();
@@ -190,7 +191,6 @@ void NXRFileTransferObject::reconnectForPorts()
         return;
     const bool wasConnected = connected();
     const QString server = m_slotServer;
-    nxr::gsub_FreeFTPObject(m_poolKey, m_slotName, false);
     releaseSlot();
     takeClient(m_poolKey, server);
     if (!wasConnected || !m_client || connected())
@@ -254,8 +254,6 @@ bool NXRFileTransferObject::CopyFile(const QString& vstr_FileServer, const QStri
             core().reportError(routine, f.text);
         }
         if (m_poolKey == kExternal) {
-            if (!m_slotName.isEmpty())
-                nxr::gsub_FreeFTPObject(kExternal, m_slotName, false);
             releaseSlot();
             m_poolKey.clear();
         }
@@ -426,8 +424,7 @@ void NXRFileTransferObject::DisconnectRobot(bool force)
 {
     trace(QStringLiteral("DisconnectRobot"), QStringLiteral("Entered, force=") + nxr::fromBool(force));
     if (m_client && connected()) {
-        nxr::gsub_FreeFTPObject(m_poolKey, m_slotName, force);
-        releaseSlot();
+        releaseSlot(force);
     }
 }
 
@@ -607,7 +604,6 @@ void NXRFileTransferObject::forScript(const QString& routine, const QString& ser
         body();
     });
     if (ownConnection && m_client) {
-        nxr::gsub_FreeFTPObject(m_poolKey, m_slotName, false);
         releaseSlot();
         m_poolKey.clear();
     }

@@ -125,7 +125,8 @@ public:
 private:
     bool connected() const;
     void dropRetiredClient();
-    void releaseSlot();
+    // Gives the pooled client back (under this object's pool key) and forgets it.
+    void releaseSlot(bool force = false);
     bool copyFileBody(const QString& server, const QString& filePath, const QString& user,
                       const QString& password, const QString& newFilename);
     bool httpDownload(const QString& remote, const QString& localPath, QString* why);
