@@ -12,8 +12,6 @@ work="$(mktemp -d "${TMPDIR:-/tmp}/nxr-soak.XXXXXX")"
 . "$root/sim/start-sim.sh"
 trap 'kill ${sim_pid:-} 2>/dev/null || true; wait ${sim_pid:-} 2>/dev/null || true; rm -rf "$work"' EXIT
 start_simulator "$work" --log "$work/protocol.log"
-ftp="$ftp_port"
-http="$http_port"
 mkdir -p "$work/page"
 cat > "$work/page/page.ui" <<'UI'
 <?xml version="1.0" encoding="UTF-8"?>
@@ -38,7 +36,7 @@ function next() {
 setTimeout(next, 0);
 JS
 TMPDIR="$work" QT_QPA_PLATFORM=offscreen "$build/host/nexaro-page" --headless --timeout 3600000 \
-  --script-arg ftpPort="$ftp" --script-arg httpPort="$http" --script-arg frames="$frames" \
+  --script-arg ftpPort="$ftp_port" --script-arg httpPort="$http_port" --script-arg frames="$frames" \
   "$work/page" > "$work/page.out" 2>&1 &
 page_pid=$!
 samples=()
